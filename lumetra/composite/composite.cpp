@@ -1,0 +1,44 @@
+#include "lumetra/lumetra"
+
+#include "lumetra/composite/compositing.h"
+
+#include <QMessageLogger>
+
+#include <memory>
+
+cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPointList) {
+    const QMessageLogger log(nullptr, 0, nullptr);
+    const int count = matList->size();
+    if (count < 2 || count != offsetPointList->size()) {
+        log.debug("[Lumetra::Composite] matList:%d offsetPointList:%d", count,
+                  offsetPointList->size());
+        return nullptr;
+    }
+
+    const lumetra::Alignment alignment(*offsetPointList);
+    cv::Mat& first = *matList->at(0);
+    const int type = lumetra::canvasType(first);
+    lumetra::unifyColourMode(first, type);
+
+    const std::int64_t newRows = alignment.commonRows(first.rows);
+    const std::int64_t newCols = alignment.commonColumns(first.cols);
+    if (newRows < 1 || newCols < 1) {
+        log.debug("[Lumetra::Composite] newRows:%lld newCols:%lld", static_cast<long long>(newRows),
+                  static_cast<long long>(newCols));
+        return nullptr;
+    }
+
+    auto canvas =
+        std::make_unique<cv::Mat>(static_cast<int>(newRows), static_cast<int>(newCols), type);
+    for (int k = 0; k < count; ++k) {
+        cv::Mat& image = *matList->at(k);
+        lumetra::unifyColourMode(image, type);
+        if (image.rows != first.rows || image.cols != first.cols) {
+            lumetra::reportSizeMismatch();
+            return nullptr;
+        }
+        const cv::Mat part = alignment.visiblePart(image, offsetPointList->at(k), *canvas);
+        k == 0 ? lumetra::place(part, *canvas) : lumetra::accumulate(part, *canvas);
+    }
+    return canvas.release();
+}

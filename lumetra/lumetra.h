@@ -1,0 +1,1 @@
+#include "lumetra" // the one public header, under a name with an extension
