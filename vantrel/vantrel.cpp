@@ -35,18 +35,17 @@ Range integerRange(int depth) {
     }
 }
 
-/// The samples as `double`, clamped to the range of an integer depth. Rounding them afterwards
-/// cannot leave the range, as it could for samples that no integer holds.
-cv::Mat clampedSamples(const cv::Mat& floating, int depth) {
+/// The samples times a factor as `double`, clamped to the range of an integer depth: rounding them
+/// afterwards cannot leave it, as it could for samples that no integer holds.
+cv::Mat scaledSamples(const cv::Mat& image, double factor, Range range) {
     cv::Mat samples;
-    floating.convertTo(samples, CV_64F);
-    const Range range = integerRange(depth);
+    image.convertTo(samples, CV_64F);
     auto* const first = samples.ptr<double>();
     std::transform(first, first + samples.total() * static_cast<std::size_t>(samples.channels()),
-                   first, [range](double sample) {
+                   first, [=](double sample) {
                        return std::isnan(sample)
                                   ? 0.0
-                                  : std::clamp(sample, range.smallest, range.largest);
+                                  : std::clamp(sample * factor, range.smallest, range.largest);
                    });
     return samples;
 }
@@ -56,13 +55,14 @@ cv::Mat inDepth(const cv::Mat& image, int depth) {
     if (image.depth() == depth)
         return image;
     cv::Mat converted;
-    if (!isInteger(depth))
+    if (isInteger(depth)) {
+        const Range range = integerRange(depth);
+        const double factor =
+            isInteger(image.depth()) ? range.largest / integerRange(image.depth()).largest : 1.0;
+        scaledSamples(image, factor, range).convertTo(converted, depth);
+    } else {
         image.convertTo(converted, depth);
-    else if (!isInteger(image.depth()))
-        clampedSamples(image, depth).convertTo(converted, depth);
-    else
-        image.convertTo(converted, depth,
-                        integerRange(depth).largest / integerRange(image.depth()).largest);
+    }
     return converted;
 }
 

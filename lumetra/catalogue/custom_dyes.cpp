@@ -9,20 +9,21 @@
 
 namespace {
 
-constexpr QLatin1String countKey("Number");
-constexpr QLatin1String sectionPrefix("DyeType");
+constexpr char countKey[] = "Number";
+constexpr char sectionPrefix[] = "DyeType";
+constexpr int prefixLength = sizeof sectionPrefix - 1;
 
-QString section(int number) { return sectionPrefix + QString::number(number); }
+QString section(int number) { return QLatin1String(sectionPrefix) + QString::number(number); }
 
-QString nameKey(const QString& section) { return section + QLatin1String("/Name"); }
+QString nameKey(const QString& section) { return section + QStringLiteral("/Name"); }
 
-QString colourKey(const QString& section) { return section + QLatin1String("/Color"); }
+QString colourKey(const QString& section) { return section + QStringLiteral("/Color"); }
 
 /// The sections of dyes 1 to `count` that the file holds, by number.
 std::map<int, QString> dyeSections(const QSettings& settings, int count) {
     std::map<int, QString> sections;
     for (const QString& group : settings.childGroups()) {
-        const int number = group.midRef(sectionPrefix.size()).toInt();
+        const int number = group.midRef(prefixLength).toInt();
         if (number >= 1 && number <= count && group == section(number))
             sections.emplace(number, group);
     }

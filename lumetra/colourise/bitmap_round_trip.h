@@ -3,6 +3,8 @@
 
 #include "lumetra/colourise/pixel_area.h"
 
+#include <opencv2/core/mat.hpp>
+
 #include <functional>
 
 namespace lumetra {

@@ -5,18 +5,21 @@
 
 namespace lumetra {
 
-/// The source without a fourth channel, or a header on its own pixels.
-///
-/// An empty source of any type gives an empty 8-bit single-channel matrix.
+/// What becomes of a source, by the form of the image that is to be coloured.
+enum class ColourWay {
+    gray8,    ///< `CV_8UC1`: at most 256 outcomes.
+    colour8,  ///< `CV_8UC3`: encoding and decoding would not change it.
+    gray16,   ///< `CV_16UC1`
+    colour16, ///< `CV_16UC3`
+    bitmap,   ///< Anything else, an empty image included: for the encoder to convert or refuse.
+};
+
+ColourWay colourWay(const cv::Mat& source);
+
+/// The source without a fourth channel, and a single channel of other depths rounded and clamped to
+/// 8 bits; otherwise a header on its own pixels. An empty source gives an empty matrix.
 ///
 /// @throws cv::Exception for more than two dimensions.
 cv::Mat colourSource(const cv::Mat& src);
-
-/// Whether colouring gives a 16-bit image, made directly, without a bitmap.
-bool isSixteenBit(const cv::Mat& source);
-
-/// The image that the bitmap is encoded from: a single-channel source as three equal 8-bit
-/// channels, any other as it is.
-cv::Mat preparedForBitmap(const cv::Mat& source);
 
 } // namespace lumetra

@@ -2,35 +2,29 @@
 
 #include "lumetra/colourise/bitmap_round_trip.h"
 #include "lumetra/colourise/colour_source.h"
+#include "lumetra/colourise/paint.h"
+#include "lumetra/colourise/strips.h"
+#include "lumetra/colourise/tint.h"
+#include "lumetra/levels/colour_levels.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <vector>
+#include <optional>
 
 namespace lumetra {
 namespace {
 
-/// The dye colour's components in the order of an image's channels: blue, green, red.
-using Tint = std::array<int, 3>;
+struct DyeSettings {
+    Tint tint;
+    bool autoLevels;
+    bool dominantChannel;
+};
 
-/// A product in 32 bits that wraps, for samples are up to 65535 and components of any value.
-std::uint32_t product(unsigned sample, int component) {
-    return sample * static_cast<std::uint32_t>(component);
-}
-
-unsigned char tinted8(unsigned char sample, int component) {
-    return static_cast<unsigned char>(static_cast<std::int32_t>(product(sample, component)) / 255);
-}
-
-std::uint16_t tinted16(std::uint16_t sample, int component) {
-    return static_cast<std::uint16_t>(product(sample, component) >> 8);
-}
-
-/// Raises the black levels for every component that is full on, so that a dye's background stays
-/// dark: less for the channel at the component's place in red, green, blue order than for the
-/// others, but never up to the white level.
-void raiseBlackLevels(TS_LEVELS& levels, const Tint& tint) {
+/// Raises the black levels for every component that is full on, so that the background stays dark:
+/// less for the channel at the component's place in red, green, blue order than for the others, but
+/// never up to the white level.
+TS_LEVELS withRaisedBlack(TS_LEVELS levels, const Tint& tint) {
     const auto raise = [](unsigned short& black, unsigned short white, int amount) {
         black = static_cast<unsigned short>(std::min(white - 1, black + amount));
     };
@@ -43,76 +37,208 @@ void raiseBlackLevels(TS_LEVELS& levels, const Tint& tint) {
         raise(levels.wLowG, levels.wHighG, i == 1 ? 2 : 3);
         raise(levels.wLowR, levels.wHighR, i == 2 ? 2 : 3);
     }
+    return levels;
 }
 
-/// Stretches the levels of each channel of pixels without row padding.
-void stretchPacked(unsigned char* pixels, int width, int height, const Tint& tint) {
-    TS_LEVELS levels{};
-    Lumetra::AutoCountHistoRGB24(pixels, width, height, levels);
-    raiseBlackLevels(levels, tint);
-    Lumetra::StretchLevelsRGB24(levels, pixels, width, height);
+/// The automatic levels of pixels with these ranges, as a stretch for a dye.
+Stretch<3> automaticStretch(const ColourRanges& ranges, const Tint& tint) {
+    return colourStretch(withRaisedBlack(colourLevels(ranges), tint));
 }
 
-/// Automatic levels. The level functions know no row padding, so padded rows are packed for them.
-void stretchLevels(PixelArea area, const Tint& tint) {
-    const auto width = static_cast<int>(area.width);
-    const auto height = static_cast<int>(area.height);
-    if (area.stride == area.rowBytes())
-        return stretchPacked(area.first, width, height, tint);
-
-    std::vector<unsigned char> bytes(area.rowBytes() * area.height);
-    const PixelArea packed{bytes.data(), area.width, area.height, area.rowBytes()};
-    copyPixels(area, packed);
-    stretchPacked(packed.first, width, height, tint);
-    copyPixels(packed, area);
-}
-
-/// The channel with the largest total; the lowest of those that are equal.
-std::size_t dominantChannel(PixelArea area) {
-    std::array<std::uint64_t, 3> totals{};
-    for (std::size_t y = 0; y < area.height; ++y) {
-        const unsigned char* row = area.row(y);
-        for (std::size_t i = 0; i < area.rowBytes(); ++i)
-            totals[i % 3] += row[i];
+/// Sums of each channel.
+class ChannelTotals {
+public:
+    void add(const unsigned char* pixels, std::size_t count) {
+        forEachStrip(count, [&](std::size_t first, std::size_t inStrip) {
+            addStrip(pixels + 3 * first, 3 * inStrip);
+        });
     }
-    return static_cast<std::size_t>(std::max_element(totals.begin(), totals.end()) -
-                                    totals.begin());
-}
 
-/// Fills all three bytes of each pixel with its sample in the dominant channel.
-void fillWithDominantChannel(PixelArea from, PixelArea to) {
-    const std::size_t channel = dominantChannel(from);
-    for (std::size_t y = 0; y < from.height; ++y) {
-        const unsigned char* in = from.row(y) + channel;
-        unsigned char* out = to.row(y);
-        for (std::size_t x = 0; x < from.width; ++x)
-            out[3 * x] = out[3 * x + 1] = out[3 * x + 2] = in[3 * x];
+    void addRepeated(const unsigned char* pixel, std::uint64_t times) {
+        for (std::size_t k = 0; k < totals_.size(); ++k)
+            totals_[k] += times * pixel[k];
+    }
+
+    /// The channel with the largest total; the lowest of those that are equal.
+    std::size_t dominantChannel() const {
+        const auto largest = std::max_element(totals_.begin(), totals_.end());
+        return static_cast<std::size_t>(largest - totals_.begin());
+    }
+
+private:
+    void addStrip(const unsigned char* samples, std::size_t count) {
+        constexpr std::size_t lanes = 48;
+        static_assert(stripPixels / 16 * 255 <= 65535, "a lane must hold the sum of a strip");
+        std::uint16_t sums[lanes] = {};
+        std::size_t done = 0;
+        for (; done + lanes <= count; done += lanes)
+            for (std::size_t i = 0; i < lanes; ++i)
+                sums[i] = static_cast<std::uint16_t>(sums[i] + samples[done + i]);
+        for (std::size_t i = 0; i < lanes; ++i)
+            totals_[i % 3] += sums[i];
+        for (; done < count; ++done)
+            totals_[done % 3] += samples[done];
+    }
+
+    std::array<std::uint64_t, 3> totals_{};
+};
+
+/// Fills all three bytes of each pixel with its sample in one channel.
+void fillWithChannel(const unsigned char* in, std::size_t channel, unsigned char* out,
+                     std::size_t count) {
+    for (std::size_t x = 0; x < count; ++x) {
+        const unsigned char sample = in[3 * x + channel];
+        out[3 * x] = out[3 * x + 1] = out[3 * x + 2] = sample;
     }
 }
 
-void tint8(PixelArea from, PixelArea to, const Tint& tint) {
-    for (std::size_t y = 0; y < from.height; ++y) {
-        const unsigned char* in = from.row(y);
-        unsigned char* out = to.row(y);
-        for (std::size_t i = 0; i < from.rowBytes(); ++i)
-            out[i] = tinted8(in[i], tint[i % 3]);
+/// A strip of 256 pixels, one for each gray level, which the stages turn into what the levels
+/// become.
+class GrayLevels {
+public:
+    GrayLevels() {
+        for (std::size_t i = 0; i < pixels_.size(); ++i)
+            pixels_[i] = static_cast<unsigned char>(i / 3);
     }
+
+    void stretch(const Stretch<3>& stretch) { stretch(pixels_.data(), pixels_.size()); }
+
+    void fillWithChannel(std::size_t channel) {
+        lumetra::fillWithChannel(pixels_.data(), channel, pixels_.data(), 256);
+    }
+
+    LevelColours tinted(const Tint& tint) {
+        tintPixels(pixels_.data(), 256, tint);
+        LevelColours colours;
+        for (std::size_t i = 0; i < colours.size(); ++i)
+            colours[i] = packedColour(pixels_[3 * i], pixels_[3 * i + 1], pixels_[3 * i + 2]);
+        return colours;
+    }
+
+    const unsigned char* pixel(std::size_t level) const { return &pixels_[3 * level]; }
+
+private:
+    std::array<unsigned char, 768> pixels_;
+};
+
+using Histogram = std::array<std::uint64_t, 256>;
+
+Histogram histogram(const cv::Mat& gray) {
+    std::array<Histogram, 4> counts{}; // so that runs of one value do not wait for each other
+    forEachStrip<unsigned char>(gray, [&](const unsigned char* in, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i)
+            ++counts[i % 4][in[i]];
+    });
+    for (std::size_t level = 0; level < 256; ++level)
+        counts[0][level] += counts[1][level] + counts[2][level] + counts[3][level];
+    return counts[0];
 }
 
-/// The 16-bit tint of each pixel's largest sample.
-cv::Mat tint16(const cv::Mat& source, const Tint& tint) {
-    cv::Mat result(source.size(), CV_16UC3);
-    const int channels = source.channels();
-    for (int y = 0; y < source.rows; ++y) {
-        const auto* in = source.ptr<std::uint16_t>(y);
-        auto* out = result.ptr<std::uint16_t>(y);
-        for (int x = 0; x < source.cols; ++x, in += channels, out += 3) {
-            const std::uint16_t sample = *std::max_element(in, in + channels);
-            for (std::size_t k = 0; k < tint.size(); ++k)
-                out[k] = tinted16(sample, tint[k]);
+/// A gray 8-bit image: the stages run on the gray levels, and the pixels look their colour up.
+cv::Mat dyedGray(const cv::Mat& gray, const DyeSettings& settings) {
+    GrayLevels levels;
+    if (settings.autoLevels) {
+        SampleRange<unsigned char> range;
+        forEachStrip<unsigned char>(gray, [&](const unsigned char* in, std::size_t count) {
+            range.include(sampleRange(in, count));
+        });
+        levels.stretch(automaticStretch({range, range, range}, settings.tint));
+        if (settings.dominantChannel) {
+            const Histogram counts = histogram(gray);
+            ChannelTotals totals;
+            for (std::size_t level = 0; level < counts.size(); ++level)
+                totals.addRepeated(levels.pixel(level), counts[level]);
+            levels.fillWithChannel(totals.dominantChannel());
         }
     }
-    return result;
+    return painted(gray, 0, levels.tinted(settings.tint));
+}
+
+/// The channel with the largest total after the stretch, if there is one.
+std::size_t dominantChannel(const cv::Mat& image, const std::optional<Stretch<3>>& stretch) {
+    ChannelTotals totals;
+    std::array<unsigned char, 3 * stripPixels> strip;
+    forEachStrip<unsigned char>(image, [&](const unsigned char* in, std::size_t count) {
+        if (!stretch)
+            return totals.add(in, count);
+        std::copy_n(in, 3 * count, strip.begin());
+        (*stretch)(strip.data(), 3 * count);
+        totals.add(strip.data(), count);
+    });
+    return totals.dominantChannel();
+}
+
+/// An 8-bit colour image, which encoding and decoding would not change: the stages run on its
+/// pixels, or on the levels of the dominant channel.
+cv::Mat dyedColour(const cv::Mat& image, const DyeSettings& settings) {
+    std::optional<Stretch<3>> stretch;
+    if (settings.autoLevels) {
+        ColourRanges ranges;
+        forEachStrip<unsigned char>(image, [&](const unsigned char* in, std::size_t count) {
+            ranges.include(threeRanges(in, 3 * count));
+        });
+        stretch = automaticStretch(ranges, settings.tint);
+    }
+
+    if (settings.dominantChannel) {
+        const std::size_t channel = dominantChannel(image, stretch);
+        GrayLevels levels;
+        if (stretch)
+            levels.stretch(*stretch);
+        levels.fillWithChannel(channel);
+        return painted(image, channel, levels.tinted(settings.tint));
+    }
+
+    return madeFromStrips<unsigned char, unsigned char>(
+        image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
+            std::copy_n(in, 3 * count, out);
+            if (stretch)
+                (*stretch)(out, 3 * count);
+            tintPixels(out, count, settings.tint);
+        });
+}
+
+/// Any other image: through the bitmap.
+void dyeBitmap(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) {
+    RoundTripStages stages;
+    if (settings.autoLevels) {
+        stages.inPlace = [&](PixelArea area) {
+            ColourRanges ranges;
+            area.forEachRow(
+                [&](unsigned char* row) { ranges.include(threeRanges(row, area.rowBytes())); });
+            const Stretch<3> stretch = automaticStretch(ranges, settings.tint);
+            area.forEachRow([&](unsigned char* row) { stretch(row, area.rowBytes()); });
+        };
+    }
+    if (settings.dominantChannel) {
+        stages.fill = [](PixelArea from, PixelArea to) {
+            ChannelTotals totals;
+            from.forEachRow([&](unsigned char* row) { totals.add(row, from.width); });
+            const std::size_t channel = totals.dominantChannel();
+            for (std::size_t y = 0; y < from.height; ++y)
+                fillWithChannel(from.row(y), channel, to.row(y), from.width);
+        };
+    }
+    stages.transform = [&](PixelArea from, PixelArea to) {
+        copyPixels(from, to);
+        to.forEachRow([&](unsigned char* row) { tintPixels(row, to.width, settings.tint); });
+    };
+    bitmapRoundTrip(image, dst, stages);
+}
+
+/// The 16-bit tint, of each pixel's largest sample.
+cv::Mat dyed16(const cv::Mat& image, const Tint& tint) {
+    using Sample = std::uint16_t;
+    const bool gray = image.channels() == 1;
+    std::array<Sample, stripPixels> largest;
+    return madeFromStrips<Sample, Sample>(
+        image, CV_16UC3, [&](const Sample* in, Sample* out, std::size_t count) {
+            if (gray)
+                return tintSamples(in, out, count, tint);
+            for (std::size_t i = 0; i < count; ++i)
+                largest[i] = std::max(std::max(in[3 * i], in[3 * i + 1]), in[3 * i + 2]);
+            tintSamples(largest.data(), out, count, tint);
+        });
 }
 
 } // namespace
@@ -120,19 +246,21 @@ cv::Mat tint16(const cv::Mat& source, const Tint& tint) {
 
 void Lumetra::Dye(cv::Mat& src, cv::Mat& dst, int nRed, int nGreen, int nBlue, bool bAutoLevels,
                   bool bDominantChannel) {
-    using namespace lumetra;
-    const Tint tint{nBlue, nGreen, nRed};
-    const cv::Mat source = colourSource(src);
-    if (isSixteenBit(source)) {
-        dst = tint16(source, tint);
-        return;
+    const lumetra::DyeSettings settings{{nBlue, nGreen, nRed}, bAutoLevels, bDominantChannel};
+    const cv::Mat source = lumetra::colourSource(src);
+    switch (lumetra::colourWay(source)) {
+    case lumetra::ColourWay::gray8:
+        dst = lumetra::dyedGray(source, settings);
+        break;
+    case lumetra::ColourWay::colour8:
+        dst = lumetra::dyedColour(source, settings);
+        break;
+    case lumetra::ColourWay::gray16:
+    case lumetra::ColourWay::colour16:
+        dst = lumetra::dyed16(source, settings.tint);
+        break;
+    case lumetra::ColourWay::bitmap:
+        lumetra::dyeBitmap(source, dst, settings);
+        break;
     }
-
-    RoundTripStages stages;
-    if (bAutoLevels)
-        stages.inPlace = [&](PixelArea area) { stretchLevels(area, tint); };
-    if (bDominantChannel)
-        stages.fill = fillWithDominantChannel;
-    stages.transform = [&](PixelArea from, PixelArea to) { tint8(from, to, tint); };
-    bitmapRoundTrip(preparedForBitmap(source), dst, stages);
 }

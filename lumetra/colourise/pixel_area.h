@@ -1,15 +1,14 @@
-// The view that every stage of colouring works on.
+// The view that the stages of colouring work on.
 #pragma once
 
-#include <opencv2/core/mat.hpp>
-
+#include <algorithm>
 #include <cstddef>
 
 namespace lumetra {
 
 /// A rectangle of 24-bit pixels (blue, green, red) in somebody else's memory.
 ///
-/// It serves a bitmap's pixel area, a `CV_8UC3` matrix and a strip of gray levels alike.
+/// It serves a bitmap's pixel area and a strip of gray levels alike.
 struct PixelArea {
     unsigned char* first; ///< First byte of the first row.
     std::size_t width;    ///< Pixels in a row.
@@ -18,12 +17,19 @@ struct PixelArea {
 
     std::size_t rowBytes() const { return 3 * width; }
     unsigned char* row(std::size_t y) const { return first + y * stride; }
+
+    /// Calls `work(row)` for each row; it may not touch the padding behind the pixels.
+    template<class Work>
+    void forEachRow(Work work) const {
+        for (std::size_t y = 0; y < height; ++y)
+            work(row(y));
+    }
 };
 
-/// The pixels of a `CV_8UC3` image.
-PixelArea pixelArea(cv::Mat& image);
-
 /// Copies the pixels of `from` to an area of the same width and height, leaving out the padding.
-void copyPixels(PixelArea from, PixelArea to);
+inline void copyPixels(PixelArea from, PixelArea to) {
+    for (std::size_t y = 0; y < from.height; ++y)
+        std::copy_n(from.row(y), from.rowBytes(), to.row(y));
+}
 
 } // namespace lumetra

@@ -2,128 +2,229 @@
 
 #include "lumetra/colourise/bitmap_round_trip.h"
 #include "lumetra/colourise/colour_source.h"
+#include "lumetra/colourise/paint.h"
+#include "lumetra/colourise/strips.h"
 #include "lumetra/levels/sample_range.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
+#include <numeric>
 #include <vector>
 
 namespace lumetra {
 namespace {
 
-/// A colour in the order of an image's channels: blue, green, red.
-using Colour = std::array<unsigned char, 3>;
-
 /// The caller's colours by slot; slots beyond the list are black.
-using ColourTable = std::array<Colour, 256>;
-
-ColourTable colourTable(const QVector<QColor>& colours) {
-    ColourTable table{};
-    const auto count = std::min(static_cast<std::size_t>(colours.size()), table.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        const QColor& colour = colours[static_cast<int>(i)];
-        table[i] = {static_cast<unsigned char>(colour.blue()),
-                    static_cast<unsigned char>(colour.green()),
-                    static_cast<unsigned char>(colour.red())};
-    }
-    return table;
+LevelColours slotColours(const QVector<QColor>& list) {
+    LevelColours colours{};
+    const auto count = std::min(static_cast<std::size_t>(list.size()), colours.size());
+    std::transform(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(count), colours.begin(),
+                   [](const QColor& colour) {
+                       return packedColour(static_cast<unsigned char>(colour.blue()),
+                                           static_cast<unsigned char>(colour.green()),
+                                           static_cast<unsigned char>(colour.red()));
+                   });
+    return colours;
 }
 
 /// The colour slot of each intensity from the smallest sample of an image to its largest.
-class SlotTable {
+template<class Sample>
+std::vector<unsigned char> slotTable(SampleRange<Sample> range) {
+    std::vector<unsigned char> slots(static_cast<std::size_t>(range.largest - range.smallest) + 1);
+    const double slotsPerLevel = 255.0 / static_cast<double>(slots.size());
+    for (std::size_t k = 0; k < slots.size(); ++k)
+        slots[k] = static_cast<unsigned char>(static_cast<double>(k) * slotsPerLevel);
+    return slots;
+}
+
+/// The range of all samples of an image, whatever their channel.
+template<class Sample>
+SampleRange<Sample> imageRange(const cv::Mat& image) {
+    SampleRange<Sample> range;
+    const auto channels = static_cast<std::size_t>(image.channels());
+    forEachStrip<Sample>(image, [&](const Sample* in, std::size_t count) {
+        range.include(sampleRange(in, count * channels));
+    });
+    return range;
+}
+
+/// The colour of each 8-bit luma in an image with this range. Luma can come out one below the
+/// smallest sample: like anything outside the range, that takes the nearest slot.
+LevelColours lumaColours(SampleRange<unsigned char> range, const LevelColours& colours) {
+    const std::vector<unsigned char> slots = slotTable(range);
+    LevelColours ofLuma;
+    for (int luma = 0; luma < 256; ++luma) {
+        const int inRange = std::clamp<int>(luma, range.smallest, range.largest);
+        ofLuma[static_cast<std::size_t>(luma)] =
+            colours[slots[static_cast<std::size_t>(inRange - range.smallest)]];
+    }
+    return ofLuma;
+}
+
+/// Rounds down to one less than the level for 67 of the 256 levels of gray. The sum must stay in
+/// this order: it decides which.
+unsigned char luma8(unsigned char blue, unsigned char green, unsigned char red) {
+    return static_cast<unsigned char>(static_cast<int>(blue * 0.3 + green * 0.59 + red * 0.11));
+}
+
+/// Weights of 128 in all, so that gray keeps its level.
+std::uint16_t luma16(std::uint16_t blue, std::uint16_t green, std::uint16_t red) {
+    return static_cast<std::uint16_t>((38U * blue + 75U * green + 15U * red) >> 7);
+}
+
+cv::Mat colouredGray8(const cv::Mat& image, const LevelColours& colours) {
+    const LevelColours ofLuma = lumaColours(imageRange<unsigned char>(image), colours);
+    LevelColours ofLevel;
+    for (std::size_t level = 0; level < ofLevel.size(); ++level) {
+        const auto sample = static_cast<unsigned char>(level);
+        ofLevel[level] = ofLuma[luma8(sample, sample, sample)];
+    }
+    return painted(image, 0, ofLevel);
+}
+
+/// `luma8` of a strip as far as whole numbers can tell: the hundredth of a sum of hundredths. Where
+/// that is a whole number, the sum in `double` may have come out below it, and `doubtful` is 1.
+void lumaInHundredths(const unsigned char* __restrict in, std::size_t count,
+                      unsigned char* __restrict luma, unsigned char* __restrict doubtful) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto sum =
+            static_cast<std::uint16_t>(30 * in[3 * i] + 59 * in[3 * i + 1] + 11 * in[3 * i + 2]);
+        const auto high = static_cast<std::uint16_t>(std::uint32_t{sum} * 0xA3D8 >> 16);
+        const auto whole = static_cast<std::uint16_t>(high >> 6); // sum / 100
+        luma[i] = static_cast<unsigned char>(whole);
+        doubtful[i] = static_cast<std::uint16_t>(sum - 100 * whole) == 0;
+    }
+}
+
+using Strip = std::array<unsigned char, stripPixels>;
+
+/// `luma8` of a strip. Doubtful pixels are one in a hundred, which are computed one by one, unless
+/// the picture is gray.
+void lumaOfStrip(const unsigned char* in, std::size_t count, Strip& luma) {
+    Strip doubtful{};
+    lumaInHundredths(in, count, luma.data(), doubtful.data());
+    const auto pixelLuma = [in](std::size_t i) {
+        return luma8(in[3 * i], in[3 * i + 1], in[3 * i + 2]);
+    };
+    if (std::accumulate(doubtful.begin(), doubtful.end(), 0U) > count / 16) {
+        for (std::size_t i = 0; i < count; ++i)
+            luma[i] = pixelLuma(i);
+        return;
+    }
+    for (std::size_t i = 0; i < count; i += 8) {
+        std::uint64_t anyOfEight = 0;
+        std::memcpy(&anyOfEight, &doubtful[i], sizeof anyOfEight);
+        if (anyOfEight != 0)
+            for (std::size_t k = i; k < i + 8; ++k)
+                if (doubtful[k] != 0)
+                    luma[k] = pixelLuma(k);
+    }
+}
+
+/// Colours the pixels of a strip by their luma.
+void paintByLuma(const unsigned char* in, unsigned char* out, std::size_t count,
+                 const LevelColours& ofLuma) {
+    Strip luma;
+    lumaOfStrip(in, count, luma);
+    paint(luma.data(), out, count, ofLuma);
+}
+
+cv::Mat colouredColour8(const cv::Mat& image, const LevelColours& colours) {
+    const LevelColours ofLuma = lumaColours(imageRange<unsigned char>(image), colours);
+    return madeFromStrips<unsigned char, unsigned char>(
+        image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
+            paintByLuma(in, out, count, ofLuma);
+        });
+}
+
+void colourBitmap(const cv::Mat& image, cv::Mat& dst, const LevelColours& colours) {
+    RoundTripStages stages;
+    stages.transform = [&](PixelArea from, PixelArea to) {
+        SampleRange<unsigned char> range;
+        from.forEachRow(
+            [&](unsigned char* row) { range.include(sampleRange(row, from.rowBytes())); });
+        const LevelColours ofLuma = lumaColours(range, colours);
+        for (std::size_t y = 0; y < from.height; ++y)
+            forEachStrip(from.width, [&](std::size_t first, std::size_t count) {
+                paintByLuma(from.row(y) + 3 * first, to.row(y) + 3 * first, count, ofLuma);
+            });
+    };
+    bitmapRoundTrip(image, dst, stages);
+}
+
+/// A colour as a 48-bit pixel, each sample the high byte of its own, with a zero sample behind.
+using WideColour = std::array<std::uint16_t, 4>;
+
+WideColour wideColour(PackedColour packed) {
+    const auto sample = [packed](int channel) {
+        return static_cast<std::uint16_t>((packed >> 8 * channel & 0xFF) << 8);
+    };
+    return {sample(0), sample(1), sample(2), 0};
+}
+
+/// The slots of an image's 16-bit intensities and their colours.
+class WideColours {
 public:
-    explicit SlotTable(int smallest, int largest) : smallest_(smallest) {
-        const std::size_t size = static_cast<std::size_t>(largest - smallest) + 1;
-        const double slotsPerLevel = 255.0 / static_cast<double>(size);
-        slots_.reserve(size);
-        for (std::size_t k = 0; k < size; ++k)
-            slots_.push_back(static_cast<unsigned char>(static_cast<double>(k) * slotsPerLevel));
+    WideColours(SampleRange<std::uint16_t> range, const LevelColours& colours)
+        : smallest_(range.smallest), slots_(slotTable(range)) {
+        std::transform(colours.begin(), colours.end(), colours_.begin(), wideColour);
     }
 
-    /// The luma of 8-bit gray can come out one below the smallest sample: that takes the first
-    /// slot.
-    unsigned char operator[](int intensity) const {
-        return slots_[static_cast<std::size_t>(std::max(intensity - smallest_, 0))];
+    void paint(const std::uint16_t* intensities, std::uint16_t* pixels, std::size_t count) const {
+        if (count == 0)
+            return;
+        // Whole words, as in the 8-bit `paint`.
+        for (std::size_t i = 0; i + 1 < count; ++i)
+            std::memcpy(pixels + 3 * i, &colour(intensities[i]), 8);
+        std::memcpy(pixels + 3 * (count - 1), &colour(intensities[count - 1]), 6);
     }
 
 private:
-    int smallest_;
+    const WideColour& colour(std::uint16_t intensity) const {
+        return colours_[slots_[static_cast<std::size_t>(intensity - smallest_)]];
+    }
+
+    std::uint16_t smallest_;
     std::vector<unsigned char> slots_;
+    std::array<WideColour, 256> colours_;
 };
 
-/// Rounds down to one less than the sample for 67 of the 256 levels of gray. The sum must stay in
-/// this order: it decides which.
-int luma8(const unsigned char* pixel) {
-    return static_cast<int>(pixel[0] * 0.3 + pixel[1] * 0.59 + pixel[2] * 0.11);
-}
-
-/// Weights of 128 in all, so that gray keeps its value.
-int luma16(const std::uint16_t* pixel) {
-    return static_cast<int>((38u * pixel[0] + 75u * pixel[1] + 15u * pixel[2]) >> 7);
-}
-
-template<class Sample>
-SampleRange<Sample> rowRange(const Sample* row, std::size_t count) {
-    return channelRanges<1>(row, count)[0];
-}
-
-SlotTable slotTable(PixelArea area) {
-    SampleRange<unsigned char> range;
-    for (std::size_t y = 0; y < area.height; ++y)
-        range.include(rowRange(area.row(y), area.rowBytes()));
-    return SlotTable(range.smallest, range.largest);
-}
-
-SlotTable slotTable16(const cv::Mat& source) {
-    SampleRange<std::uint16_t> range;
-    const auto samples = static_cast<std::size_t>(source.cols) * source.elemSize() / 2;
-    for (int y = 0; y < source.rows; ++y)
-        range.include(rowRange(source.ptr<std::uint16_t>(y), samples));
-    return SlotTable(range.smallest, range.largest);
-}
-
-void colour8(PixelArea from, PixelArea to, const SlotTable& slots, const ColourTable& colours) {
-    for (std::size_t y = 0; y < from.height; ++y) {
-        const unsigned char* in = from.row(y);
-        unsigned char* out = to.row(y);
-        for (std::size_t x = 0; x < from.width; ++x, in += 3, out += 3)
-            std::copy_n(colours[slots[luma8(in)]].begin(), 3, out);
-    }
-}
-
-/// Colours of a 16-bit image take the high byte of each sample.
-cv::Mat colour16(const cv::Mat& source, const ColourTable& colours) {
-    const SlotTable slots = slotTable16(source);
-    cv::Mat result(source.size(), CV_16UC3);
-    const int channels = source.channels();
-    for (int y = 0; y < source.rows; ++y) {
-        const auto* in = source.ptr<std::uint16_t>(y);
-        auto* out = result.ptr<std::uint16_t>(y);
-        for (int x = 0; x < source.cols; ++x, in += channels, out += 3) {
-            const Colour& colour = colours[slots[channels == 1 ? *in : luma16(in)]];
-            for (std::size_t k = 0; k < colour.size(); ++k)
-                out[k] = static_cast<std::uint16_t>(colour[k] << 8);
-        }
-    }
-    return result;
+cv::Mat coloured16(const cv::Mat& image, const LevelColours& colours) {
+    using Sample = std::uint16_t;
+    const WideColours wide(imageRange<Sample>(image), colours);
+    const bool gray = image.channels() == 1;
+    std::array<Sample, stripPixels> luma;
+    return madeFromStrips<Sample, Sample>(
+        image, CV_16UC3, [&](const Sample* in, Sample* out, std::size_t count) {
+            if (gray)
+                return wide.paint(in, out, count);
+            for (std::size_t i = 0; i < count; ++i)
+                luma[i] = luma16(in[3 * i], in[3 * i + 1], in[3 * i + 2]);
+            wide.paint(luma.data(), out, count);
+        });
 }
 
 } // namespace
 } // namespace lumetra
 
 void Lumetra::Pseudo(cv::Mat& src, cv::Mat& dst, QVector<QColor> const& vecColor) {
-    using namespace lumetra;
-    const ColourTable colours = colourTable(vecColor);
-    const cv::Mat source = colourSource(src);
-    if (isSixteenBit(source)) {
-        dst = colour16(source, colours);
-        return;
+    const lumetra::LevelColours colours = lumetra::slotColours(vecColor);
+    const cv::Mat source = lumetra::colourSource(src);
+    switch (lumetra::colourWay(source)) {
+    case lumetra::ColourWay::gray8:
+        dst = lumetra::colouredGray8(source, colours);
+        break;
+    case lumetra::ColourWay::colour8:
+        dst = lumetra::colouredColour8(source, colours);
+        break;
+    case lumetra::ColourWay::gray16:
+    case lumetra::ColourWay::colour16:
+        dst = lumetra::coloured16(source, colours);
+        break;
+    case lumetra::ColourWay::bitmap:
+        lumetra::colourBitmap(source, dst, colours);
+        break;
     }
-
-    RoundTripStages stages;
-    stages.transform = [&](PixelArea from, PixelArea to) {
-        colour8(from, to, slotTable(from), colours);
-    };
-    bitmapRoundTrip(preparedForBitmap(source), dst, stages);
 }

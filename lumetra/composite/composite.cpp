@@ -5,6 +5,7 @@
 #include <QMessageLogger>
 
 #include <memory>
+#include <vector>
 
 cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPointList) {
     const QMessageLogger log(nullptr, 0, nullptr);
@@ -30,6 +31,7 @@ cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPoint
 
     auto canvas =
         std::make_unique<cv::Mat>(static_cast<int>(newRows), static_cast<int>(newCols), type);
+    std::vector<cv::Mat> parts;
     for (int k = 0; k < count; ++k) {
         cv::Mat& image = *matList->at(k);
         lumetra::unifyColourMode(image, type);
@@ -37,8 +39,8 @@ cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPoint
             lumetra::reportSizeMismatch();
             return nullptr;
         }
-        const cv::Mat part = alignment.visiblePart(image, offsetPointList->at(k), *canvas);
-        k == 0 ? lumetra::place(part, *canvas) : lumetra::accumulate(part, *canvas);
+        parts.push_back(alignment.visiblePart(image, offsetPointList->at(k), *canvas));
     }
+    lumetra::composite(parts, *canvas);
     return canvas.release();
 }

@@ -42,7 +42,7 @@ bool compositeFiles(const QList<QString>& files, const QList<QPoint>& offsets, M
     const cv::Size size = image.size();
     canvas.create(matrixExtent(alignment.commonRows(size.height)),
                   matrixExtent(alignment.commonColumns(size.width)), type);
-    lumetra::place(alignment.visiblePart(image, offsets.front(), canvas), canvas);
+    lumetra::composite({alignment.visiblePart(image, offsets.front(), canvas)}, canvas);
 
     for (int k = 1; k < files.size(); ++k) {
         image.release(); // before the next one is decoded

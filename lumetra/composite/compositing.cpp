@@ -2,6 +2,8 @@
 
 #include "vantrel/vantrel.h"
 
+#include <opencv2/core.hpp>
+
 #include <QApplication>
 #include <QMessageBox>
 #include <QThread>
@@ -14,16 +16,42 @@ namespace lumetra {
 namespace {
 
 template<class Sample>
-void addSaturated(const Sample* samples, Sample* sums, std::size_t count) {
-    constexpr Sample largest = std::numeric_limits<Sample>::max();
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto room = static_cast<Sample>(largest - sums[i]);
-        sums[i] = static_cast<Sample>(sums[i] + std::min(samples[i], room));
+Sample saturatedSum(Sample a, Sample b) {
+    const auto room = static_cast<Sample>(std::numeric_limits<Sample>::max() - a);
+    return static_cast<Sample>(a + std::min(b, room));
+}
+
+template<class Sample>
+void addSaturated(const Sample* __restrict samples, Sample* __restrict sums, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        sums[i] = saturatedSum(sums[i], samples[i]);
+}
+
+template<class Sample>
+void sumOfTwo(const Sample* first, const Sample* second, Sample* __restrict sums,
+              std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        sums[i] = saturatedSum(first[i], second[i]);
+}
+
+/// The sum row by row, each of which stays in the cache until all parts are in it.
+template<class Sample>
+void sumRows(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
+    const auto count = static_cast<std::size_t>(canvas.cols) * 3;
+    for (int y = 0; y < canvas.rows; ++y) {
+        auto* const sums = canvas.ptr<Sample>(y);
+        if (parts.size() == 1) {
+            std::copy_n(parts[0].ptr<Sample>(y), count, sums);
+            continue;
+        }
+        sumOfTwo(parts[0].ptr<Sample>(y), parts[1].ptr<Sample>(y), sums, count);
+        for (std::size_t k = 2; k < parts.size(); ++k)
+            addSaturated(parts[k].ptr<Sample>(y), sums, count);
     }
 }
 
 template<class Sample>
-void accumulateRows(const cv::Mat& part, cv::Mat& canvas) {
+void addRows(const cv::Mat& part, cv::Mat& canvas) {
     const auto count = static_cast<std::size_t>(canvas.cols) * 3;
     for (int y = 0; y < canvas.rows; ++y)
         addSaturated(part.ptr<Sample>(y), canvas.ptr<Sample>(y), count);
@@ -58,6 +86,8 @@ cv::Mat Alignment::visiblePart(const cv::Mat& image, QPoint offset, const cv::Ma
 int canvasType(const cv::Mat& first) { return CV_MAKETYPE(first.depth(), 3); }
 
 void unifyColourMode(cv::Mat& image, int type) {
+    if (image.dims > 2)
+        CV_Error(cv::Error::StsBadSize, "an image to be composited has two dimensions");
     if (image.type() != type)
         Vantrel::ConvertColorMode(image, image, type);
 }
@@ -68,22 +98,24 @@ void reportSizeMismatch() {
                            QStringLiteral("Image Size doesn't match!"));
 }
 
-void place(const cv::Mat& part, cv::Mat& canvas) {
-    if (part.empty())
+void composite(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
+    if (canvas.empty())
         return;
-    if (canvas.depth() == CV_8U || canvas.depth() == CV_16U)
-        part.copyTo(canvas);
+    if (canvas.depth() == CV_8U)
+        sumRows<unsigned char>(parts, canvas);
+    else if (canvas.depth() == CV_16U)
+        sumRows<unsigned short>(parts, canvas);
     else
         canvas.setTo(cv::Scalar::all(0));
 }
 
 void accumulate(const cv::Mat& part, cv::Mat& canvas) {
-    if (part.empty())
+    if (canvas.empty())
         return;
     if (canvas.depth() == CV_8U)
-        accumulateRows<unsigned char>(part, canvas);
+        addRows<unsigned char>(part, canvas);
     else if (canvas.depth() == CV_16U)
-        accumulateRows<unsigned short>(part, canvas);
+        addRows<unsigned short>(part, canvas);
 }
 
 } // namespace lumetra

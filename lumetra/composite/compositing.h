@@ -7,6 +7,7 @@
 #include <opencv2/core/mat.hpp>
 
 #include <cstdint>
+#include <vector>
 
 namespace lumetra {
 
@@ -35,18 +36,20 @@ private:
 int canvasType(const cv::Mat& first);
 
 /// Brings an image to the canvas type, in place.
+///
+/// @throws cv::Exception for more than two dimensions, or channels that cannot be converted.
 void unifyColourMode(cv::Mat& image, int type);
 
 /// Shows the user the message box about images of unlike size. Without a QApplication, or on
 /// another thread than its own, there are no widgets and nothing is shown.
 void reportSizeMismatch();
 
-/// Copies the first image's part onto a canvas of its size and type; zero for depths that are not
-/// composited. An empty part changes nothing.
-void place(const cv::Mat& part, cv::Mat& canvas);
+/// Makes the canvas the sum of the parts, each sample clamped to the largest of the depth; zero for
+/// depths that are not composited. The parts have the size and type of the canvas; without any
+/// pixels nothing happens.
+void composite(const std::vector<cv::Mat>& parts, cv::Mat& canvas);
 
-/// Adds another image's part to the canvas, each sample clamped to the largest of the depth.
-/// An empty part changes nothing.
+/// Adds one more part to the canvas, in the same way.
 void accumulate(const cv::Mat& part, cv::Mat& canvas);
 
 } // namespace lumetra

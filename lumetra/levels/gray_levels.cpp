@@ -1,6 +1,6 @@
 #include "lumetra/lumetra"
 
-#include "lumetra/levels/level_table.h"
+#include "lumetra/levels/level_ramp.h"
 #include "lumetra/levels/pixel_count.h"
 #include "lumetra/levels/sample_range.h"
 
@@ -8,12 +8,8 @@ bool Lumetra::AutoCountHistoGray(unsigned char* buf, int w, int h, unsigned shor
                                  unsigned short* high) {
     if (!buf)
         return false;
-
-    lumetra::Levels levels{0, 255};
-    if (const std::size_t count = lumetra::pixelCount(w, h)) {
-        const auto [gray] = lumetra::channelRanges<1>(buf, count);
-        levels = lumetra::withMinimumGap({gray.smallest, gray.largest});
-    }
+    const lumetra::Levels levels =
+        lumetra::levelsOf(lumetra::sampleRange(buf, lumetra::pixelCount(w, h)));
     *low = levels.black;
     *high = levels.white;
     return true;
@@ -23,10 +19,7 @@ bool Lumetra::StretchLevelsGray(unsigned short low, unsigned short high, unsigne
                                 int h) {
     if (!buf)
         return false;
-
-    const lumetra::LevelTable table = lumetra::levelTable({low, high});
-    const std::size_t count = lumetra::pixelCount(w, h);
-    for (std::size_t i = 0; i < count; ++i)
-        buf[i] = table[buf[i]];
+    const lumetra::Stretch<1> stretch({lumetra::Levels{low, high}});
+    stretch(buf, lumetra::pixelCount(w, h));
     return true;
 }

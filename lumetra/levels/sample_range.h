@@ -1,4 +1,4 @@
-// Smallest and largest sample of a run.
+// Smallest and largest samples.
 #pragma once
 
 #include <algorithm>
@@ -14,43 +14,58 @@ struct SampleRange {
     Sample smallest = std::numeric_limits<Sample>::max();
     Sample largest = std::numeric_limits<Sample>::min();
 
-    void include(Sample sample) {
-        smallest = std::min(smallest, sample);
-        largest = std::max(largest, sample);
-    }
-
     void include(SampleRange other) {
         smallest = std::min(smallest, other.smallest);
         largest = std::max(largest, other.largest);
     }
 };
 
-/// The range of each channel of `count` samples that alternate over `Channels` channels.
-///
-/// `count` is a multiple of `Channels`.
-template<std::size_t Channels, class Sample>
-std::array<SampleRange<Sample>, Channels> channelRanges(const Sample* samples, std::size_t count) {
-    // Sixteen pixels side by side fill whole vector registers, whatever the number of channels.
-    constexpr std::size_t lanes = 16 * Channels;
-    std::array<Sample, lanes> smallest;
-    std::array<Sample, lanes> largest;
-    smallest.fill(std::numeric_limits<Sample>::max());
-    largest.fill(std::numeric_limits<Sample>::min());
+/// The ranges of the samples at places 0, 3, 6 ..., at 1, 4, 7 ... and at 2, 5, 8 ....
+template<class Sample>
+struct ThreeRanges : std::array<SampleRange<Sample>, 3> {
+    void include(const ThreeRanges& other) {
+        for (std::size_t i = 0; i < 3; ++i)
+            (*this)[i].include(other[i]);
+    }
+};
+
+/// The ranges of the three bytes of 24-bit pixels.
+using ColourRanges = ThreeRanges<unsigned char>;
+
+template<class Sample>
+ThreeRanges<Sample> threeRanges(const Sample* samples, std::size_t count) {
+    // Sixteen triples side by side, so that each lane of a vector register belongs to one place.
+    constexpr std::size_t lanes = 48;
+    Sample smallest[lanes];
+    Sample largest[lanes];
+    std::fill_n(smallest, lanes, std::numeric_limits<Sample>::max());
+    std::fill_n(largest, lanes, std::numeric_limits<Sample>::min());
 
     std::size_t done = 0;
     for (; done + lanes <= count; done += lanes) {
         for (std::size_t i = 0; i < lanes; ++i) {
-            smallest[i] = std::min(smallest[i], samples[done + i]);
-            largest[i] = std::max(largest[i], samples[done + i]);
+            const Sample sample = samples[done + i];
+            smallest[i] = sample < smallest[i] ? sample : smallest[i];
+            largest[i] = sample > largest[i] ? sample : largest[i];
         }
     }
 
-    std::array<SampleRange<Sample>, Channels> ranges;
+    ThreeRanges<Sample> ranges;
     for (std::size_t i = 0; i < lanes; ++i)
-        ranges[i % Channels].include(SampleRange<Sample>{smallest[i], largest[i]});
+        ranges[i % 3].include({smallest[i], largest[i]});
     for (; done < count; ++done)
-        ranges[done % Channels].include(samples[done]);
+        ranges[done % 3].include({samples[done], samples[done]});
     return ranges;
+}
+
+/// The range of `count` samples side by side.
+template<class Sample>
+SampleRange<Sample> sampleRange(const Sample* samples, std::size_t count) {
+    const ThreeRanges<Sample> ranges = threeRanges(samples, count);
+    SampleRange<Sample> range;
+    for (const SampleRange<Sample>& oneOfThree : ranges)
+        range.include(oneOfThree);
+    return range;
 }
 
 } // namespace lumetra

@@ -1,0 +1,29 @@
+// An operation of the library beside its rivals: a plain copy, and what a user would write instead.
+#pragma once
+
+#include <opencv2/core.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+/// Makes what is timed for square images of this side. What it prepares is not timed.
+using Preparation = std::function<std::function<void()>(int side)>;
+
+struct Operation {
+    std::string name;
+    double bytesPerPixel; ///< Read plus written; the `memcpy` beside it copies as many.
+    Preparation library;
+    Preparation openCv; ///< May be empty.
+    std::vector<int> sides = {512, 2048, 8192};
+};
+
+/// Registers one benchmark for each way and side, named operation/way/side.
+void compare(const Operation& operation);
+
+/// A noisy picture. Made once for each set of arguments and kept; do not write into it.
+const cv::Mat& noise(int type, int side, int number = 0);
+
+void registerLevels();
+void registerColourise();
+void registerComposite();

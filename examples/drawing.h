@@ -1,0 +1,31 @@
+/// @file
+/// What the drawn charts of the examples have in common.
+
+#ifndef LUMETRA_EXAMPLES_DRAWING_H
+#define LUMETRA_EXAMPLES_DRAWING_H
+
+#include <string>
+
+#include <QColor>
+#include <QImage>
+#include <QPainter>
+#include <QString>
+
+inline QColor const paper(17, 19, 24), ink(232, 234, 238), paleInk(142, 149, 160);
+
+/// Lets Qt draw without a display, unless the environment names a platform. To be called before
+/// the application object is made.
+void drawWithoutDisplay();
+
+/// An empty chart of so many pixels.
+QImage emptyChart(int width, int height);
+
+/// Writes a line of text `height` pixels high, left in the box and vertically centred; squeezed
+/// where it is too long, and cut off if even that does not help.
+void write(QPainter& painter, QRectF const& box, QString const& text, int height,
+           QColor const& colour, bool bold = false);
+
+/// @throws Failure if the file cannot be written.
+void saveChart(QImage const& chart, std::string const& file);
+
+#endif

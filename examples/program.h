@@ -1,0 +1,43 @@
+/// @file
+/// How every example ends: with status 0, with one line on stderr and status 1, or with its usage
+/// and status 2.
+
+#ifndef LUMETRA_EXAMPLES_PROGRAM_H
+#define LUMETRA_EXAMPLES_PROGRAM_H
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <stdexcept>
+
+#include <opencv2/core.hpp>
+#include <opencv2/core/utils/logger.hpp>
+
+/// Why a program cannot go on, in one line for its user.
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// The arguments make no sense; the usage text says what would.
+struct BadUsage : std::exception {};
+
+/// Runs `program` and turns how it ends into an exit status.
+template<typename Program>
+int runProgram(char const* usage, Program const& program) {
+    // An error is told once, by us; OpenCV's own log would only repeat it at length.
+    cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+    try {
+        program();
+        return EXIT_SUCCESS;
+    } catch (BadUsage const&) {
+        std::cerr << usage;
+        return 2;
+    } catch (cv::Exception const& error) {
+        std::cerr << "error: " << error.err << '\n';
+    } catch (std::exception const& error) {
+        std::cerr << "error: " << error.what() << '\n';
+    }
+    return EXIT_FAILURE;
+}
+
+#endif

@@ -1,0 +1,29 @@
+// Colouring by look-up: an 8-bit sample has at most 256 outcomes.
+#pragma once
+
+#include <opencv2/core/mat.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace lumetra {
+
+/// A 24-bit pixel as it lies in memory, with zero bytes behind, in a word wide enough for two.
+using PackedColour = std::uint64_t;
+
+constexpr PackedColour packedColour(unsigned char blue, unsigned char green, unsigned char red) {
+    return blue | PackedColour{green} << 8 | PackedColour{red} << 16;
+}
+
+/// A colour for each 8-bit level.
+using LevelColours = std::array<PackedColour, 256>;
+
+/// Writes `count` pixels in the colours of their levels.
+void paint(const unsigned char* levels, unsigned char* pixels, std::size_t count,
+           const LevelColours& colours);
+
+/// The picture in which each pixel has the colour of its sample in one channel of an 8-bit image.
+cv::Mat painted(const cv::Mat& image, std::size_t channel, const LevelColours& colours);
+
+} // namespace lumetra

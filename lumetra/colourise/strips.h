@@ -1,0 +1,50 @@
+// Walking over images in runs of pixels that stay in the first-level cache.
+#pragma once
+
+#include <opencv2/core/mat.hpp>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace lumetra {
+
+/// Pixels in a strip, at most.
+constexpr std::size_t stripPixels = 2048;
+
+/// A run of pixels side by side, cut into strips: `work(first, count)` with the place of a strip in
+/// the run and its pixels.
+template<class Work>
+void forEachStrip(std::size_t pixels, Work work) {
+    for (std::size_t first = 0; first < pixels; first += stripPixels)
+        work(first, std::min(stripPixels, pixels - first));
+}
+
+/// The whole of an image in strips: `work(in, count)`, with a pointer to the first sample of a
+/// strip.
+template<class In, class Work>
+void forEachStrip(const cv::Mat& image, Work work) {
+    const auto channels = static_cast<std::size_t>(image.channels());
+    const int runs = image.isContinuous() ? 1 : image.rows;
+    const std::size_t pixels = image.total() / static_cast<std::size_t>(runs);
+    for (int y = 0; y < runs; ++y) {
+        const In* const in = image.ptr<In>(y);
+        forEachStrip(pixels, [&](std::size_t first, std::size_t count) {
+            work(in + first * channels, count);
+        });
+    }
+}
+
+/// A new image made strip by strip from another one of the same size: `work(in, out, count)`.
+template<class In, class Out, class Work>
+cv::Mat madeFromStrips(const cv::Mat& image, int type, Work work) {
+    cv::Mat result(image.rows, image.cols, type);
+    auto* out = result.ptr<Out>();
+    const auto channels = static_cast<std::size_t>(result.channels());
+    forEachStrip<In>(image, [&](const In* in, std::size_t count) {
+        work(in, out, count);
+        out += count * channels;
+    });
+    return result;
+}
+
+} // namespace lumetra

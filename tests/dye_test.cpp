@@ -1,0 +1,197 @@
+// Tinting, against the formula spelt out pixel by pixel.
+
+#include "support.h"
+
+#include <lumetra>
+
+namespace {
+
+struct Tint {
+    int red, green, blue;
+};
+
+std::ostream& operator<<(std::ostream& out, Tint tint) {
+    return out << "(" << tint.red << ", " << tint.green << ", " << tint.blue << ")";
+}
+
+struct Options {
+    bool autoLevels, dominantChannel;
+};
+
+constexpr Options allOptions[] = {{false, false}, {true, false}, {false, true}, {true, true}};
+
+cv::Mat dyed(cv::Mat src, Tint tint, Options options = {false, false}) {
+    cv::Mat dst;
+    Lumetra::Dye(src, dst, tint.red, tint.green, tint.blue, options.autoLevels,
+                 options.dominantChannel);
+    return dst;
+}
+
+std::vector<uchar> channelOf(const cv::Mat& image, int channel) {
+    std::vector<uchar> samples;
+    for (int y = 0; y < image.rows; ++y)
+        for (int x = 0; x < image.cols; ++x)
+            samples.push_back(static_cast<uchar>(sampleAt(image, y, x, channel)));
+    return samples;
+}
+
+void plainAutoLevels(cv::Mat& image, Tint tint) {
+    Levels levels[3];
+    for (int c = 0; c < 3; ++c) {
+        auto& [black, white] = levels[c] = plainLevels(channelOf(image, c));
+        black = std::min(white - 1, black + (tint.red == 255 ? (c == 0 ? 2 : 3) : 0));
+        black = std::min(white - 1, black + (tint.green == 255 ? (c == 1 ? 2 : 3) : 0));
+        black = std::min(white - 1, black + (tint.blue == 255 ? (c == 2 ? 2 : 3) : 0));
+    }
+    fillSamples(image, [&](int y, int x, int c) {
+        return plainStretch(sampleAt(image, y, x, c), levels[c]);
+    });
+}
+
+void plainDominantChannel(cv::Mat& image) {
+    uint64_t total[3] = {};
+    for (int c = 0; c < 3; ++c)
+        for (uchar sample : channelOf(image, c))
+            total[c] += sample;
+    int dominant = total[1] > total[0] ? 1 : 0;
+    if (total[2] > total[0] && total[2] > total[1])
+        dominant = 2;
+    const cv::Mat before = image.clone();
+    fillSamples(image, [&](int y, int x, int) { return sampleAt(before, y, x, dominant); });
+}
+
+cv::Mat plainDyed(const cv::Mat& source, Tint tint, Options options) {
+    const cv::Mat in = reducedForColouring(source);
+    const int last = in.channels() - 1;
+    const int component[] = {tint.blue, tint.green, tint.red};
+    cv::Mat out(in.size(), CV_MAKETYPE(in.depth(), 3));
+    if (in.depth() == CV_16U) {
+        fillSamples(out, [&](int y, int x, int c) {
+            const int v = std::max(
+                {sampleAt(in, y, x, 0), sampleAt(in, y, x, last / 2), sampleAt(in, y, x, last)});
+            return static_cast<uint32_t>(v) * static_cast<uint32_t>(component[c]) >> 8;
+        });
+        return out;
+    }
+    fillSamples(out, [&](int y, int x, int c) { return sampleAt(in, y, x, std::min(c, last)); });
+    if (options.autoLevels)
+        plainAutoLevels(out, tint);
+    if (options.dominantChannel)
+        plainDominantChannel(out);
+    fillSamples(out, [&](int y, int x, int c) {
+        const auto product =
+            static_cast<uint32_t>(sampleAt(out, y, x, c)) * static_cast<uint32_t>(component[c]);
+        return static_cast<int32_t>(product) / 255;
+    });
+    return out;
+}
+
+TEST(Dye, EveryTypeSizeAndOptionFollowsTheFormula) {
+    for (int depth = CV_8U; depth <= CV_64F; ++depth)
+        for (int channels : {1, 3, 4})
+            for (cv::Size size : imageSizes()) {
+                const cv::Mat image = mediumContrast(size, CV_MAKETYPE(depth, channels));
+                for (Options options : allOptions)
+                    for (const cv::Mat& src : {image, viewInto(image)})
+                        ASSERT_TRUE(sameImage(dyed(src, {255, 131, 77}, options),
+                                              plainDyed(image, {255, 131, 77}, options)))
+                            << cv::typeToString(image.type()) << " " << size << " "
+                            << options.autoLevels << options.dominantChannel;
+            }
+}
+
+TEST(Dye, ComponentsOfAnyValueFollowTheFormula) {
+    const int components[] = {0, 1, 127, 128, 254, 255, 256, -1, INT_MIN, INT_MAX};
+    std::vector<cv::Mat> sources;
+    for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
+        cv::Mat all(256, CV_MAT_DEPTH(type) == CV_8U ? 1 : 256, type);
+        fillSamples(all, [&](int y, int x, int c) { return (y + x * 256) * (c + 1) + 41 * c; });
+        sources.push_back(all);
+    }
+    for (const cv::Mat& src : sources)
+        for (std::size_t i = 0; i < 10; ++i) {
+            const Tint tint = {components[i], components[(i + 1) % 10], components[(i + 3) % 10]};
+            for (Options options : allOptions)
+                EXPECT_TRUE(sameImage(dyed(src, tint, options), plainDyed(src, tint, options)))
+                    << tint << " " << options.autoLevels << options.dominantChannel;
+        }
+}
+
+TEST(Dye, KnownPixels) {
+    using Pixel = cv::Vec<ushort, 3>;
+    struct Case {
+        cv::Mat source;
+        Tint tint;
+        Pixel expected;
+    };
+    for (const Case& known :
+         {Case{cv::Mat(1, 1, CV_8UC1, 200), {255, 128, 0}, {0, 100, 200}},
+          Case{cv::Mat(1, 1, CV_16UC1, 65535), {255, 255, 255}, {65279, 65279, 65279}},
+          Case{cv::Mat(1, 1, CV_16UC1, 1000), {0, 128, 255}, {996, 500, 0}},
+          Case{cv::Mat(1, 1, CV_16UC3, {100, 4000, 2000}), {255, 255, 255}, {3984, 3984, 3984}},
+          Case{cv::Mat(1, 1, CV_16UC4, {100, 4000, 2000, 65535}), {128, 0, 256}, {4000, 0, 2000}},
+          Case{cv::Mat(1, 1, CV_8UC4, {10, 20, 30, 0}), {255, 255, 255}, {10, 20, 30}},
+          Case{cv::Mat(1, 1, CV_32FC1, 254.6), {255, 255, 255}, {255, 255, 255}},
+          Case{cv::Mat(1, 1, CV_32FC3, {-7.5, 99.7, 300}), {255, 255, 255}, {0, 100, 255}},
+          Case{cv::Mat(1, 1, CV_16SC1, -5), {255, 255, 255}, {0, 0, 0}},
+          Case{cv::Mat(1, 1, CV_32SC1, 70000), {255, 0, 255}, {255, 0, 255}}}) {
+        cv::Mat result = dyed(known.source, known.tint);
+        EXPECT_EQ(result.depth(), known.source.depth() == CV_16U ? CV_16U : CV_8U);
+        result.convertTo(result, CV_16U);
+        EXPECT_EQ(result.at<Pixel>(0), known.expected);
+    }
+}
+
+TEST(Dye, FullComponentsRaiseTheMeasuredBlackLevels) {
+    struct Case {
+        Tint tint;
+        int raises[3]; // of channels 0, 1 and 2
+    };
+    for (const Case& known : {Case{{254, 254, 254}, {0, 0, 0}}, Case{{255, 254, 254}, {2, 3, 3}},
+                              Case{{254, 255, 254}, {3, 2, 3}}, Case{{254, 254, 255}, {3, 3, 2}},
+                              Case{{255, 255, 254}, {5, 5, 6}}, Case{{254, 255, 255}, {6, 5, 5}},
+                              Case{{255, 254, 255}, {5, 6, 5}}, Case{{255, 255, 255}, {8, 8, 8}},
+                              Case{{256, 256, -1}, {0, 0, 0}}})
+        for (int white : {200, 103, 102}) { // the last two leave little room
+            cv::Mat ramp(2, white - 99, CV_8UC3);
+            fillSamples(ramp, [](int, int x, int) { return 100 + x; });
+            const cv::Mat result = dyed(ramp, known.tint, {true, false});
+            const int component[] = {known.tint.blue, known.tint.green, known.tint.red};
+            cv::Mat expected = ramp.clone();
+            fillSamples(expected, [&](int y, int x, int c) {
+                const int black = std::min(100 + known.raises[c], white - 1);
+                return plainStretch(sampleAt(ramp, y, x, c), {black, white}) * component[c] / 255;
+            });
+            EXPECT_TRUE(sameImage(result, expected)) << known.tint << " up to " << white;
+        }
+    EXPECT_EQ(dyed(cv::Mat(1, 1, CV_8UC1, 100), {255, 0, 0}, {true, false}).at<cv::Vec3b>(0)[2], 0);
+    EXPECT_EQ(dyed(cv::Mat(1, 1, CV_8UC1, 100), {254, 0, 0}, {true, false}).at<cv::Vec3b>(0)[2],
+              127);
+}
+
+TEST(Dye, TiesBetweenTotalsGoToTheLowerChannel) {
+    struct Case {
+        cv::Vec3b totals;
+        int dominant;
+    };
+    for (const Case& known : {Case{{5, 5, 5}, 0}, Case{{5, 5, 4}, 0}, Case{{4, 5, 5}, 1},
+                              Case{{5, 4, 5}, 0}, Case{{1, 2, 3}, 2}, Case{{3, 2, 1}, 0},
+                              Case{{1, 3, 2}, 1}, Case{{2, 1, 3}, 2}, Case{{0, 0, 0}, 0}}) {
+        // One row tells the channels apart, the other nine make the totals.
+        cv::Mat image(10, 3, CV_8UC3, known.totals);
+        fillSamples(image.row(0), [](int, int x, int c) { return x == c ? 200 : 0; });
+        const cv::Mat result = dyed(image, {255, 255, 255}, {false, true});
+        for (int c = 0; c < 3; ++c)
+            EXPECT_EQ(result.at<cv::Vec3b>(0, c), cv::Vec3b::all(c == known.dominant ? 200 : 0))
+                << known.totals;
+    }
+}
+
+TEST(Dye, TotalsAreComparedWholeHoweverLargeTheImage) {
+    // The blue total is above 2^32; its low 32 bits are below the green total.
+    const cv::Mat image(4200, 4200, CV_8UC3, cv::Scalar(255, 100, 0));
+    const cv::Mat result = dyed(image, {255, 255, 255}, {false, true});
+    EXPECT_EQ(result.at<cv::Vec3b>(4199, 4199), cv::Vec3b(255, 255, 255));
+}
+
+} // namespace

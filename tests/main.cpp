@@ -1,0 +1,26 @@
+// Runs the tests without a display, and with UTF-8 as the encoding of file names.
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdlib>
+
+/// Qt's offscreen platform does not release its screens when the application ends.
+extern "C" __attribute__((visibility("default"))) const char*
+__lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the sanitizer's name
+    return "leak:libqoffscreen.so";
+}
+
+/// OpenCV's image formats bring a library that takes two locks of its own in either order.
+extern "C" __attribute__((visibility("default"))) const char*
+__tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the sanitizer's name
+    return "deadlock:libgdal.so";
+}
+
+int main(int argc, char** argv) {
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("LC_ALL", "C.UTF-8", 1);
+    std::setlocale(LC_ALL, "");
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

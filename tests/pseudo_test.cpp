@@ -1,0 +1,131 @@
+// Colouring through a table, against the slot rule spelt out pixel by pixel.
+
+#include "support.h"
+
+#include <lumetra>
+
+namespace {
+
+using Pixel = cv::Vec<ushort, 3>;
+
+cv::Mat coloured(cv::Mat src, const QVector<QColor>& colours) {
+    cv::Mat dst;
+    Lumetra::Pseudo(src, dst, colours);
+    return dst;
+}
+
+/// Colours that tell their slot: slot i is i, 255 - i and i × 7 mod 256 in red, green and blue.
+QVector<QColor> rampOf(int count) {
+    QVector<QColor> colours;
+    for (int i = 0; i < count; ++i)
+        colours.append(QColor(i % 256, 255 - i % 256, i * 7 % 256));
+    return colours;
+}
+
+/// The slot of each pixel of a one-column image, read off the red component.
+std::vector<int> slotsOf(const cv::Mat& column) {
+    const cv::Mat result = coloured(column, rampOf(256));
+    cv::Mat red;
+    cv::extractChannel(result, red, 2);
+    red.convertTo(red, CV_32S, result.depth() == CV_16U ? 1.0 / 256 : 1.0);
+    return red;
+}
+
+cv::Mat plainColoured(const cv::Mat& source, const QVector<QColor>& colours) {
+    const cv::Mat in = reducedForColouring(source);
+    double min = 0, max = 0;
+    cv::minMaxLoc(in.reshape(1), &min, &max);
+    const int n = static_cast<int>(max - min + 1.0);
+    const double q = 255.0 / n;
+    const bool deep = in.depth() == CV_16U;
+    cv::Mat out(in.size(), CV_MAKETYPE(in.depth(), 3));
+    fillSamples(out, [&](int y, int x, int c) {
+        int b[3];
+        for (int k = 0; k < 3; ++k)
+            b[k] = sampleAt(in, y, x, std::min(k, in.channels() - 1));
+        const int deepLuma = in.channels() == 1 ? b[0] : (38 * b[0] + 75 * b[1] + 15 * b[2]) >> 7;
+        const int luma =
+            deep ? deepLuma : static_cast<int>((b[0] * 0.3 + b[1] * 0.59) + b[2] * 0.11);
+        const int k = std::max(static_cast<int>(luma - min), 0);
+        const int slot = static_cast<int>(k * q);
+        const QColor colour = slot < colours.size() ? colours[slot] : QColor(0, 0, 0);
+        const int component[] = {colour.blue(), colour.green(), colour.red()};
+        return deep ? component[c] * 256 : component[c];
+    });
+    return out;
+}
+
+TEST(Pseudo, EveryTypeAndSizeFollowsTheRule) {
+    for (int depth = CV_8U; depth <= CV_64F; ++depth)
+        for (int channels : {1, 3, 4})
+            for (cv::Size size : imageSizes()) {
+                const cv::Mat image = mediumContrast(size, CV_MAKETYPE(depth, channels));
+                for (int colours : {255, 100})
+                    for (const cv::Mat& src : {image, viewInto(image)})
+                        ASSERT_TRUE(sameImage(coloured(src, rampOf(colours)),
+                                              plainColoured(image, rampOf(colours))))
+                            << cv::typeToString(image.type()) << " " << size << " " << colours;
+            }
+}
+
+/// Every span of samples, gray and coloured, with a smallest sample that is not 0 among them.
+TEST(Pseudo, EverySpanOfSamplesFollowsTheRule) {
+    for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3})
+        for (int low : {0, 1, 3, 64, 200})
+            for (int span = 1; low + span <= 256; ++span) {
+                cv::Mat image(span, 2, type);
+                fillSamples(image,
+                            [&](int y, int x, int c) { return low + (x * c * 5 + y) % span; });
+                ASSERT_TRUE(
+                    sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))))
+                    << cv::typeToString(type) << " " << low << " + " << span;
+            }
+    for (int type : {CV_16UC1, CV_16UC3}) {
+        cv::Mat image(256, 256, type);
+        fillSamples(image, [](int y, int x, int c) { return y * 256 + x + c * 9; });
+        EXPECT_TRUE(sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))));
+        EXPECT_EQ(coloured(cv::Mat(image.reshape(1)), rampOf(256)).at<Pixel>(255, 255)[2] >> 8,
+                  254);
+    }
+}
+
+TEST(Pseudo, KnownSlots) {
+    const cv::Mat gray = (cv::Mat_<uchar>(5, 1) << 0, 2, 3, 254, 255);
+    EXPECT_EQ(slotsOf(gray), (std::vector{0, 0, 2, 253, 254}));
+    // Level 2 has a luma of 1. So has level 1 of 0; below the smallest sample acts as the smallest.
+    EXPECT_EQ(slotsOf((cv::Mat_<uchar>(2, 1) << 0, 2)), (std::vector{0, 85}));
+    EXPECT_EQ(slotsOf((cv::Mat_<uchar>(3, 1) << 1, 2, 3)), (std::vector{0, 0, 170}));
+    EXPECT_EQ(slotsOf((cv::Mat_<ushort>(2, 1) << 500, 501)), (std::vector{0, 127}));
+    EXPECT_EQ(slotsOf((cv::Mat_<ushort>(3, 1) << 7, 28, 111)), (std::vector{0, 50, 252}));
+    EXPECT_EQ(slotsOf((cv::Mat_<ushort>(2, 1) << 0, 65535)), (std::vector{0, 254}));
+    EXPECT_EQ(slotsOf(cv::Mat(4, 1, CV_16UC3, cv::Scalar::all(900))), (std::vector{0, 0, 0, 0}));
+
+    // The luma of 67 levels falls one short, which shows in all of them but level 1.
+    cv::Mat all(256, 1, CV_8UC1);
+    fillSamples(all, [](int y, int, int) { return y; });
+    const std::vector<int> slots = slotsOf(all);
+    int reduced = 0;
+    for (int v = 2; v < 256; ++v)
+        reduced += slots[static_cast<std::size_t>(v)] == v - 2 ? 1 : 0;
+    EXPECT_EQ(reduced, 66);
+}
+
+TEST(Pseudo, ColoursAreTakenFromAnyListOfColours) {
+    cv::Mat all(256, 2, CV_8UC1), deep;
+    fillSamples(all, [](int y, int, int) { return y; });
+    all.convertTo(deep, CV_16U, 257);
+    QVector<QColor> mixed = {QColor::fromHsv(200, 100, 50), QColor(), QColor::fromCmyk(9, 8, 7, 6),
+                             QColor(1, 2, 3, 4), QColor(Qt::transparent)};
+    for (const QVector<QColor>& colours :
+         {rampOf(0), rampOf(1), rampOf(127), rampOf(254), rampOf(256), rampOf(700), mixed})
+        for (const cv::Mat& src : {all, deep})
+            EXPECT_TRUE(sameImage(coloured(src, colours), plainColoured(src, colours)))
+                << colours.size();
+    for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
+        cv::Mat red = coloured(cv::Mat(1, 1, type, cv::Scalar::all(0)), {QColor(255, 0, 0)});
+        red.convertTo(red, CV_16U);
+        EXPECT_EQ(red.at<Pixel>(0), Pixel(0, 0, CV_MAT_DEPTH(type) == CV_8U ? 255 : 65280));
+    }
+}
+
+} // namespace
