@@ -20,31 +20,29 @@ Preparation dye(int type, bool autoLevels, bool dominantChannel) {
 }
 
 /// A gray image in three scaled copies, merged.
-void mergeScaled(const cv::Mat& gray, double black, double span, double fullScale,
-                 std::vector<cv::Mat>& planes, cv::Mat& dst) {
+void mergeScaled(const cv::Mat& gray, double fullScale, std::vector<cv::Mat>& planes,
+                 cv::Mat& dst) {
     planes.resize(3);
-    for (std::size_t k = 0; k < planes.size(); ++k) {
-        const double scale = tint[k] / fullScale * (255 / span);
-        gray.convertTo(planes[k], -1, scale, -black * scale);
-    }
+    for (std::size_t k = 0; k < planes.size(); ++k)
+        gray.convertTo(planes[k], -1, tint[k] / fullScale);
     cv::merge(planes, dst);
 }
 
 Preparation scaleAndMerge(int type, bool autoLevels) {
     const double fullScale = CV_MAT_DEPTH(type) == CV_8U ? 255 : 256;
     return [=](int side) {
-        return [=, src = noise(type, side), planes = std::vector<cv::Mat>(), dst = cv::Mat(),
-                largest = cv::Mat()]() mutable {
-            double black = 0;
-            double white = 255;
-            if (autoLevels)
-                cv::minMaxLoc(src, &black, &white);
-            if (src.channels() == 1)
-                return mergeScaled(src, black, white - black, fullScale, planes, dst);
-            cv::split(src, planes);
-            cv::max(planes[0], planes[1], largest);
-            cv::max(planes[2], largest, largest);
-            mergeScaled(largest, black, white - black, fullScale, planes, dst);
+        return [=, src = noise(type, side), gray = cv::Mat(), planes = std::vector<cv::Mat>(),
+                dst = cv::Mat()]() mutable {
+            if (autoLevels) {
+                cv::normalize(src, gray, 0, 255, cv::NORM_MINMAX);
+            } else if (src.channels() == 1) {
+                gray = src;
+            } else {
+                cv::split(src, planes);
+                cv::max(planes[0], planes[1], gray);
+                cv::max(planes[2], gray, gray);
+            }
+            mergeScaled(gray, fullScale, planes, dst);
         };
     };
 }
@@ -78,11 +76,13 @@ cv::Mat colourMap() {
     return map;
 }
 
-/// Without spreading an 8-bit image over its range first, as the library does.
-Preparation applyMap(int type) {
+/// The image over its own range, in the colours of a map.
+Preparation normalizeAndMap(int type) {
     return [=](int side) {
-        return [src = noise(type, side), dst = cv::Mat(), map = colourMap()]() mutable {
-            cv::applyColorMap(src, dst, map);
+        return [src = noise(type, side), fitted = cv::Mat(), dst = cv::Mat(),
+                map = colourMap()]() mutable {
+            cv::normalize(src, fitted, 0, 255, cv::NORM_MINMAX, CV_8U);
+            cv::applyColorMap(fitted, dst, map);
         };
     };
 }
@@ -90,14 +90,25 @@ Preparation applyMap(int type) {
 } // namespace
 
 void registerColourise() {
-    compare({"Dye 8UC1, plain", 4, dye(CV_8UC1, false, false), scaleAndMerge(CV_8UC1, false)});
-    compare({"Dye 8UC1, auto levels", 4, dye(CV_8UC1, true, false), scaleAndMerge(CV_8UC1, true)});
-    compare({"Dye 8UC3, plain", 6, dye(CV_8UC3, false, false), multiply});
-    compare({"Dye 8UC3, auto levels and dominant channel", 6, dye(CV_8UC3, true, true), {}});
-    compare({"Dye 16UC1", 8, dye(CV_16UC1, false, false), scaleAndMerge(CV_16UC1, false)});
-    compare({"Dye 16UC3", 12, dye(CV_16UC3, false, false), scaleAndMerge(CV_16UC3, false)});
-    compare({"Pseudo 8UC1", 4, pseudo(CV_8UC1), applyMap(CV_8UC1)});
-    compare({"Pseudo 8UC3", 6, pseudo(CV_8UC3), applyMap(CV_8UC3)});
-    compare({"Pseudo 16UC1", 8, pseudo(CV_16UC1), {}});
-    compare({"Pseudo 16UC3", 12, pseudo(CV_16UC3), {}});
+    compare({"Dye 8UC1, plain",
+             4,
+             {2.5, 0.8},
+             dye(CV_8UC1, false, false),
+             scaleAndMerge(CV_8UC1, false)});
+    compare({"Dye 8UC1, auto levels",
+             4,
+             {3, 0.8},
+             dye(CV_8UC1, true, false),
+             scaleAndMerge(CV_8UC1, true)});
+    compare({"Dye 8UC3, plain", 6, {2, 0.2}, dye(CV_8UC3, false, false), multiply});
+    compare(
+        {"Dye 8UC3, auto levels and dominant channel", 6, {4, 0}, dye(CV_8UC3, true, true), {}});
+    compare(
+        {"Dye 16UC1", 8, {2.5, 0.8}, dye(CV_16UC1, false, false), scaleAndMerge(CV_16UC1, false)});
+    compare(
+        {"Dye 16UC3", 12, {2.5, 0.8}, dye(CV_16UC3, false, false), scaleAndMerge(CV_16UC3, false)});
+    compare({"Pseudo 8UC1", 4, {3, 0.5}, pseudo(CV_8UC1), normalizeAndMap(CV_8UC1)});
+    compare({"Pseudo 8UC3", 6, {5, 0.6}, pseudo(CV_8UC3), normalizeAndMap(CV_8UC3)});
+    compare({"Pseudo 16UC1", 8, {4, 0}, pseudo(CV_16UC1), normalizeAndMap(CV_16UC1)});
+    compare({"Pseudo 16UC3", 12, {4, 0}, pseudo(CV_16UC3), normalizeAndMap(CV_16UC3)});
 }

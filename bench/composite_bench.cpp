@@ -47,7 +47,9 @@ void cloneAndAdd(const Stack& stack) {
 
 void compareComposite(const char* name, int type, int count) {
     const double bytes = (count + 1.0) * static_cast<double>(CV_ELEM_SIZE(type));
-    compare({name, bytes,
+    compare({name,
+             bytes,
+             {1.6, 1.0},
              [=](int side) {
                  return [stack = Stack(type, side, count)]() mutable { composite(stack); };
              },
@@ -68,13 +70,11 @@ std::function<void()> dyeAndComposite(int side) {
 }
 
 void scaledColour(const cv::Mat& gray, const cv::Scalar& colour, cv::Mat& dst) {
-    double black = 0;
-    double white = 0;
-    cv::minMaxLoc(gray, &black, &white);
+    cv::Mat stretched;
+    cv::normalize(gray, stretched, 0, 255, cv::NORM_MINMAX);
     std::vector<cv::Mat> planes(3);
     for (int k = 0; k < 3; ++k)
-        gray.convertTo(planes[static_cast<std::size_t>(k)], -1, colour[k] / (white - black),
-                       -black * colour[k] / (white - black));
+        stretched.convertTo(planes[static_cast<std::size_t>(k)], -1, colour[k] / 255);
     cv::merge(planes, dst);
 }
 
@@ -125,6 +125,6 @@ void registerComposite() {
     compareComposite("Composite 2 x 16UC3", CV_16UC3, 2);
     compareComposite("Composite 4 x 16UC3", CV_16UC3, 4);
     // Each Dye reads 1 byte and writes 3; Composite reads 6 and writes 3.
-    compare({"Two-channel picture", 17, dyeAndComposite, scaleMergeAndAdd});
-    compare({"Composite of 2 PNG files", 9, compositeFiles, readFiles, {512, 2048}});
+    compare({"Two-channel picture", 17, {3, 0.6}, dyeAndComposite, scaleMergeAndAdd});
+    compare({"Composite of 2 PNG files", 9, {0, 1.1}, compositeFiles, readFiles, {512, 2048}});
 }

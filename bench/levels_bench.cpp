@@ -24,7 +24,9 @@ std::function<void()> stretchByTable(int type, int side) {
 } // namespace
 
 void registerLevels() {
-    compare({"AutoCountHistoGray", 1,
+    compare({"AutoCountHistoGray",
+             1,
+             {1, 0.5},
              [](int side) {
                  return [image = noise(CV_8UC1, side), side] {
                      unsigned short low = 0;
@@ -40,7 +42,9 @@ void registerLevels() {
                  };
              }});
 
-    compare({"StretchLevelsGray", 2,
+    compare({"StretchLevelsGray",
+             2,
+             {3, 0.8},
              [](int side) {
                  return [image = noise(CV_8UC1, side).clone(), side] {
                      Lumetra::StretchLevelsGray(black, white, image.data, side, side);
@@ -48,7 +52,9 @@ void registerLevels() {
              },
              [](int side) { return stretchByTable(CV_8UC1, side); }});
 
-    compare({"AutoCountHistoRGB24", 3,
+    compare({"AutoCountHistoRGB24",
+             3,
+             {1.5, 0.4},
              [](int side) {
                  return [image = noise(CV_8UC3, side), side] {
                      TS_LEVELS levels{};
@@ -66,7 +72,9 @@ void registerLevels() {
                  };
              }});
 
-    compare({"StretchLevelsRGB24", 6,
+    compare({"StretchLevelsRGB24",
+             6,
+             {4, 0.5},
              [](int side) {
                  return [image = noise(CV_8UC3, side).clone(), side] {
                      Lumetra::StretchLevelsRGB24({black, black, black, white, white, white},

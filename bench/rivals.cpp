@@ -14,12 +14,15 @@ namespace {
 void registerWay(const Operation& operation, const char* way, const Preparation& prepare) {
     for (const int side : operation.sides) {
         const std::string name = operation.name + '/' + way + '/' + std::to_string(side);
-        benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+        benchmark::RegisterBenchmark(name.c_str(), [=, aims = operation.aims](
+                                                       benchmark::State& state) {
             const std::function<void()> call = prepare(side);
             call(); // the first one pays for fresh memory
             const MemoryMeter meter;
             call();
             state.counters["peakBytes"] = static_cast<double>(meter.peakBytes());
+            state.counters["memcpyAim"] = aims.memcpy;
+            state.counters["openCvAim"] = aims.openCv;
             for (auto _ : state)
                 call();
         })->Unit(benchmark::kMillisecond);

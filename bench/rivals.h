@@ -10,9 +10,16 @@
 /// Makes what is timed for square images of this side. What it prepares is not timed.
 using Preparation = std::function<std::function<void()>(int side)>;
 
+/// How many times as long as a rival the operation may take at 2048²; 0 where nothing is aimed at.
+struct Aims {
+    double memcpy;
+    double openCv;
+};
+
 struct Operation {
     std::string name;
     double bytesPerPixel; ///< Read plus written; the `memcpy` beside it copies as many.
+    Aims aims;
     Preparation library;
     Preparation openCv; ///< May be empty.
     std::vector<int> sides = {512, 2048, 8192};

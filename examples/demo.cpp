@@ -57,9 +57,11 @@ LabelledPicture tintedChannel(Channel const& channel, cv::Mat const& gray,
 
 /// A channel in 16 bits: as it is, or its 8 bits spread over the larger range.
 LabelledPicture pseudoColoured(cv::Mat const& gray) {
+    //! [pseudo-colour]
     cv::Mat deep, picture;
     gray.convertTo(deep, CV_16U, gray.depth() == CV_8U ? 257 : 1);
     Lumetra::Pseudo(deep, picture, evenColours());
+    //! [pseudo-colour]
     return kept("pseudo-colour.png", "Pseudo-colour", "16 bits, 256 even colours", picture);
 }
 
@@ -71,8 +73,10 @@ LabelledPicture synthesis(std::vector<Channel> const& channels, cv::Mat const& c
         files << QString::fromStdString(tintedFile(i));
         offsets << channels[i].offset;
     }
+    //! [synthesis]
     cv::Mat picture;
     Lumetra::FluorescenceSynthesis(&files, &offsets, picture);
+    //! [synthesis]
     bool const same = picture.size() == composite.size() && picture.type() == composite.type() &&
                       cv::norm(picture, composite, cv::NORM_INF) == 0;
     return kept("synthesis.png", "Synthesis",
@@ -84,10 +88,12 @@ LabelledPicture synthesis(std::vector<Channel> const& channels, cv::Mat const& c
 
 /// A channel in a colour that comes out of a user's own dye file.
 LabelledPicture customDyed(cv::Mat const& gray) {
+    //! [custom dyes]
     QString const name = "Heliotrope", file = "custom-dyes.ini";
     QMap<QString, QColor> ours{{name, QColor(196, 116, 255)}}, loaded;
     Lumetra::SaveCustomDyeType(ours, file);
     Lumetra::LoadCustomDyeType(loaded, file);
+    //! [custom dyes]
     if (loaded != ours)
         throw Failure("cannot keep custom dyes in " + file.toStdString());
     QColor const colour = loaded[name];

@@ -11,6 +11,8 @@
 #include <QPainter>
 #include <QString>
 
+#include <opencv2/core/mat.hpp>
+
 inline QColor const paper(17, 19, 24), ink(232, 234, 238), paleInk(142, 149, 160);
 
 /// Lets Qt draw without a display, unless the environment names a platform. To be called before
@@ -24,6 +26,18 @@ QImage emptyChart(int width, int height);
 /// where it is too long, and cut off if even that does not help.
 void write(QPainter& painter, QRectF const& box, QString const& text, int height,
            QColor const& colour, bool bold = false);
+
+/// A picture (8 or 16 bits, one or three channels) with two lines of text to go below it.
+struct LabelledPicture {
+    QString title, explanation;
+    cv::Mat picture;
+};
+
+/// How high the two lines below a picture are.
+constexpr int label = 36;
+
+/// Draws a picture into a square of `side` pixels and its two lines below.
+void drawPicture(QPainter& painter, QPoint corner, int side, LabelledPicture const& shown);
 
 /// @throws Failure if the file cannot be written.
 void saveChart(QImage const& chart, std::string const& file);

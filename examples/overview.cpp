@@ -1,47 +1,13 @@
 #include "overview.h"
 
-#include <algorithm>
-
 #include <lumetra>
 
 #include "drawing.h"
 
 namespace {
 
-constexpr int tile = 152, label = 36, gap = 12, ribbon = 16;
+constexpr int tile = 152, gap = 12, ribbon = 16;
 constexpr int large = 2 * tile + label + gap;
-
-QImage toImage(cv::Mat const& picture) {
-    cv::Mat eightBits;
-    picture.convertTo(eightBits, CV_8U, picture.depth() == CV_16U ? 1 / 256.0 : 1);
-    // The image only borrows the pixels, hence the copy.
-    return QImage(eightBits.data, eightBits.cols, eightBits.rows,
-                  static_cast<int>(eightBits.step[0]), QImage::Format_BGR888)
-        .copy();
-}
-
-/// Rounds to 32 levels of each colour, which halves the size of the file; in small pictures of a
-/// noisy specimen nobody sees the difference.
-void roundLevels(QImage& image) {
-    for (int y = 0; y < image.height(); ++y) {
-        auto* line = image.scanLine(y);
-        std::transform(line, line + 3 * image.width(), line,
-                       [](uchar level) { return static_cast<uchar>(level & 0xF8); });
-    }
-}
-
-void drawPicture(QPainter& painter, QPoint corner, int side, LabelledPicture const& shown) {
-    // Scaled before it is drawn: the painter alone would skip pixels.
-    QImage image = toImage(shown.picture)
-                       .scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-                       .convertToFormat(QImage::Format_RGB888);
-    roundLevels(image);
-    painter.drawImage(corner + QPoint((side - image.width()) / 2, (side - image.height()) / 2),
-                      image);
-    write(painter, QRectF(corner.x(), corner.y() + side + 2, side, 18), shown.title, 12, ink, true);
-    write(painter, QRectF(corner.x(), corner.y() + side + 19, side, 14), shown.explanation, 10,
-          paleInk);
-}
 
 void drawCatalogue(QPainter& painter, QPoint corner, double width) {
     int const dyes = Lumetra::m_vecSldFluo.size();

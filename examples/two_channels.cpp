@@ -23,9 +23,11 @@ example: two_channels cells.png nuclei.tif=DAPI actin.tif=FITC+3-2
 
 /// The picture `gray` in the display colour of the channel's dye.
 cv::Mat tinted(cv::Mat const& gray, Channel const& channel) {
+    //! [dye]
     FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[channel.dye];
     cv::Mat levels = toEightBits(gray), picture;
     Lumetra::Dye(levels, picture, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
+    //! [dye]
 
     std::cout << channel.file << ": " << gray.cols << " x " << gray.rows << " pixels"
               << (gray.depth() == CV_8U ? "" : ", brought to 8 bits over its own value range")
@@ -37,6 +39,7 @@ cv::Mat tinted(cv::Mat const& gray, Channel const& channel) {
 /// All channels in one picture.
 std::unique_ptr<cv::Mat> merged(std::vector<Channel> const& channels) {
     std::vector<cv::Mat> pictures = readChannels(channels);
+    //! [composite]
     QList<cv::Mat*> images;
     QList<QPoint> offsets;
     for (size_t i = 0; i < channels.size(); ++i) {
@@ -45,6 +48,7 @@ std::unique_ptr<cv::Mat> merged(std::vector<Channel> const& channels) {
         offsets << channels[i].offset;
     }
     std::unique_ptr<cv::Mat> canvas(Lumetra::Composite(&images, &offsets));
+    //! [composite]
     if (!canvas) // the sizes are equal, so only the offsets can be at fault
         throw Failure("the offsets are so far apart that the pictures share no pixel");
     return canvas;
@@ -57,7 +61,9 @@ int main(int argc, char** argv) {
         if (argc < 2)
             throw BadUsage{};
         QLoggingCategory::setFilterRules("*.debug=false"); // what fails is said in our own words
+        //! [catalogue]
         Lumetra::InitFluoDyeType();
+        //! [catalogue]
 
         auto const channels = parseChannels(argc, argv, 2);
         auto const picture = merged(channels);

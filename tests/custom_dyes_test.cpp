@@ -1,5 +1,6 @@
 // The user's own dyes in their settings file.
 
+#include "plain_custom_dyes.h"
 #include "user_interface.h"
 
 #include <gtest/gtest.h>
@@ -14,21 +15,7 @@
 
 namespace {
 
-using Dyes = QMap<QString, QColor>;
-
 const QColor red(255, 0, 0), green(0, 255, 128);
-
-/// Reads a file entry by entry, as many as it claims.
-Dyes readPlainly(const QString& path) {
-    const QSettings settings(path, QSettings::IniFormat);
-    Dyes dyes;
-    for (int n = 1; n <= settings.value("Number", "").toInt(); ++n) {
-        const QString group = "DyeType" + QString::number(n);
-        dyes[settings.value(group + "/Name", "").toString()] =
-            settings.value(group + "/Color", "").value<QColor>();
-    }
-    return dyes;
-}
 
 class CustomDyes : public testing::Test {
 protected:

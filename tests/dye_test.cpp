@@ -1,22 +1,10 @@
 // Tinting, against the formula spelt out pixel by pixel.
 
-#include "support.h"
+#include "plain_colouring.h"
 
 #include <lumetra>
 
 namespace {
-
-struct Tint {
-    int red, green, blue;
-};
-
-std::ostream& operator<<(std::ostream& out, Tint tint) {
-    return out << "(" << tint.red << ", " << tint.green << ", " << tint.blue << ")";
-}
-
-struct Options {
-    bool autoLevels, dominantChannel;
-};
 
 constexpr Options allOptions[] = {{false, false}, {true, false}, {false, true}, {true, true}};
 
@@ -25,65 +13,6 @@ cv::Mat dyed(cv::Mat src, Tint tint, Options options = {false, false}) {
     Lumetra::Dye(src, dst, tint.red, tint.green, tint.blue, options.autoLevels,
                  options.dominantChannel);
     return dst;
-}
-
-std::vector<uchar> channelOf(const cv::Mat& image, int channel) {
-    std::vector<uchar> samples;
-    for (int y = 0; y < image.rows; ++y)
-        for (int x = 0; x < image.cols; ++x)
-            samples.push_back(static_cast<uchar>(sampleAt(image, y, x, channel)));
-    return samples;
-}
-
-void plainAutoLevels(cv::Mat& image, Tint tint) {
-    Levels levels[3];
-    for (int c = 0; c < 3; ++c) {
-        auto& [black, white] = levels[c] = plainLevels(channelOf(image, c));
-        black = std::min(white - 1, black + (tint.red == 255 ? (c == 0 ? 2 : 3) : 0));
-        black = std::min(white - 1, black + (tint.green == 255 ? (c == 1 ? 2 : 3) : 0));
-        black = std::min(white - 1, black + (tint.blue == 255 ? (c == 2 ? 2 : 3) : 0));
-    }
-    fillSamples(image, [&](int y, int x, int c) {
-        return plainStretch(sampleAt(image, y, x, c), levels[c]);
-    });
-}
-
-void plainDominantChannel(cv::Mat& image) {
-    uint64_t total[3] = {};
-    for (int c = 0; c < 3; ++c)
-        for (uchar sample : channelOf(image, c))
-            total[c] += sample;
-    int dominant = total[1] > total[0] ? 1 : 0;
-    if (total[2] > total[0] && total[2] > total[1])
-        dominant = 2;
-    const cv::Mat before = image.clone();
-    fillSamples(image, [&](int y, int x, int) { return sampleAt(before, y, x, dominant); });
-}
-
-cv::Mat plainDyed(const cv::Mat& source, Tint tint, Options options) {
-    const cv::Mat in = reducedForColouring(source);
-    const int last = in.channels() - 1;
-    const int component[] = {tint.blue, tint.green, tint.red};
-    cv::Mat out(in.size(), CV_MAKETYPE(in.depth(), 3));
-    if (in.depth() == CV_16U) {
-        fillSamples(out, [&](int y, int x, int c) {
-            const int v = std::max(
-                {sampleAt(in, y, x, 0), sampleAt(in, y, x, last / 2), sampleAt(in, y, x, last)});
-            return static_cast<uint32_t>(v) * static_cast<uint32_t>(component[c]) >> 8;
-        });
-        return out;
-    }
-    fillSamples(out, [&](int y, int x, int c) { return sampleAt(in, y, x, std::min(c, last)); });
-    if (options.autoLevels)
-        plainAutoLevels(out, tint);
-    if (options.dominantChannel)
-        plainDominantChannel(out);
-    fillSamples(out, [&](int y, int x, int c) {
-        const auto product =
-            static_cast<uint32_t>(sampleAt(out, y, x, c)) * static_cast<uint32_t>(component[c]);
-        return static_cast<int32_t>(product) / 255;
-    });
-    return out;
 }
 
 TEST(Dye, EveryTypeSizeAndOptionFollowsTheFormula) {
@@ -105,7 +34,7 @@ TEST(Dye, ComponentsOfAnyValueFollowTheFormula) {
     std::vector<cv::Mat> sources;
     for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
         cv::Mat all(256, CV_MAT_DEPTH(type) == CV_8U ? 1 : 256, type);
-        fillSamples(all, [&](int y, int x, int c) { return (y + x * 256) * (c + 1) + 41 * c; });
+        fillSamples(all, [&](int y, int x, int c) { return (y + x * 256) * (2 * c + 1) + 41 * c; });
         sources.push_back(all);
     }
     for (const cv::Mat& src : sources)
@@ -115,6 +44,10 @@ TEST(Dye, ComponentsOfAnyValueFollowTheFormula) {
                 EXPECT_TRUE(sameImage(dyed(src, tint, options), plainDyed(src, tint, options)))
                     << tint << " " << options.autoLevels << options.dominantChannel;
         }
+    for (int c = 0; c < 256; ++c)
+        EXPECT_TRUE(sameImage(dyed(sources[1], {c, 255 - c, c ^ 85}),
+                              plainDyed(sources[1], {c, 255 - c, c ^ 85}, {false, false})))
+            << c;
 }
 
 TEST(Dye, KnownPixels) {

@@ -1,6 +1,6 @@
 // Colouring through a table, against the slot rule spelt out pixel by pixel.
 
-#include "support.h"
+#include "plain_colouring.h"
 
 #include <lumetra>
 
@@ -29,30 +29,6 @@ std::vector<int> slotsOf(const cv::Mat& column) {
     cv::extractChannel(result, red, 2);
     red.convertTo(red, CV_32S, result.depth() == CV_16U ? 1.0 / 256 : 1.0);
     return red;
-}
-
-cv::Mat plainColoured(const cv::Mat& source, const QVector<QColor>& colours) {
-    const cv::Mat in = reducedForColouring(source);
-    double min = 0, max = 0;
-    cv::minMaxLoc(in.reshape(1), &min, &max);
-    const int n = static_cast<int>(max - min + 1.0);
-    const double q = 255.0 / n;
-    const bool deep = in.depth() == CV_16U;
-    cv::Mat out(in.size(), CV_MAKETYPE(in.depth(), 3));
-    fillSamples(out, [&](int y, int x, int c) {
-        int b[3];
-        for (int k = 0; k < 3; ++k)
-            b[k] = sampleAt(in, y, x, std::min(k, in.channels() - 1));
-        const int deepLuma = in.channels() == 1 ? b[0] : (38 * b[0] + 75 * b[1] + 15 * b[2]) >> 7;
-        const int luma =
-            deep ? deepLuma : static_cast<int>((b[0] * 0.3 + b[1] * 0.59) + b[2] * 0.11);
-        const int k = std::max(static_cast<int>(luma - min), 0);
-        const int slot = static_cast<int>(k * q);
-        const QColor colour = slot < colours.size() ? colours[slot] : QColor(0, 0, 0);
-        const int component[] = {colour.blue(), colour.green(), colour.red()};
-        return deep ? component[c] * 256 : component[c];
-    });
-    return out;
 }
 
 TEST(Pseudo, EveryTypeAndSizeFollowsTheRule) {
@@ -86,6 +62,24 @@ TEST(Pseudo, EverySpanOfSamplesFollowsTheRule) {
         EXPECT_TRUE(sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))));
         EXPECT_EQ(coloured(cv::Mat(image.reshape(1)), rampOf(256)).at<Pixel>(255, 255)[2] >> 8,
                   254);
+    }
+}
+
+/// All 2^24 colours: where the sum of the weighted samples is a whole number, its order decides.
+TEST(Pseudo, EveryColourHasTheLumaOfThePlainSum) {
+    const QVector<QColor> colours = rampOf(256);
+    cv::Mat image(256, 256, CV_8UC3);
+    for (int blue = 0; blue < 256; ++blue) {
+        fillSamples(image,
+                    [blue](int y, int x, int c) { return c == 0 ? blue : (c == 1 ? y : x); });
+        const cv::Mat result = coloured(image, colours);
+        int wrong = 0;
+        for (int green = 0; green < 256; ++green)
+            for (int red = 0; red < 256; ++red) {
+                const int luma = static_cast<int>((blue * 0.3 + green * 0.59) + red * 0.11);
+                wrong += result.at<cv::Vec3b>(green, red)[2] != std::max(luma - 1, 0) ? 1 : 0;
+            }
+        ASSERT_EQ(wrong, 0) << "with blue " << blue;
     }
 }
 

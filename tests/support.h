@@ -10,12 +10,13 @@
 #include <vector>
 
 /// Every width from 1 to 17, so that all row paddings and vector remainders occur, one row, one
-/// column, and a few wider images.
+/// column, and a few wider images, up to some thousands of pixels.
 inline std::vector<cv::Size> imageSizes() {
     std::vector<cv::Size> sizes;
     for (int width = 1; width <= 17; ++width)
         sizes.emplace_back(width, 3);
-    sizes.insert(sizes.end(), {{1, 1}, {1, 19}, {23, 1}, {64, 4}, {100, 3}, {130, 2}, {257, 5}});
+    sizes.insert(sizes.end(),
+                 {{1, 1}, {1, 19}, {23, 1}, {64, 4}, {100, 3}, {130, 2}, {257, 5}, {2051, 2}});
     return sizes;
 }
 

@@ -107,11 +107,12 @@ public:
         lumetra::fillWithChannel(pixels_.data(), channel, pixels_.data(), 256);
     }
 
-    LevelColours tinted(const Tint& tint) {
-        tintPixels(pixels_.data(), 256, tint);
+    LevelColours tinted(const Tint& tint) const {
+        std::array<unsigned char, 768> pixels;
+        tintPixels(pixels_.data(), pixels.data(), 256, tint);
         LevelColours colours;
         for (std::size_t i = 0; i < colours.size(); ++i)
-            colours[i] = packedColour(pixels_[3 * i], pixels_[3 * i + 1], pixels_[3 * i + 2]);
+            colours[i] = packedColour(pixels[3 * i], pixels[3 * i + 1], pixels[3 * i + 2]);
         return colours;
     }
 
@@ -139,8 +140,8 @@ cv::Mat dyedGray(const cv::Mat& gray, const DyeSettings& settings) {
     GrayLevels levels;
     if (settings.autoLevels) {
         SampleRange<unsigned char> range;
-        forEachStrip<unsigned char>(gray, [&](const unsigned char* in, std::size_t count) {
-            range.include(sampleRange(in, count));
+        forEachRun<unsigned char>(gray, [&](const unsigned char* in, std::size_t pixels) {
+            range.include(sampleRange(in, pixels));
         });
         levels.stretch(automaticStretch({range, range, range}, settings.tint));
         if (settings.dominantChannel) {
@@ -174,8 +175,8 @@ cv::Mat dyedColour(const cv::Mat& image, const DyeSettings& settings) {
     std::optional<Stretch<3>> stretch;
     if (settings.autoLevels) {
         ColourRanges ranges;
-        forEachStrip<unsigned char>(image, [&](const unsigned char* in, std::size_t count) {
-            ranges.include(threeRanges(in, 3 * count));
+        forEachRun<unsigned char>(image, [&](const unsigned char* in, std::size_t pixels) {
+            ranges.include(threeRanges(in, 3 * pixels));
         });
         stretch = automaticStretch(ranges, settings.tint);
     }
@@ -189,12 +190,15 @@ cv::Mat dyedColour(const cv::Mat& image, const DyeSettings& settings) {
         return painted(image, channel, levels.tinted(settings.tint));
     }
 
+    std::array<unsigned char, 3 * stripPixels> stretched;
     return madeFromStrips<unsigned char, unsigned char>(
         image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
-            std::copy_n(in, 3 * count, out);
-            if (stretch)
-                (*stretch)(out, 3 * count);
-            tintPixels(out, count, settings.tint);
+            if (stretch) {
+                std::copy_n(in, 3 * count, stretched.begin());
+                (*stretch)(stretched.data(), 3 * count);
+                in = stretched.data();
+            }
+            tintPixels(in, out, count, settings.tint);
         });
 }
 
@@ -220,8 +224,8 @@ void dyeBitmap(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) 
         };
     }
     stages.transform = [&](PixelArea from, PixelArea to) {
-        copyPixels(from, to);
-        to.forEachRow([&](unsigned char* row) { tintPixels(row, to.width, settings.tint); });
+        for (std::size_t y = 0; y < from.height; ++y)
+            tintPixels(from.row(y), to.row(y), from.width, settings.tint);
     };
     bitmapRoundTrip(image, dst, stages);
 }

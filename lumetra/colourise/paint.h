@@ -19,9 +19,17 @@ constexpr PackedColour packedColour(unsigned char blue, unsigned char green, uns
 /// A colour for each 8-bit level.
 using LevelColours = std::array<PackedColour, 256>;
 
-/// Writes `count` pixels in the colours of their levels.
-void paint(const unsigned char* levels, unsigned char* pixels, std::size_t count,
-           const LevelColours& colours);
+/// Writes pixels in the colours of their levels, two at a time.
+class Palette {
+public:
+    explicit Palette(const LevelColours& colours);
+
+    void paint(const unsigned char* levels, unsigned char* pixels, std::size_t count) const;
+
+private:
+    LevelColours first_;
+    LevelColours second_; ///< The same colours, where the second pixel of a pair has them.
+};
 
 /// The picture in which each pixel has the colour of its sample in one channel of an 8-bit image.
 cv::Mat painted(const cv::Mat& image, std::size_t channel, const LevelColours& colours);

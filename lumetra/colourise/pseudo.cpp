@@ -10,7 +10,6 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <numeric>
 #include <vector>
 
 namespace lumetra {
@@ -44,8 +43,8 @@ template<class Sample>
 SampleRange<Sample> imageRange(const cv::Mat& image) {
     SampleRange<Sample> range;
     const auto channels = static_cast<std::size_t>(image.channels());
-    forEachStrip<Sample>(image, [&](const Sample* in, std::size_t count) {
-        range.include(sampleRange(in, count * channels));
+    forEachRun<Sample>(image, [&](const Sample* in, std::size_t pixels) {
+        range.include(sampleRange(in, pixels * channels));
     });
     return range;
 }
@@ -94,45 +93,44 @@ void lumaInHundredths(const unsigned char* __restrict in, std::size_t count,
         const auto high = static_cast<std::uint16_t>(std::uint32_t{sum} * 0xA3D8 >> 16);
         const auto whole = static_cast<std::uint16_t>(high >> 6); // sum / 100
         luma[i] = static_cast<unsigned char>(whole);
-        doubtful[i] = static_cast<std::uint16_t>(sum - 100 * whole) == 0;
+        doubtful[i] = static_cast<std::uint16_t>(100 * whole) == sum;
     }
 }
 
 using Strip = std::array<unsigned char, stripPixels>;
 
-/// `luma8` of a strip. Doubtful pixels are one in a hundred, which are computed one by one, unless
-/// the picture is gray.
+/// `luma8` of a strip. Doubtful pixels are few, about one in a hundred, and are computed one by
+/// one, unless the picture is gray, where every pixel is doubtful.
 void lumaOfStrip(const unsigned char* in, std::size_t count, Strip& luma) {
     Strip doubtful{};
     lumaInHundredths(in, count, luma.data(), doubtful.data());
-    const auto pixelLuma = [in](std::size_t i) {
-        return luma8(in[3 * i], in[3 * i + 1], in[3 * i + 2]);
+    const auto setLuma = [&](std::size_t i) {
+        luma[i] = luma8(in[3 * i], in[3 * i + 1], in[3 * i + 2]);
     };
-    if (std::accumulate(doubtful.begin(), doubtful.end(), 0U) > count / 16) {
-        for (std::size_t i = 0; i < count; ++i)
-            luma[i] = pixelLuma(i);
-        return;
-    }
-    for (std::size_t i = 0; i < count; i += 8) {
-        std::uint64_t anyOfEight = 0;
-        std::memcpy(&anyOfEight, &doubtful[i], sizeof anyOfEight);
-        if (anyOfEight != 0)
-            for (std::size_t k = i; k < i + 8; ++k)
-                if (doubtful[k] != 0)
-                    luma[k] = pixelLuma(k);
+    std::size_t oneByOne = 0;
+    for (std::size_t place = 0; place < count; place += 8) {
+        std::uint64_t flags = 0; // of eight pixels
+        std::memcpy(&flags, &doubtful[place], sizeof flags);
+        for (; flags != 0; flags &= flags - 1, ++oneByOne)
+            setLuma(place + static_cast<std::size_t>(__builtin_ctzll(flags)) / 8);
+        if (oneByOne > stripPixels / 16) {
+            for (std::size_t i = 0; i < count; ++i)
+                setLuma(i);
+            return;
+        }
     }
 }
 
 /// Colours the pixels of a strip by their luma.
 void paintByLuma(const unsigned char* in, unsigned char* out, std::size_t count,
-                 const LevelColours& ofLuma) {
+                 const Palette& ofLuma) {
     Strip luma;
     lumaOfStrip(in, count, luma);
-    paint(luma.data(), out, count, ofLuma);
+    ofLuma.paint(luma.data(), out, count);
 }
 
 cv::Mat colouredColour8(const cv::Mat& image, const LevelColours& colours) {
-    const LevelColours ofLuma = lumaColours(imageRange<unsigned char>(image), colours);
+    const Palette ofLuma(lumaColours(imageRange<unsigned char>(image), colours));
     return madeFromStrips<unsigned char, unsigned char>(
         image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
             paintByLuma(in, out, count, ofLuma);
@@ -145,7 +143,7 @@ void colourBitmap(const cv::Mat& image, cv::Mat& dst, const LevelColours& colour
         SampleRange<unsigned char> range;
         from.forEachRow(
             [&](unsigned char* row) { range.include(sampleRange(row, from.rowBytes())); });
-        const LevelColours ofLuma = lumaColours(range, colours);
+        const Palette ofLuma(lumaColours(range, colours));
         for (std::size_t y = 0; y < from.height; ++y)
             forEachStrip(from.width, [&](std::size_t first, std::size_t count) {
                 paintByLuma(from.row(y) + 3 * first, to.row(y) + 3 * first, count, ofLuma);

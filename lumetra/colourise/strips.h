@@ -19,19 +19,25 @@ void forEachStrip(std::size_t pixels, Work work) {
         work(first, std::min(stripPixels, pixels - first));
 }
 
-/// The whole of an image in strips: `work(in, count)`, with a pointer to the first sample of a
-/// strip.
+/// An image in runs of pixels side by side, its rows or all of it: `work(in, pixels)`, with a
+/// pointer to the first sample.
+template<class In, class Work>
+void forEachRun(const cv::Mat& image, Work work) {
+    const int runs = image.isContinuous() ? 1 : image.rows;
+    const std::size_t pixels = image.total() / static_cast<std::size_t>(runs);
+    for (int y = 0; y < runs; ++y)
+        work(image.ptr<In>(y), pixels);
+}
+
+/// The same in strips.
 template<class In, class Work>
 void forEachStrip(const cv::Mat& image, Work work) {
     const auto channels = static_cast<std::size_t>(image.channels());
-    const int runs = image.isContinuous() ? 1 : image.rows;
-    const std::size_t pixels = image.total() / static_cast<std::size_t>(runs);
-    for (int y = 0; y < runs; ++y) {
-        const In* const in = image.ptr<In>(y);
+    forEachRun<In>(image, [&](const In* in, std::size_t pixels) {
         forEachStrip(pixels, [&](std::size_t first, std::size_t count) {
             work(in + first * channels, count);
         });
-    }
+    });
 }
 
 /// A new image made strip by strip from another one of the same size: `work(in, out, count)`.

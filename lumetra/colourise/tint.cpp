@@ -16,11 +16,12 @@ unsigned char tintedByByte(unsigned char sample, std::uint16_t component) {
 
 } // namespace
 
-void tintPixels(unsigned char* pixels, std::size_t count, const Tint& tint) {
+void tintPixels(const unsigned char* __restrict pixels, unsigned char* __restrict tinted,
+                std::size_t count, const Tint& tint) {
     const std::size_t samples = 3 * count;
     if (!std::all_of(tint.begin(), tint.end(), isByte)) {
         for (std::size_t i = 0; i < samples; ++i)
-            pixels[i] = tinted8(pixels[i], tint[i % 3]);
+            tinted[i] = tinted8(pixels[i], tint[i % 3]);
         return;
     }
 
@@ -32,9 +33,9 @@ void tintPixels(unsigned char* pixels, std::size_t count, const Tint& tint) {
     std::size_t done = 0;
     for (; done + lanes <= samples; done += lanes)
         for (std::size_t i = 0; i < lanes; ++i)
-            pixels[done + i] = tintedByByte(pixels[done + i], components[i]);
+            tinted[done + i] = tintedByByte(pixels[done + i], components[i]);
     for (std::size_t i = 0; done + i < samples; ++i)
-        pixels[done + i] = tintedByByte(pixels[done + i], components[i]);
+        tinted[done + i] = tintedByByte(pixels[done + i], components[i]);
 }
 
 void tintSamples(const std::uint16_t* samples, std::uint16_t* pixels, std::size_t count,

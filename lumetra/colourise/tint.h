@@ -23,8 +23,9 @@ constexpr std::uint16_t tinted16(std::uint16_t sample, int component) {
     return static_cast<std::uint16_t>(product(sample, component) >> 8);
 }
 
-/// Tints 24-bit pixels in place.
-void tintPixels(unsigned char* pixels, std::size_t count, const Tint& tint);
+/// Tints 24-bit pixels into others, which may not overlap them.
+void tintPixels(const unsigned char* pixels, unsigned char* tinted, std::size_t count,
+                const Tint& tint);
 
 /// Makes 48-bit pixels of 16-bit samples.
 void tintSamples(const std::uint16_t* samples, std::uint16_t* pixels, std::size_t count,

@@ -42,7 +42,8 @@ bool compositeFiles(const QList<QString>& files, const QList<QPoint>& offsets, M
     const cv::Size size = image.size();
     canvas.create(matrixExtent(alignment.commonRows(size.height)),
                   matrixExtent(alignment.commonColumns(size.width)), type);
-    lumetra::composite({alignment.visiblePart(image, offsets.front(), canvas)}, canvas);
+    if (!canvas.empty())
+        alignment.visiblePart(image, offsets.front(), canvas).copyTo(canvas); // takes no memory
 
     for (int k = 1; k < files.size(); ++k) {
         image.release(); // before the next one is decoded

@@ -40,10 +40,6 @@ void sumRows(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
     const auto count = static_cast<std::size_t>(canvas.cols) * 3;
     for (int y = 0; y < canvas.rows; ++y) {
         auto* const sums = canvas.ptr<Sample>(y);
-        if (parts.size() == 1) {
-            std::copy_n(parts[0].ptr<Sample>(y), count, sums);
-            continue;
-        }
         sumOfTwo(parts[0].ptr<Sample>(y), parts[1].ptr<Sample>(y), sums, count);
         for (std::size_t k = 2; k < parts.size(); ++k)
             addSaturated(parts[k].ptr<Sample>(y), sums, count);

@@ -44,9 +44,9 @@ void unifyColourMode(cv::Mat& image, int type);
 /// another thread than its own, there are no widgets and nothing is shown.
 void reportSizeMismatch();
 
-/// Makes the canvas the sum of the parts, each sample clamped to the largest of the depth; zero for
-/// depths that are not composited. The parts have the size and type of the canvas; without any
-/// pixels nothing happens.
+/// Makes the canvas the sum of two or more parts, each sample clamped to the largest of the depth;
+/// zero for depths that are not composited. The parts have the size and type of the canvas; without
+/// any pixels nothing happens.
 void composite(const std::vector<cv::Mat>& parts, cv::Mat& canvas);
 
 /// Adds one more part to the canvas, in the same way.

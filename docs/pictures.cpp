@@ -1,0 +1,166 @@
+// Makes the pictures of the documentation out of the specimen that examples/specimen.cpp draws, and
+// the custom dye file that it shows.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QGuiApplication>
+
+#include <opencv2/core.hpp>
+
+#include <lumetra>
+
+#include "channel.h"
+#include "colour_table.h"
+#include "drawing.h"
+#include "program.h"
+
+namespace {
+
+constexpr auto usage = R"(usage: pictures SPECIMENDIR OUTDIR
+
+Makes the pictures of the documentation out of the channels in SPECIMENDIR, and a custom dye file.
+)";
+
+constexpr int side = 256, gap = 12;
+
+int placeOf(int column) { return gap + column * (side + gap); }
+
+/// A chart of the pictures side by side, with room for something below them.
+QImage chartOf(std::vector<LabelledPicture> const& pictures, int room = 0) {
+    int const count = static_cast<int>(pictures.size());
+    QImage chart = emptyChart(placeOf(count), gap + side + label + room + gap);
+    QPainter painter(&chart);
+    for (int i = 0; i < count; ++i)
+        drawPicture(painter, {placeOf(i), gap}, side, pictures[static_cast<size_t>(i)]);
+    return chart;
+}
+
+cv::Mat dyed(cv::Mat gray, QString const& name) {
+    FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[name];
+    cv::Mat picture;
+    Lumetra::Dye(gray, picture, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
+    return picture;
+}
+
+cv::Mat composite(cv::Mat first, cv::Mat second, QPoint offset) {
+    QList<cv::Mat*> images{&first, &second};
+    QList<QPoint> offsets{{0, 0}, offset};
+    return *std::unique_ptr<cv::Mat>(Lumetra::Composite(&images, &offsets));
+}
+
+QImage dyeing(cv::Mat const& gray) {
+    return chartOf({{"The channel", "8 bits, gray", gray},
+                    {"Dyed", "as FITC (29, 255, 0)", dyed(gray, "FITC")},
+                    {"Dyed", "as Cy3", dyed(gray, "Cy3")}});
+}
+
+/// Two channels between whose exposures the camera moved.
+QImage compositing(cv::Mat const& nuclei, cv::Mat const& filaments) {
+    QPoint const moved(14, -9);
+    constexpr int margin = 16;
+    cv::Rect const field(margin, margin, nuclei.cols - 2 * margin, nuclei.rows - 2 * margin);
+    cv::Mat const blue = dyed(nuclei(field), "DAPI");
+    cv::Mat const green = dyed(filaments(field - cv::Point(moved.x(), moved.y())), "FITC");
+    return chartOf(
+        {{"Two channels", "dyed and added: the camera has moved", composite(blue, green, {})},
+         {"The same", "the second one moved by (14, -9)", composite(blue, green, moved)}});
+}
+
+/// How many samples have each value, as bars, and the levels that a stretch would use.
+void drawHistogram(QPainter& painter, QRectF const& box, cv::Mat const& gray) {
+    std::array<int, 256> counts{};
+    for (uchar const sample : cv::Mat_<uchar>(gray))
+        ++counts[sample];
+    double const highest = *std::max_element(counts.begin(), counts.end());
+    painter.fillRect(box, paper.lighter(150));
+    for (int value = 0; value < 256; ++value) {
+        double const height =
+            std::sqrt(counts[static_cast<size_t>(value)] / highest) * box.height();
+        painter.fillRect(QRectF(box.left() + value, box.bottom() - height, 1, height), ink);
+    }
+    unsigned short black = 0, white = 0;
+    Lumetra::AutoCountHistoGray(gray.data, gray.cols, gray.rows, &black, &white);
+    for (int const level : {black, white})
+        painter.fillRect(QRectF(box.left() + level, box.top(), 1, box.height()),
+                         QColor(255, 160, 0));
+    write(painter, {box.left(), box.bottom() + 3, box.width(), 14},
+          QString("black level %1, white level %2").arg(black).arg(white), 10, paleInk);
+}
+
+QImage levels(cv::Mat const& gray) {
+    constexpr int height = 80;
+    cv::Mat dim, stretched;
+    gray.convertTo(dim, CV_8U, 0.25, 30); // as too short an exposure gives it
+    stretched = dim.clone();
+    //! [levels]
+    unsigned short black = 0, white = 0;
+    Lumetra::AutoCountHistoGray(dim.data, dim.cols, dim.rows, &black, &white);
+    Lumetra::StretchLevelsGray(black, white, stretched.data, stretched.cols, stretched.rows);
+    //! [levels]
+
+    QImage chart = chartOf(
+        {{"Before", "a dim exposure", dim}, {"After", "stretched between its levels", stretched}},
+        height + 20);
+    QPainter painter(&chart);
+    int const top = gap + side + label + 4;
+    drawHistogram(painter, QRectF(placeOf(0), top, side, height), dim);
+    drawHistogram(painter, QRectF(placeOf(1), top, side, height), stretched);
+    return chart;
+}
+
+void saveCustomDyes(std::string const& file) {
+    QMap<QString, QColor> dyes{{"Heliotrope", QColor(196, 116, 255)},
+                               {"Seaweed, new", QColor(0, 200, 150)}};
+    Lumetra::SaveCustomDyeType(dyes, QString::fromStdString(file));
+}
+
+QImage pseudoColour(cv::Mat gray) {
+    constexpr int ribbon = 20;
+    auto const table = evenColours();
+    cv::Mat picture;
+    Lumetra::Pseudo(gray, picture, table);
+
+    QImage chart = chartOf({{"The channel", "16 bits, gray", toEightBits(gray)},
+                            {"Pseudo-colour", "each value a colour of the table below", picture}},
+                           ribbon + 20);
+    QPainter painter(&chart);
+    double const top = gap + side + label + 4, width = placeOf(2) - gap - gap;
+    double const slot = width / table.size();
+    for (int i = 0; i < table.size(); ++i)
+        painter.fillRect(QRectF(gap + i * slot, top, slot + 1, ribbon), table[i]);
+    write(painter, {gap, top + ribbon + 3, width, 14},
+          "the table: the darkest value of the picture left, the brightest right", 10, paleInk);
+    return chart;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    drawWithoutDisplay();
+    QGuiApplication const application(argc, argv);
+    return runProgram(usage, [&] {
+        if (argc != 3)
+            throw BadUsage{};
+        std::string const specimen = argv[1], out = argv[2];
+        Lumetra::InitFluoDyeType();
+        cv::Mat const nuclei = readGray(specimen + "/nuclei.png");
+        cv::Mat const filaments = readGray(specimen + "/filaments.png");
+        saveChart(dyeing(filaments), out + "/dyeing.png");
+        saveChart(compositing(nuclei, filaments), out + "/compositing.png");
+        saveChart(levels(nuclei), out + "/levels.png");
+        saveChart(pseudoColour(readGray(specimen + "/mitochondria.tif")),
+                  out + "/pseudo_colour.png");
+        saveCustomDyes(out + "/custom_dyes.ini");
+        cv::Mat const blue = dyed(nuclei, "DAPI"), green = dyed(filaments, "FITC");
+        saveChart(
+            chartOf({{"Channel", "as the camera gives it", nuclei},
+                     {"Dyed", "as DAPI", blue},
+                     {"Composite", "with another, dyed as FITC", composite(blue, green, {})}}),
+            out + "/road.png");
+    });
+}

@@ -1,0 +1,290 @@
+// Every allocation of an operation refused in turn: the call ends as its contract says, nothing
+// leaks, and the next call works.
+
+#include "canvas.h"
+
+#include <lumetra>
+
+#include <opencv2/imgcodecs.hpp>
+
+#include <QTemporaryDir>
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <new>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+/// Allocations that are to be refused: none at 0, else the n-th from now on.
+struct Refusal {
+    std::atomic<long> left{0};
+    std::atomic<bool> goesOn{false}; ///< Whether all that follow are refused, too.
+    std::atomic<bool> happened{false};
+
+    bool isNow() {
+        if (left == 0 || --left > 0)
+            return false;
+        left = goesOn ? 1 : 0;
+        return happened = true;
+    }
+};
+
+Refusal refusal;       ///< Of objects and images.
+Refusal mallocRefusal; ///< Of what the containers of Qt ask for.
+std::atomic<long> liveBlocks{0};
+
+void* blockOf(std::size_t size) {
+    void* const block = refusal.isNow() ? nullptr : std::malloc(size);
+    liveBlocks += block != nullptr ? 1 : 0;
+    return block;
+}
+
+void giveBack(void* block) {
+    liveBlocks -= block != nullptr ? 1 : 0;
+    std::free(block);
+}
+
+/// Gives out images that are filled with a value which no test expects, or refuses them.
+class ImageMemory : public cv::MatAllocator {
+public:
+    cv::UMatData* allocate(int dims, const int* sizes, int type, void* data, std::size_t* step,
+                           cv::AccessFlag flags, cv::UMatUsageFlags usage) const override {
+        if (data == nullptr && refusal.isNow())
+            CV_Error(cv::Error::StsNoMem, "refused");
+        const long left =
+            refusal.left.exchange(0); // OpenCV leaks the samples if their record fails
+        auto* const image = standard->allocate(dims, sizes, type, data, step, flags, usage);
+        refusal.left = left;
+        if (data == nullptr)
+            std::fill_n(image->data, image->size, uchar{0xA5});
+        return image;
+    }
+    bool allocate(cv::UMatData*, cv::AccessFlag, cv::UMatUsageFlags) const override {
+        return false;
+    }
+    void deallocate(cv::UMatData* image) const override { standard->deallocate(image); }
+
+private:
+    cv::MatAllocator* standard = cv::Mat::getStdAllocator();
+};
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    if (void* const block = blockOf(size))
+        return block;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return blockOf(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return blockOf(size); }
+void operator delete(void* block) noexcept { giveBack(block); }
+void operator delete[](void* block) noexcept { giveBack(block); }
+void operator delete(void* block, std::size_t) noexcept { giveBack(block); }
+void operator delete[](void* block, std::size_t) noexcept { giveBack(block); }
+
+namespace {
+
+/// One run of a call with a refusal in store.
+class Attempt {
+public:
+    explicit Attempt(long n = 0, bool goesOn = false) : n_(n), goesOn_(goesOn) {}
+
+    /// @return Whether the call returned; false after one of the exceptions that it may throw.
+    bool returns(const std::function<void()>& call, Refusal& kind = refusal) {
+        bool returned = false;
+        kind.happened = false;
+        kind.goesOn = goesOn_;
+        kind.left = n_;
+        try {
+            call();
+            returned = true;
+        } catch (const std::bad_alloc&) { // as stated
+        } catch (const cv::Exception&) {  // as stated
+        }
+        kind.left = 0;
+        refused = kind.happened;
+        return returned;
+    }
+
+    bool refused = false;
+
+private:
+    long n_;
+    bool goesOn_;
+};
+
+/// Has a call attempted with the n-th allocation refused, and with all from the n-th on, for every
+/// n until nothing is left to refuse. @return How many allocations there were.
+long refuseEach(const std::function<void(Attempt&)>& tryOnce) {
+    Attempt unhindered;
+    tryOnce(unhindered); // also allocates what is allocated once in the life of a process
+    long n = 1;
+    for (bool goesOn : {true, false})
+        for (n = 1; !testing::Test::HasFailure(); ++n) {
+            SCOPED_TRACE(testing::Message() << "allocation " << n << (goesOn ? " on" : ""));
+            const long before = liveBlocks;
+            Attempt attempt(n, goesOn);
+            tryOnce(attempt);
+            EXPECT_EQ(liveBlocks, before);
+            if (!attempt.refused)
+                break;
+        }
+    return n - 1;
+}
+
+class AllocationFailure : public testing::Test {
+protected:
+    AllocationFailure() { cv::Mat::setDefaultAllocator(&imageMemory); }
+    ~AllocationFailure() override { cv::Mat::setDefaultAllocator(nullptr); }
+
+    ImageMemory imageMemory;
+};
+
+/// The source stays as it was. The destination becomes the result or stays what it was, unless a
+/// bitmap was needed: then it may be a copy of the source, or empty if the decoder had no memory.
+TEST_F(AllocationFailure, ColouringLeavesSourceAndDestinationWhole) {
+    const QVector<QColor> colours(255, QColor(9, 200, 30));
+    const std::function<void(cv::Mat&, cv::Mat&)> operations[] = {
+        [](cv::Mat& src, cv::Mat& dst) { Lumetra::Dye(src, dst, 255, 131, 77, true, true); },
+        [](cv::Mat& src, cv::Mat& dst) { Lumetra::Dye(src, dst, 255, 131, 77, false, false); },
+        [&](cv::Mat& src, cv::Mat& dst) { Lumetra::Pseudo(src, dst, colours); }};
+    for (const auto& colour : operations)
+        for (int type : {CV_8UC1, CV_8UC3, CV_8UC4, CV_16UC1, CV_16UC3, CV_16UC4, CV_32FC1,
+                         CV_32FC3, CV_64FC3})
+            for (bool inPlace : {false, true}) {
+                SCOPED_TRACE(cv::typeToString(type) + (inPlace ? " in place" : ""));
+                const bool isBitmap = type == CV_32FC3 || type == CV_64FC3;
+                cv::Mat source = mediumContrast({2500, 3}, type), expected; // too wide for a stack
+                colour(source, expected);
+                const cv::Mat old(4, 5, CV_8UC3, cv::Scalar(1, 2, 3));
+                const auto tryOnce = [&](Attempt& attempt) {
+                    cv::Mat src = source.clone(), other = old.clone();
+                    cv::Mat& dst = inPlace ? src : other;
+                    const cv::Mat srcPixels = src, dstPixels = dst;
+                    const bool returned = attempt.returns([&] { colour(src, dst); });
+                    EXPECT_TRUE(sameImage(srcPixels, source));
+                    EXPECT_TRUE(sameImage(dstPixels, inPlace ? source : old));
+                    const bool isCopy = isBitmap && attempt.refused && sameImage(dst, source);
+                    const bool isUndecoded = isBitmap && attempt.refused && dst.empty();
+                    if (returned)
+                        EXPECT_TRUE(isCopy || isUndecoded || sameImage(dst, expected));
+                    else
+                        EXPECT_TRUE(isCopy || dst.data == dstPixels.data);
+                };
+                ASSERT_GT(refuseEach(tryOnce), 0);
+            }
+}
+
+TEST_F(AllocationFailure, CompositingLeavesImagesWhole) {
+    const QList<QPoint> offsets = {{0, 0}, {7, 1}, {0, 2}};
+    std::vector<cv::Mat> before, unified;
+    for (int type : {CV_8UC1, CV_16UC4, CV_8UC3}) {
+        before.push_back(randomImage({300, 9}, type));
+        unified.push_back(plainUnified(before.back(), CV_8U));
+    }
+    const cv::Mat expected = plainCanvas(unified, offsets);
+    const auto tryOnce = [&](Attempt& attempt) {
+        std::vector<cv::Mat> images = before;
+        QList<cv::Mat*> list = {&images[0], &images[1], &images[2]};
+        QList<QPoint> points = offsets;
+        std::unique_ptr<cv::Mat> canvas;
+        const bool returned =
+            attempt.returns([&] { canvas.reset(Lumetra::Composite(&list, &points)); });
+        EXPECT_EQ(returned, canvas != nullptr);
+        EXPECT_TRUE(canvas == nullptr || sameImage(*canvas, expected));
+        for (std::size_t k = 0; k < images.size(); ++k)
+            EXPECT_TRUE(sameImage(images[k], before[k]) || sameImage(images[k], unified[k])) << k;
+    };
+    EXPECT_GT(refuseEach(tryOnce), 0);
+}
+
+/// A decoder without memory cannot read its file, which then counts as unreadable.
+TEST_F(AllocationFailure, FilesAreCompositedWholeOrLeftOut) {
+    const QTemporaryDir folder;
+    QList<QString> files;
+    QList<QPoint> offsets = {{0, 0}, {3, 1}, {1, 0}};
+    std::vector<cv::Mat> images;
+    for (const char* name : {"a.bmp", "b.png", "c.bmp"}) {
+        files.append(folder.filePath(name));
+        images.push_back(randomImage({2500, 4}, CV_8UC3) / (2 + files.size()));
+        cv::imwrite(files.back().toStdString(), images.back());
+    }
+    std::vector<cv::Mat> partial; // the last one with all files
+    const cv::Mat nothing(images[0].size(), CV_8UC3, cv::Scalar());
+    for (bool b : {false, true})
+        for (bool c : {false, true})
+            partial.push_back(plainCanvas(
+                {images[0], b ? images[1] : nothing, c ? images[2] : nothing}, offsets));
+    const auto isPartial = [&](const cv::Mat& image) {
+        return std::any_of(partial.begin(), partial.end(), [&](const cv::Mat& canvas) {
+            return static_cast<bool>(sameImage(image, canvas));
+        });
+    };
+    const auto compositeOnce = [&](Attempt& attempt) {
+        std::unique_ptr<cv::Mat> canvas;
+        attempt.returns([&] { canvas.reset(Lumetra::Composite(&files, &offsets)); });
+        EXPECT_TRUE(canvas ? bool(sameImage(*canvas, partial.back())) : attempt.refused);
+    };
+    EXPECT_GT(refuseEach(compositeOnce), 0);
+    for (cv::Size size : {cv::Size(5, 4), partial.back().size()}) {
+        const cv::Mat old(size, CV_8UC3, cv::Scalar(1, 2, 3));
+        const auto tryOnce = [&](Attempt& attempt) {
+            cv::Mat dst = old.clone();
+            const bool returned =
+                attempt.returns([&] { Lumetra::FluorescenceSynthesis(&files, &offsets, dst); });
+            EXPECT_TRUE(attempt.refused || sameImage(dst, partial.back()));
+            EXPECT_TRUE(dst.empty() ? !returned
+                                    : isPartial(dst) || (!returned && sameImage(dst, old)));
+        };
+        EXPECT_GT(refuseEach(tryOnce), 0);
+    }
+}
+
+} // namespace
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which bring their own malloc
+
+extern "C" void* __libc_malloc(std::size_t size); // NOLINT(bugprone-reserved-identifier)
+extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t size) noexcept {
+    return mallocRefusal.isNow() ? nullptr : __libc_malloc(size);
+}
+
+namespace {
+
+/// Fills the catalogue of a new process with the n-th allocation refused. @return Its exit code: 0
+/// for a whole catalogue, 1 for one that an exception cut short and that stays so, 2 otherwise.
+int fillInAnotherProcess(long n) {
+    const pid_t child = fork();
+    if (child == 0) {
+        Attempt attempt(n);
+        const bool returned = attempt.returns(Lumetra::InitFluoDyeType, mallocRefusal);
+        const int dyes = Lumetra::g_mapFluo.size(), names = Lumetra::m_vecSldFluo.size();
+        Lumetra::InitFluoDyeType();
+        const bool isStated = Lumetra::bFluoDyeTypeInit && Lumetra::g_mapFluo.size() == dyes &&
+                              Lumetra::m_vecSldFluo.size() == names && returned != attempt.refused;
+        const bool isWhole = dyes == 329 && names == 148;
+        _exit(isStated && returned == isWhole ? !returned : 2);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 2;
+}
+
+TEST(CatalogueAllocationFailure, LeavesACatalogueThatIsNotFilledAgain) {
+    long n = 1;
+    int code = fillInAnotherProcess(n);
+    for (; code == 1; n += 1 + n / 20)
+        code = fillInAnotherProcess(n);
+    EXPECT_EQ(code, 0) << "at allocation " << n;
+    EXPECT_GT(n, 329);
+}
+
+} // namespace
+
+#endif

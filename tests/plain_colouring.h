@@ -1,0 +1,102 @@
+// Colouring spelt out pixel by pixel.
+#pragma once
+
+#include "support.h"
+
+#include <QColor>
+#include <QVector>
+
+struct Tint {
+    int red, green, blue;
+};
+
+inline std::ostream& operator<<(std::ostream& out, Tint tint) {
+    return out << "(" << tint.red << ", " << tint.green << ", " << tint.blue << ")";
+}
+
+struct Options {
+    bool autoLevels, dominantChannel;
+};
+
+inline std::vector<uchar> channelOf(const cv::Mat& image, int channel) {
+    std::vector<uchar> samples;
+    for (int y = 0; y < image.rows; ++y)
+        for (int x = 0; x < image.cols; ++x)
+            samples.push_back(static_cast<uchar>(sampleAt(image, y, x, channel)));
+    return samples;
+}
+
+inline void plainAutoLevels(cv::Mat& image, Tint tint) {
+    Levels levels[3];
+    for (int c = 0; c < 3; ++c) {
+        auto& [black, white] = levels[c] = plainLevels(channelOf(image, c));
+        black = std::min(white - 1, black + (tint.red == 255 ? (c == 0 ? 2 : 3) : 0));
+        black = std::min(white - 1, black + (tint.green == 255 ? (c == 1 ? 2 : 3) : 0));
+        black = std::min(white - 1, black + (tint.blue == 255 ? (c == 2 ? 2 : 3) : 0));
+    }
+    fillSamples(image, [&](int y, int x, int c) {
+        return plainStretch(sampleAt(image, y, x, c), levels[c]);
+    });
+}
+
+inline void plainDominantChannel(cv::Mat& image) {
+    uint64_t total[3] = {};
+    for (int c = 0; c < 3; ++c)
+        for (uchar sample : channelOf(image, c))
+            total[c] += sample;
+    int dominant = total[1] > total[0] ? 1 : 0;
+    if (total[2] > total[0] && total[2] > total[1])
+        dominant = 2;
+    const cv::Mat before = image.clone();
+    fillSamples(image, [&](int y, int x, int) { return sampleAt(before, y, x, dominant); });
+}
+
+inline cv::Mat plainDyed(const cv::Mat& source, Tint tint, Options options) {
+    const cv::Mat in = reducedForColouring(source);
+    const int last = in.channels() - 1;
+    const int component[] = {tint.blue, tint.green, tint.red};
+    cv::Mat out(in.size(), CV_MAKETYPE(in.depth(), 3));
+    if (in.depth() == CV_16U) {
+        fillSamples(out, [&](int y, int x, int c) {
+            const int v = std::max(
+                {sampleAt(in, y, x, 0), sampleAt(in, y, x, last / 2), sampleAt(in, y, x, last)});
+            return static_cast<uint32_t>(v) * static_cast<uint32_t>(component[c]) >> 8;
+        });
+        return out;
+    }
+    fillSamples(out, [&](int y, int x, int c) { return sampleAt(in, y, x, std::min(c, last)); });
+    if (options.autoLevels)
+        plainAutoLevels(out, tint);
+    if (options.dominantChannel)
+        plainDominantChannel(out);
+    fillSamples(out, [&](int y, int x, int c) {
+        const auto product =
+            static_cast<uint32_t>(sampleAt(out, y, x, c)) * static_cast<uint32_t>(component[c]);
+        return static_cast<int32_t>(product) / 255;
+    });
+    return out;
+}
+
+inline cv::Mat plainColoured(const cv::Mat& source, const QVector<QColor>& colours) {
+    const cv::Mat in = reducedForColouring(source);
+    double min = 0, max = 0;
+    cv::minMaxLoc(in.reshape(1), &min, &max);
+    const int n = static_cast<int>(max - min + 1.0);
+    const double q = 255.0 / n;
+    const bool deep = in.depth() == CV_16U;
+    cv::Mat out(in.size(), CV_MAKETYPE(in.depth(), 3));
+    fillSamples(out, [&](int y, int x, int c) {
+        int b[3];
+        for (int k = 0; k < 3; ++k)
+            b[k] = sampleAt(in, y, x, std::min(k, in.channels() - 1));
+        const int deepLuma = in.channels() == 1 ? b[0] : (38 * b[0] + 75 * b[1] + 15 * b[2]) >> 7;
+        const int luma =
+            deep ? deepLuma : static_cast<int>((b[0] * 0.3 + b[1] * 0.59) + b[2] * 0.11);
+        const int k = std::max(static_cast<int>(luma - min), 0);
+        const int slot = static_cast<int>(k * q);
+        const QColor colour = slot < colours.size() ? colours[slot] : QColor(0, 0, 0);
+        const int component[] = {colour.blue(), colour.green(), colour.red()};
+        return deep ? component[c] * 256 : component[c];
+    });
+    return out;
+}
