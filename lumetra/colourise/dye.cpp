@@ -139,10 +139,7 @@ Histogram histogram(const cv::Mat& gray) {
 cv::Mat dyedGray(const cv::Mat& gray, const DyeSettings& settings) {
     GrayLevels levels;
     if (settings.autoLevels) {
-        SampleRange<unsigned char> range;
-        forEachRun<unsigned char>(gray, [&](const unsigned char* in, std::size_t pixels) {
-            range.include(sampleRange(in, pixels));
-        });
+        const SampleRange<unsigned char> range = merged(imageRanges<unsigned char>(gray));
         levels.stretch(automaticStretch({range, range, range}, settings.tint));
         if (settings.dominantChannel) {
             const Histogram counts = histogram(gray);
@@ -173,13 +170,8 @@ std::size_t dominantChannel(const cv::Mat& image, const std::optional<Stretch<3>
 /// pixels, or on the levels of the dominant channel.
 cv::Mat dyedColour(const cv::Mat& image, const DyeSettings& settings) {
     std::optional<Stretch<3>> stretch;
-    if (settings.autoLevels) {
-        ColourRanges ranges;
-        forEachRun<unsigned char>(image, [&](const unsigned char* in, std::size_t pixels) {
-            ranges.include(threeRanges(in, 3 * pixels));
-        });
-        stretch = automaticStretch(ranges, settings.tint);
-    }
+    if (settings.autoLevels)
+        stretch = automaticStretch(imageRanges<unsigned char>(image), settings.tint);
 
     if (settings.dominantChannel) {
         const std::size_t channel = dominantChannel(image, stretch);

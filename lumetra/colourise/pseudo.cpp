@@ -38,17 +38,6 @@ std::vector<unsigned char> slotTable(SampleRange<Sample> range) {
     return slots;
 }
 
-/// The range of all samples of an image, whatever their channel.
-template<class Sample>
-SampleRange<Sample> imageRange(const cv::Mat& image) {
-    SampleRange<Sample> range;
-    const auto channels = static_cast<std::size_t>(image.channels());
-    forEachRun<Sample>(image, [&](const Sample* in, std::size_t pixels) {
-        range.include(sampleRange(in, pixels * channels));
-    });
-    return range;
-}
-
 /// The colour of each 8-bit luma in an image with this range. Luma can come out one below the
 /// smallest sample: like anything outside the range, that takes the nearest slot.
 LevelColours lumaColours(SampleRange<unsigned char> range, const LevelColours& colours) {
@@ -74,7 +63,7 @@ std::uint16_t luma16(std::uint16_t blue, std::uint16_t green, std::uint16_t red)
 }
 
 cv::Mat colouredGray8(const cv::Mat& image, const LevelColours& colours) {
-    const LevelColours ofLuma = lumaColours(imageRange<unsigned char>(image), colours);
+    const LevelColours ofLuma = lumaColours(merged(imageRanges<unsigned char>(image)), colours);
     LevelColours ofLevel;
     for (std::size_t level = 0; level < ofLevel.size(); ++level) {
         const auto sample = static_cast<unsigned char>(level);
@@ -130,7 +119,7 @@ void paintByLuma(const unsigned char* in, unsigned char* out, std::size_t count,
 }
 
 cv::Mat colouredColour8(const cv::Mat& image, const LevelColours& colours) {
-    const Palette ofLuma(lumaColours(imageRange<unsigned char>(image), colours));
+    const Palette ofLuma(lumaColours(merged(imageRanges<unsigned char>(image)), colours));
     return madeFromStrips<unsigned char, unsigned char>(
         image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
             paintByLuma(in, out, count, ofLuma);
@@ -140,10 +129,10 @@ cv::Mat colouredColour8(const cv::Mat& image, const LevelColours& colours) {
 void colourBitmap(const cv::Mat& image, cv::Mat& dst, const LevelColours& colours) {
     RoundTripStages stages;
     stages.transform = [&](PixelArea from, PixelArea to) {
-        SampleRange<unsigned char> range;
+        ColourRanges ranges;
         from.forEachRow(
-            [&](unsigned char* row) { range.include(sampleRange(row, from.rowBytes())); });
-        const Palette ofLuma(lumaColours(range, colours));
+            [&](unsigned char* row) { ranges.include(threeRanges(row, from.rowBytes())); });
+        const Palette ofLuma(lumaColours(merged(ranges), colours));
         for (std::size_t y = 0; y < from.height; ++y)
             forEachStrip(from.width, [&](std::size_t first, std::size_t count) {
                 paintByLuma(from.row(y) + 3 * first, to.row(y) + 3 * first, count, ofLuma);
@@ -191,7 +180,7 @@ private:
 
 cv::Mat coloured16(const cv::Mat& image, const LevelColours& colours) {
     using Sample = std::uint16_t;
-    const WideColours wide(imageRange<Sample>(image), colours);
+    const WideColours wide(merged(imageRanges<Sample>(image)), colours);
     const bool gray = image.channels() == 1;
     std::array<Sample, stripPixels> luma;
     return madeFromStrips<Sample, Sample>(

@@ -1,6 +1,8 @@
 // Walking over images in runs of pixels that stay in the first-level cache.
 #pragma once
 
+#include "lumetra/levels/sample_range.h"
+
 #include <opencv2/core/mat.hpp>
 
 #include <algorithm>
@@ -38,6 +40,17 @@ void forEachStrip(const cv::Mat& image, Work work) {
             work(in + first * channels, count);
         });
     });
+}
+
+/// The ranges of the three channels of an image, or three that together cover a single channel.
+template<class Sample>
+ThreeRanges<Sample> imageRanges(const cv::Mat& image) {
+    const auto channels = static_cast<std::size_t>(image.channels());
+    ThreeRanges<Sample> ranges;
+    forEachRun<Sample>(image, [&](const Sample* in, std::size_t pixels) {
+        ranges.include(threeRanges(in, pixels * channels));
+    });
+    return ranges;
 }
 
 /// A new image made strip by strip from another one of the same size: `work(in, out, count)`.

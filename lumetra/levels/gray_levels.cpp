@@ -9,7 +9,7 @@ bool Lumetra::AutoCountHistoGray(unsigned char* buf, int w, int h, unsigned shor
     if (!buf)
         return false;
     const lumetra::Levels levels =
-        lumetra::levelsOf(lumetra::sampleRange(buf, lumetra::pixelCount(w, h)));
+        lumetra::levelsOf(lumetra::merged(lumetra::threeRanges(buf, lumetra::pixelCount(w, h))));
     *low = levels.black;
     *high = levels.white;
     return true;

@@ -58,14 +58,13 @@ ThreeRanges<Sample> threeRanges(const Sample* samples, std::size_t count) {
     return ranges;
 }
 
-/// The range of `count` samples side by side.
+/// The range of all samples, whatever their place.
 template<class Sample>
-SampleRange<Sample> sampleRange(const Sample* samples, std::size_t count) {
-    const ThreeRanges<Sample> ranges = threeRanges(samples, count);
-    SampleRange<Sample> range;
-    for (const SampleRange<Sample>& oneOfThree : ranges)
-        range.include(oneOfThree);
-    return range;
+SampleRange<Sample> merged(const ThreeRanges<Sample>& ranges) {
+    SampleRange<Sample> all;
+    for (const SampleRange<Sample>& range : ranges)
+        all.include(range);
+    return all;
 }
 
 } // namespace lumetra
