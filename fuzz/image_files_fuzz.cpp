@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <optional>
 
 #include <unistd.h>
 
@@ -24,7 +25,31 @@ QString saved(const char* name, const std::vector<uchar>& bytes) {
     return file.fileName();
 }
 
-cv::Mat read(const QString& path) { return cv::imread(path.toStdString(), cv::IMREAD_COLOR); }
+/// Reads a file; nothing at all if the decoder refuses the size that the file states.
+std::optional<cv::Mat> read(const QString& path) {
+    try {
+        const cv::Mat image = cv::imread(path.toStdString(), cv::IMREAD_COLOR);
+        // The decoder of one format gives one channel although three are asked for.
+        return image.type() == CV_8UC1 && !image.empty() ? plainUnified(image, CV_8U) : image;
+    } catch (const cv::Exception&) {
+        return {};
+    }
+}
+
+void checkRefused(QList<QString> files) {
+    QList<QPoint> offsets = {{0, 0}, {0, 0}};
+    cv::Mat dst;
+    try {
+        delete Lumetra::Composite(&files, &offsets);
+        require(false, "a refused file was composited");
+    } catch (const cv::Exception&) { // as it must be
+    }
+    try {
+        Lumetra::FluorescenceSynthesis(&files, &offsets, dst);
+        require(false, "a refused file was synthesised");
+    } catch (const cv::Exception&) { // as it must be
+    }
+}
 
 /// The composite without the images of another size than the first.
 cv::Mat expectedCanvas(std::vector<cv::Mat> images, const QList<QPoint>& offsets) {
@@ -90,6 +115,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const QString first = saved("first", input.ConsumeBytes<uchar>(length));
     const QString second =
         isOneFile ? first : saved("second", input.ConsumeRemainingBytes<uchar>());
-    check({first, second}, {read(first), read(second)}, shift);
+    const std::optional<cv::Mat> firstImage = read(first), secondImage = read(second);
+    if (firstImage && secondImage)
+        check({first, second}, {*firstImage, *secondImage}, shift);
+    else
+        checkRefused({first, second});
     return 0;
 }

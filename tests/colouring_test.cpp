@@ -40,7 +40,7 @@ TEST(Colouring, DoesNotDependOnTheWayTaken) {
                 cv::merge(planes.data(), 3, three);
                 cv::merge(planes, four);
                 for (const cv::Mat& form : {image, three, four})
-                    for (int depth : {CV_8U, CV_16S, CV_32S, CV_32F, CV_64F}) {
+                    for (int depth : {CV_8U, CV_16S, CV_32S, CV_16F, CV_32F, CV_64F}) {
                         cv::Mat src, result;
                         form.convertTo(src, depth);
                         colour(src, result);

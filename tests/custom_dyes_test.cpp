@@ -167,12 +167,18 @@ TEST_F(CustomDyes, PathsThatCannotBeUsedAreEmptyFiles) {
     const QString inFile = fileOf("Number=1\n[DyeType1]\nName=a\n") + "/dyes.ini";
     for (const QString& path : {freshPath(), folder.path(), inFile, QString()})
         EXPECT_EQ(load(path), Dyes()) << qPrintable(path);
-    for (const QString& path : {folder.path(), inFile}) {
+    for (const QString& path : {folder.path(), inFile, QString("/proc/dyes.ini")}) {
         save({{"a", red}}, path);
         EXPECT_EQ(load(path), Dyes());
         EXPECT_FALSE(QFileInfo(path).isFile());
     }
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+
+    // A file that may not be written is replaced all the same, as long as its folder may be.
+    QFile readOnly(fileOf("Number=0\n"));
+    ASSERT_TRUE(readOnly.setPermissions(QFile::ReadOwner));
+    save({{"a", red}}, readOnly.fileName());
+    EXPECT_EQ(load(readOnly.fileName()), (Dyes{{"a", red}}));
 }
 
 } // namespace

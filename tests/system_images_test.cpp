@@ -29,7 +29,7 @@ QStringList imagePaths(int most) {
             const QString path = files.next();
             const QFileInfo info = files.fileInfo();
             const QString content = info.fileName() + QString::number(info.size());
-            if (info.size() < 4'000'000 && perFolder[info.path()]++ < 20 &&
+            if (info.size() < 300'000 && perFolder[info.path()]++ < 20 &&
                 !contents.contains(content)) {
                 contents.insert(content);
                 paths.append(path);
@@ -55,10 +55,11 @@ void expectPlainSum(const QString& path, const cv::Mat& image) {
 }
 
 TEST(SystemImages, AreReadAsTheDecoderReadsThemAndSummed) {
+    int decoded = 0, refused = 0;
+    const QStringList paths = imagePaths(2000);
     QElapsedTimer time;
     time.start();
-    int decoded = 0, refused = 0;
-    for (const QString& path : imagePaths(2000)) {
+    for (const QString& path : paths) {
         if (time.elapsed() > 4000)
             break;
         const cv::Mat image = cv::imread(path.toStdString(), cv::IMREAD_COLOR);

@@ -95,8 +95,6 @@ void reportSizeMismatch() {
 }
 
 void composite(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
-    if (canvas.empty())
-        return;
     if (canvas.depth() == CV_8U)
         sumRows<unsigned char>(parts, canvas);
     else if (canvas.depth() == CV_16U)
