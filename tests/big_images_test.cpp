@@ -1,4 +1,4 @@
-// Images and buffers of more than 2^31 bytes. They need up to 9 GB of memory and some time.
+// Images and buffers of more than 2^31 bytes. They need up to 6 GB of memory.
 
 #include "canvas.h"
 #include "plain_colouring.h"
