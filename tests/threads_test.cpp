@@ -66,6 +66,7 @@ TEST(Threads, ShareSourcesAndNothingElse) {
 
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
     std::vector<std::thread> threads;
+    threads.reserve(8);
     for (int thread = 0; thread < 8; ++thread)
         threads.emplace_back([&, ownFile = folder.filePath(QString::number(thread) + ".ini")] {
             do {
