@@ -160,9 +160,7 @@ public:
     }
 
     void paint(const std::uint16_t* intensities, std::uint16_t* pixels, std::size_t count) const {
-        if (count == 0)
-            return;
-        // Whole words, as in the 8-bit `paint`.
+        // Whole words, as `Palette` writes them; no strip is without a pixel.
         for (std::size_t i = 0; i + 1 < count; ++i)
             std::memcpy(pixels + 3 * i, &colour(intensities[i]), 8);
         std::memcpy(pixels + 3 * (count - 1), &colour(intensities[count - 1]), 6);
