@@ -76,6 +76,42 @@ TEST(Colouring, ReplacesTheDestinationAndOnlyReadsTheSource) {
             EXPECT_TRUE(sameImage(parent, parentBefore));
             expectOwnResult(src, src);
             EXPECT_TRUE(sameImage(parent, parentBefore));
+
+            cv::Mat buffer = old.clone();
+            dst = cv::Mat(old.size(), old.type(), buffer.data);
+            expectOwnResult(image, dst);
+            EXPECT_TRUE(sameImage(buffer, old));
+            dst = viewInto(old); // the only header on its parent
+            expectOwnResult(image, dst);
+        }
+}
+
+TEST(Colouring, WritesIntoADestinationThatNobodyElseCanSee) {
+    for (const Operation& colour : allOperations())
+        for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
+            SCOPED_TRACE(cv::typeToString(type));
+            cv::Mat image = mediumContrast({13, 7}, type), expected;
+            colour(image, expected);
+            cv::Mat dst = ~expected;
+            const unsigned char* const storage = dst.data;
+            colour(image, dst);
+            EXPECT_TRUE(sameImage(dst, expected));
+            EXPECT_EQ(dst.data, storage);
+            for (const cv::Mat& other : {cv::Mat(expected.t()), cv::Mat(expected.size(), CV_32S)}) {
+                dst = other.clone();
+                colour(image, dst);
+                EXPECT_TRUE(sameImage(dst, expected));
+            }
+            dst = cv::Mat(expected.rows + 1, expected.cols, expected.type())
+                      .rowRange(1, image.rows + 1);
+            colour(image, dst);
+            EXPECT_FALSE(dst.isSubmatrix());
+
+            // A source may lie in the destination's storage without saying so.
+            std::copy_n(image.data, image.total() * image.elemSize(), dst.data);
+            cv::Mat src(image.size(), type, dst.data);
+            colour(src, dst);
+            EXPECT_TRUE(sameImage(dst, expected));
         }
 }
 

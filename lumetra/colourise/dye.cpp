@@ -136,7 +136,7 @@ Histogram histogram(const cv::Mat& gray) {
 }
 
 /// A gray 8-bit image: the stages run on the gray levels, and the pixels look their colour up.
-cv::Mat dyedGray(const cv::Mat& gray, const DyeSettings& settings) {
+void dyedGray(const cv::Mat& gray, cv::Mat& dst, const DyeSettings& settings) {
     GrayLevels levels;
     if (settings.autoLevels) {
         const SampleRange<unsigned char> range = merged(imageRanges<unsigned char>(gray));
@@ -149,7 +149,7 @@ cv::Mat dyedGray(const cv::Mat& gray, const DyeSettings& settings) {
             levels.fillWithChannel(totals.dominantChannel());
         }
     }
-    return painted(gray, 0, levels.tinted(settings.tint));
+    paint(gray, 0, levels.tinted(settings.tint), dst);
 }
 
 /// The channel with the largest total after the stretch, if there is one.
@@ -168,7 +168,7 @@ std::size_t dominantChannel(const cv::Mat& image, const std::optional<Stretch<3>
 
 /// An 8-bit colour image, which encoding and decoding would not change: the stages run on its
 /// pixels, or on the levels of the dominant channel.
-cv::Mat dyedColour(const cv::Mat& image, const DyeSettings& settings) {
+void dyedColour(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) {
     std::optional<Stretch<3>> stretch;
     if (settings.autoLevels)
         stretch = automaticStretch(imageRanges<unsigned char>(image), settings.tint);
@@ -179,12 +179,12 @@ cv::Mat dyedColour(const cv::Mat& image, const DyeSettings& settings) {
         if (stretch)
             levels.stretch(*stretch);
         levels.fillWithChannel(channel);
-        return painted(image, channel, levels.tinted(settings.tint));
+        return paint(image, channel, levels.tinted(settings.tint), dst);
     }
 
     std::array<unsigned char, 3 * stripPixels> stretched;
-    return madeFromStrips<unsigned char, unsigned char>(
-        image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
+    makeFromStrips<unsigned char, unsigned char>(
+        image, dst, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
             if (stretch) {
                 std::copy_n(in, 3 * count, stretched.begin());
                 (*stretch)(stretched.data(), 3 * count);
@@ -223,12 +223,12 @@ void dyeBitmap(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) 
 }
 
 /// The 16-bit tint, of each pixel's largest sample.
-cv::Mat dyed16(const cv::Mat& image, const Tint& tint) {
+void dyed16(const cv::Mat& image, cv::Mat& dst, const Tint& tint) {
     using Sample = std::uint16_t;
     const bool gray = image.channels() == 1;
     std::array<Sample, stripPixels> largest;
-    return madeFromStrips<Sample, Sample>(
-        image, CV_16UC3, [&](const Sample* in, Sample* out, std::size_t count) {
+    makeFromStrips<Sample, Sample>(
+        image, dst, CV_16UC3, [&](const Sample* in, Sample* out, std::size_t count) {
             if (gray)
                 return tintSamples(in, out, count, tint);
             for (std::size_t i = 0; i < count; ++i)
@@ -246,14 +246,14 @@ void Lumetra::Dye(cv::Mat& src, cv::Mat& dst, int nRed, int nGreen, int nBlue, b
     const cv::Mat source = lumetra::colourSource(src);
     switch (lumetra::colourWay(source)) {
     case lumetra::ColourWay::gray8:
-        dst = lumetra::dyedGray(source, settings);
+        lumetra::dyedGray(source, dst, settings);
         break;
     case lumetra::ColourWay::colour8:
-        dst = lumetra::dyedColour(source, settings);
+        lumetra::dyedColour(source, dst, settings);
         break;
     case lumetra::ColourWay::gray16:
     case lumetra::ColourWay::colour16:
-        dst = lumetra::dyed16(source, settings.tint);
+        lumetra::dyed16(source, dst, settings.tint);
         break;
     case lumetra::ColourWay::bitmap:
         lumetra::dyeBitmap(source, dst, settings);

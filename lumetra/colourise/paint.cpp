@@ -13,13 +13,15 @@ Palette::Palette(const LevelColours& colours) : first_(colours) {
 }
 
 void Palette::paint(const unsigned char* levels, unsigned char* pixels, std::size_t count) const {
-    // Whole words are fastest. The two bytes too many of a pair land where the next pixel is about
-    // to be written, so at least one pixel is left for the end.
-    constexpr std::size_t block = 8;
+    // Whole words are fastest: the two bytes too many of a pair land where the next pixel is about
+    // to be written, and those of its levels are left alone. So two pixels at least are left over.
+    constexpr std::size_t block = 16;
     std::size_t done = 0;
-    for (; done + block < count; done += block, levels += block, pixels += 3 * block) {
+    for (; done + block + 2 <= count; done += block, levels += block, pixels += 3 * block) {
         for (std::size_t i = 0; i < block; i += 2) {
-            const PackedColour pair = first_[levels[i]] | second_[levels[i + 1]];
+            std::uint32_t ahead;
+            std::memcpy(&ahead, levels + i, sizeof ahead);
+            const PackedColour pair = first_[ahead & 0xFF] | second_[ahead >> 8 & 0xFF];
             std::memcpy(pixels + 3 * i, &pair, sizeof pair);
         }
     }
@@ -27,12 +29,12 @@ void Palette::paint(const unsigned char* levels, unsigned char* pixels, std::siz
         std::memcpy(pixels, &first_[*levels], 3);
 }
 
-cv::Mat painted(const cv::Mat& image, std::size_t channel, const LevelColours& colours) {
+void paint(const cv::Mat& image, std::size_t channel, const LevelColours& colours, cv::Mat& dst) {
     const Palette palette(colours);
     const auto channels = static_cast<std::size_t>(image.channels());
     std::array<unsigned char, stripPixels> levels;
-    return madeFromStrips<unsigned char, unsigned char>(
-        image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
+    makeFromStrips<unsigned char, unsigned char>(
+        image, dst, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
             if (channels == 1)
                 return palette.paint(in, out, count);
             for (std::size_t i = 0; i < count; ++i)

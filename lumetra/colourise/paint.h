@@ -32,6 +32,6 @@ private:
 };
 
 /// The picture in which each pixel has the colour of its sample in one channel of an 8-bit image.
-cv::Mat painted(const cv::Mat& image, std::size_t channel, const LevelColours& colours);
+void paint(const cv::Mat& image, std::size_t channel, const LevelColours& colours, cv::Mat& dst);
 
 } // namespace lumetra

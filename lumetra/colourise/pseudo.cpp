@@ -62,14 +62,14 @@ std::uint16_t luma16(std::uint16_t blue, std::uint16_t green, std::uint16_t red)
     return static_cast<std::uint16_t>((38U * blue + 75U * green + 15U * red) >> 7);
 }
 
-cv::Mat colouredGray8(const cv::Mat& image, const LevelColours& colours) {
+void colouredGray8(const cv::Mat& image, cv::Mat& dst, const LevelColours& colours) {
     const LevelColours ofLuma = lumaColours(merged(imageRanges<unsigned char>(image)), colours);
     LevelColours ofLevel;
     for (std::size_t level = 0; level < ofLevel.size(); ++level) {
         const auto sample = static_cast<unsigned char>(level);
         ofLevel[level] = ofLuma[luma8(sample, sample, sample)];
     }
-    return painted(image, 0, ofLevel);
+    paint(image, 0, ofLevel, dst);
 }
 
 /// `luma8` of a strip as far as whole numbers can tell: the hundredth of a sum of hundredths. Where
@@ -118,10 +118,10 @@ void paintByLuma(const unsigned char* in, unsigned char* out, std::size_t count,
     ofLuma.paint(luma.data(), out, count);
 }
 
-cv::Mat colouredColour8(const cv::Mat& image, const LevelColours& colours) {
+void colouredColour8(const cv::Mat& image, cv::Mat& dst, const LevelColours& colours) {
     const Palette ofLuma(lumaColours(merged(imageRanges<unsigned char>(image)), colours));
-    return madeFromStrips<unsigned char, unsigned char>(
-        image, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
+    makeFromStrips<unsigned char, unsigned char>(
+        image, dst, CV_8UC3, [&](const unsigned char* in, unsigned char* out, std::size_t count) {
             paintByLuma(in, out, count, ofLuma);
         });
 }
@@ -176,13 +176,13 @@ private:
     std::array<WideColour, 256> colours_;
 };
 
-cv::Mat coloured16(const cv::Mat& image, const LevelColours& colours) {
+void coloured16(const cv::Mat& image, cv::Mat& dst, const LevelColours& colours) {
     using Sample = std::uint16_t;
     const WideColours wide(merged(imageRanges<Sample>(image)), colours);
     const bool gray = image.channels() == 1;
     std::array<Sample, stripPixels> luma;
-    return madeFromStrips<Sample, Sample>(
-        image, CV_16UC3, [&](const Sample* in, Sample* out, std::size_t count) {
+    makeFromStrips<Sample, Sample>(
+        image, dst, CV_16UC3, [&](const Sample* in, Sample* out, std::size_t count) {
             if (gray)
                 return wide.paint(in, out, count);
             for (std::size_t i = 0; i < count; ++i)
@@ -199,14 +199,14 @@ void Lumetra::Pseudo(cv::Mat& src, cv::Mat& dst, QVector<QColor> const& vecColor
     const cv::Mat source = lumetra::colourSource(src);
     switch (lumetra::colourWay(source)) {
     case lumetra::ColourWay::gray8:
-        dst = lumetra::colouredGray8(source, colours);
+        lumetra::colouredGray8(source, dst, colours);
         break;
     case lumetra::ColourWay::colour8:
-        dst = lumetra::colouredColour8(source, colours);
+        lumetra::colouredColour8(source, dst, colours);
         break;
     case lumetra::ColourWay::gray16:
     case lumetra::ColourWay::colour16:
-        dst = lumetra::coloured16(source, colours);
+        lumetra::coloured16(source, dst, colours);
         break;
     case lumetra::ColourWay::bitmap:
         lumetra::colourBitmap(source, dst, colours);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lumetra/levels/sample_range.h"
+#include "lumetra/storage/image_storage.h"
 
 #include <opencv2/core/mat.hpp>
 
@@ -53,17 +54,17 @@ ThreeRanges<Sample> imageRanges(const cv::Mat& image) {
     return ranges;
 }
 
-/// A new image made strip by strip from another one of the same size: `work(in, out, count)`.
+/// Makes `dst` the image of another one's size that `work(in, out, count)` fills strip by strip.
 template<class In, class Out, class Work>
-cv::Mat madeFromStrips(const cv::Mat& image, int type, Work work) {
-    cv::Mat result(image.rows, image.cols, type);
+void makeFromStrips(const cv::Mat& image, cv::Mat& dst, int type, Work work) {
+    cv::Mat result = resultImage(image, type, dst);
     auto* out = result.ptr<Out>();
     const auto channels = static_cast<std::size_t>(result.channels());
     forEachStrip<In>(image, [&](const In* in, std::size_t count) {
         work(in, out, count);
         out += count * channels;
     });
-    return result;
+    dst = result;
 }
 
 } // namespace lumetra

@@ -7,12 +7,48 @@ namespace {
 
 bool isByte(int component) { return component >= 0 && component <= 255; }
 
-/// `tinted8` for components that are bytes: the product fits 16 bits, and so does the division.
-unsigned char tintedByByte(unsigned char sample, std::uint16_t component) {
-    const auto product = static_cast<std::uint16_t>(sample * component);
-    const auto high = static_cast<std::uint16_t>(std::uint32_t{product} * 0x8081 >> 16);
-    return static_cast<unsigned char>(high >> 7); // product / 255, exact in 16 bits
-}
+/// What `tinted8` does with components that are bytes, sixteen pixels side by side: they fill three
+/// vector registers, whose lanes belong to one channel each.
+///
+/// sample·component/255, cut off, is the high half of sample·(257·component + 1), for every sample
+/// and every component below 255. For 255 the factor wraps to 0 and the sample itself is let
+/// through.
+class TintLanes {
+public:
+    static constexpr std::size_t count = 48;
+
+    explicit TintLanes(const Tint& tint) {
+        for (std::size_t i = 0; i < count; ++i) {
+            factor_[i] = static_cast<std::uint16_t>(257 * tint[i % 3] + 1);
+            through_[i] = tint[i % 3] == 255 ? 255 : 0;
+        }
+    }
+
+    unsigned char tinted(unsigned char sample, std::size_t lane) const {
+        const auto product = std::uint32_t{sample} * factor_[lane];
+        return static_cast<unsigned char>(product >> 16 | (sample & through_[lane]));
+    }
+
+private:
+    std::uint16_t factor_[count];
+    unsigned char through_[count];
+};
+
+/// `tinted16` in 16 bits: the product's bits from the eighth on are the high half of the sample
+/// times 256 of the component, and the sample times the component's bits that this loses.
+struct WideTint {
+    explicit WideTint(int component)
+        : low(static_cast<std::uint16_t>(static_cast<std::uint32_t>(component) << 8)),
+          high(static_cast<std::uint16_t>(static_cast<std::uint32_t>(component) >> 8)) {}
+
+    std::uint16_t tinted(std::uint16_t sample) const {
+        const auto carried = static_cast<std::uint16_t>(std::uint32_t{sample} * low >> 16);
+        return static_cast<std::uint16_t>(carried + std::uint32_t{sample} * high);
+    }
+
+    std::uint16_t low;
+    std::uint16_t high;
+};
 
 } // namespace
 
@@ -25,26 +61,24 @@ void tintPixels(const unsigned char* __restrict pixels, unsigned char* __restric
         return;
     }
 
-    // Sixteen pixels at a time fill three vector registers, whose lanes belong to one channel each.
-    constexpr std::size_t lanes = 48;
-    std::uint16_t components[lanes];
-    for (std::size_t i = 0; i < lanes; ++i)
-        components[i] = static_cast<std::uint16_t>(tint[i % 3]);
+    const TintLanes lanes(tint);
     std::size_t done = 0;
-    for (; done + lanes <= samples; done += lanes)
-        for (std::size_t i = 0; i < lanes; ++i)
-            tinted[done + i] = tintedByByte(pixels[done + i], components[i]);
+    for (; done + TintLanes::count <= samples; done += TintLanes::count)
+        for (std::size_t i = 0; i < TintLanes::count; ++i)
+            tinted[done + i] = lanes.tinted(pixels[done + i], i);
     for (std::size_t i = 0; done + i < samples; ++i)
-        tinted[done + i] = tintedByByte(pixels[done + i], components[i]);
+        tinted[done + i] = lanes.tinted(pixels[done + i], i);
 }
 
-void tintSamples(const std::uint16_t* samples, std::uint16_t* pixels, std::size_t count,
-                 const Tint& tint) {
-    const auto [blue, green, red] = tint;
+void tintSamples(const std::uint16_t* __restrict samples, std::uint16_t* __restrict pixels,
+                 std::size_t count, const Tint& tint) {
+    const WideTint blue(tint[0]);
+    const WideTint green(tint[1]);
+    const WideTint red(tint[2]);
     for (std::size_t i = 0; i < count; ++i) {
-        pixels[3 * i] = tinted16(samples[i], blue);
-        pixels[3 * i + 1] = tinted16(samples[i], green);
-        pixels[3 * i + 2] = tinted16(samples[i], red);
+        pixels[3 * i] = blue.tinted(samples[i]);
+        pixels[3 * i + 1] = green.tinted(samples[i]);
+        pixels[3 * i + 2] = red.tinted(samples[i]);
     }
 }
 

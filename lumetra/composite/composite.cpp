@@ -1,6 +1,7 @@
 #include "lumetra/lumetra"
 
 #include "lumetra/composite/compositing.h"
+#include "lumetra/storage/image_storage.h"
 
 #include <QMessageLogger>
 
@@ -29,8 +30,8 @@ cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPoint
         return nullptr;
     }
 
-    auto canvas =
-        std::make_unique<cv::Mat>(static_cast<int>(newRows), static_cast<int>(newCols), type);
+    auto canvas = std::make_unique<cv::Mat>();
+    lumetra::createImage(*canvas, static_cast<int>(newRows), static_cast<int>(newCols), type);
     std::vector<cv::Mat> parts;
     for (int k = 0; k < count; ++k) {
         cv::Mat& image = *matList->at(k);

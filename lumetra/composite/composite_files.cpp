@@ -1,6 +1,7 @@
 #include "lumetra/lumetra"
 
 #include "lumetra/composite/compositing.h"
+#include "lumetra/storage/image_storage.h"
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -40,8 +41,8 @@ bool compositeFiles(const QList<QString>& files, const QList<QPoint>& offsets, M
     const int type = lumetra::canvasType(image);
     lumetra::unifyColourMode(image, type);
     const cv::Size size = image.size();
-    canvas.create(matrixExtent(alignment.commonRows(size.height)),
-                  matrixExtent(alignment.commonColumns(size.width)), type);
+    lumetra::createImage(canvas, matrixExtent(alignment.commonRows(size.height)),
+                         matrixExtent(alignment.commonColumns(size.width)), type);
     if (!canvas.empty())
         alignment.visiblePart(image, offsets.front(), canvas).copyTo(canvas); // takes no memory
 

@@ -34,15 +34,20 @@ void sumOfTwo(const Sample* first, const Sample* second, Sample* __restrict sums
         sums[i] = saturatedSum(first[i], second[i]);
 }
 
-/// The sum row by row, each of which stays in the cache until all parts are in it.
+/// The sum in pieces of a row so short that the processor keeps fetching all parts ahead.
 template<class Sample>
 void sumRows(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
-    const auto count = static_cast<std::size_t>(canvas.cols) * 3;
+    constexpr std::size_t pieceSamples = 1024;
+    const auto rowSamples = static_cast<std::size_t>(canvas.cols) * 3;
     for (int y = 0; y < canvas.rows; ++y) {
-        auto* const sums = canvas.ptr<Sample>(y);
-        sumOfTwo(parts[0].ptr<Sample>(y), parts[1].ptr<Sample>(y), sums, count);
-        for (std::size_t k = 2; k < parts.size(); ++k)
-            addSaturated(parts[k].ptr<Sample>(y), sums, count);
+        for (std::size_t first = 0; first < rowSamples; first += pieceSamples) {
+            const std::size_t count = std::min(pieceSamples, rowSamples - first);
+            const auto samples = [&](std::size_t k) { return parts[k].ptr<Sample>(y) + first; };
+            auto* const sums = canvas.ptr<Sample>(y) + first;
+            sumOfTwo(samples(0), samples(1), sums, count);
+            for (std::size_t k = 2; k < parts.size(); ++k)
+                addSaturated(samples(k), sums, count);
+        }
     }
 }
 
