@@ -83,6 +83,15 @@ TEST(Pseudo, EveryColourHasTheLumaOfThePlainSum) {
     }
 }
 
+/// Pictures that are gray at first, up to a pixel and from there on coloured.
+TEST(Pseudo, GrayAndColouredPixelsFollowTheRuleSideBySide) {
+    for (int grayPixels : {1, 127, 128, 200, 256}) {
+        cv::Mat image(1, 256, CV_8UC3);
+        fillSamples(image, [=](int, int x, int c) { return x < grayPixels ? x : x + 50 * c; });
+        EXPECT_TRUE(sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))));
+    }
+}
+
 TEST(Pseudo, KnownSlots) {
     const cv::Mat gray = (cv::Mat_<uchar>(5, 1) << 0, 2, 3, 254, 255);
     EXPECT_EQ(slotsOf(gray), (std::vector{0, 0, 2, 253, 254}));

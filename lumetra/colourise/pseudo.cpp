@@ -53,9 +53,18 @@ LevelColours lumaColours(SampleRange<unsigned char> range, const LevelColours& c
 
 /// Rounds down to one less than the level for 67 of the 256 levels of gray. The sum must stay in
 /// this order: it decides which.
-unsigned char luma8(unsigned char blue, unsigned char green, unsigned char red) {
+constexpr unsigned char luma8(unsigned char blue, unsigned char green, unsigned char red) {
     return static_cast<unsigned char>(static_cast<int>(blue * 0.3 + green * 0.59 + red * 0.11));
 }
+
+constexpr std::array<unsigned char, 256> lumaOfGray = [] {
+    std::array<unsigned char, 256> luma{};
+    for (std::size_t level = 0; level < luma.size(); ++level) {
+        const auto sample = static_cast<unsigned char>(level);
+        luma[level] = luma8(sample, sample, sample);
+    }
+    return luma;
+}();
 
 /// Weights of 128 in all, so that gray keeps its level.
 std::uint16_t luma16(std::uint16_t blue, std::uint16_t green, std::uint16_t red) {
@@ -65,10 +74,8 @@ std::uint16_t luma16(std::uint16_t blue, std::uint16_t green, std::uint16_t red)
 void colouredGray8(const cv::Mat& image, cv::Mat& dst, const LevelColours& colours) {
     const LevelColours ofLuma = lumaColours(merged(imageRanges<unsigned char>(image)), colours);
     LevelColours ofLevel;
-    for (std::size_t level = 0; level < ofLevel.size(); ++level) {
-        const auto sample = static_cast<unsigned char>(level);
-        ofLevel[level] = ofLuma[luma8(sample, sample, sample)];
-    }
+    for (std::size_t level = 0; level < ofLevel.size(); ++level)
+        ofLevel[level] = ofLuma[lumaOfGray[level]];
     paint(image, 0, ofLevel, dst);
 }
 
@@ -88,6 +95,15 @@ void lumaInHundredths(const unsigned char* __restrict in, std::size_t count,
 
 using Strip = std::array<unsigned char, stripPixels>;
 
+bool isGray(const unsigned char* in, std::size_t count) {
+    unsigned char differences = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned char green = in[3 * i + 1];
+        differences |= static_cast<unsigned char>((in[3 * i] ^ green) | (in[3 * i + 2] ^ green));
+    }
+    return differences == 0;
+}
+
 /// `luma8` of a strip. Doubtful pixels are few, about one in a hundred, and are computed one by
 /// one, unless the picture is gray, where every pixel is doubtful.
 void lumaOfStrip(const unsigned char* in, std::size_t count, Strip& luma) {
@@ -96,15 +112,16 @@ void lumaOfStrip(const unsigned char* in, std::size_t count, Strip& luma) {
     const auto setLuma = [&](std::size_t i) {
         luma[i] = luma8(in[3 * i], in[3 * i + 1], in[3 * i + 2]);
     };
+    constexpr std::size_t seemsGray = 128; // doubtful pixels and no others
     std::size_t oneByOne = 0;
     for (std::size_t place = 0; place < count; place += 8) {
         std::uint64_t flags = 0; // of eight pixels
         std::memcpy(&flags, &doubtful[place], sizeof flags);
         for (; flags != 0; flags &= flags - 1, ++oneByOne)
             setLuma(place + static_cast<std::size_t>(__builtin_ctzll(flags)) / 8);
-        if (oneByOne > stripPixels / 16) {
+        if (place + 8 == seemsGray && oneByOne == seemsGray && isGray(in, count)) {
             for (std::size_t i = 0; i < count; ++i)
-                setLuma(i);
+                luma[i] = lumaOfGray[in[3 * i]];
             return;
         }
     }
