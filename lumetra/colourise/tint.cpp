@@ -5,6 +5,12 @@
 namespace lumetra {
 namespace {
 
+/// The 8-bit tint. The product is formed in 32 bits and wraps: components have any value.
+unsigned char tinted8(unsigned char sample, int component) {
+    const std::uint32_t product = sample * static_cast<std::uint32_t>(component);
+    return static_cast<unsigned char>(static_cast<std::int32_t>(product) / 255);
+}
+
 bool isByte(int component) { return component >= 0 && component <= 255; }
 
 /// What `tinted8` does with components that are bytes, sixteen pixels side by side: they fill three
@@ -34,8 +40,9 @@ private:
     unsigned char through_[count];
 };
 
-/// `tinted16` in 16 bits: the product's bits from the eighth on are the high half of the sample
-/// times 256 of the component, and the sample times the component's bits that this loses.
+/// The 16-bit tint: bits 8 to 23 of the product of sample and component. In 16 bits, they are the
+/// high half of the sample times 256 of the component, plus the sample times the component's bits
+/// that the 256 push out.
 struct WideTint {
     explicit WideTint(int component)
         : low(static_cast<std::uint16_t>(static_cast<std::uint32_t>(component) << 8)),

@@ -28,9 +28,9 @@ void preferLargePages(const cv::Mat& image) {
 
 /// Whether this is the only header on its storage, and the storage is all its own.
 bool isSoleOwner(const cv::Mat& image) {
-    // Read as headers on other threads count themselves out.
-    return image.u && CV_XADD(&image.u->refcount, 0) == 1 && image.u->urefcount == 0 &&
-           image.isContinuous() && !image.isSubmatrix();
+    // Whoever counted themselves out last, on whatever thread, has read the pixels before.
+    return image.u && __atomic_load_n(&image.u->refcount, __ATOMIC_ACQUIRE) == 1 &&
+           image.u->urefcount == 0 && image.isContinuous() && !image.isSubmatrix();
 }
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) {
