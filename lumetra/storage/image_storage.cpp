@@ -34,7 +34,7 @@ bool isSoleOwner(const cv::Mat& image) {
 }
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) {
-    const std::less<const unsigned char*> before;
+    const std::less<> before;
     return before(a.datastart, b.dataend) && before(b.datastart, a.dataend);
 }
 
