@@ -13,8 +13,9 @@ Palette::Palette(const LevelColours& colours) : first_(colours) {
 }
 
 void Palette::paint(const unsigned char* levels, unsigned char* pixels, std::size_t count) const {
-    // Whole words are fastest: the two bytes too many of a pair land where the next pixel is about
-    // to be written, and those of its levels are left alone. So two pixels at least are left over.
+    // Whole words are fastest. Of a pair's levels, two more are read and not used; of its pixels,
+    // two bytes more are written, where the next pixel is about to be. So two pixels at least are
+    // left for the end.
     constexpr std::size_t block = 16;
     std::size_t done = 0;
     for (; done + block + 2 <= count; done += block, levels += block, pixels += 3 * block) {

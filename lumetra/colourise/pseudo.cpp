@@ -105,14 +105,14 @@ bool isGray(const unsigned char* in, std::size_t count) {
 }
 
 /// `luma8` of a strip. Doubtful pixels are few, about one in a hundred, and are computed one by
-/// one, unless the picture is gray, where every pixel is doubtful.
+/// one. In a gray picture every pixel is doubtful, and its luma is looked up instead.
 void lumaOfStrip(const unsigned char* in, std::size_t count, Strip& luma) {
     Strip doubtful{};
     lumaInHundredths(in, count, luma.data(), doubtful.data());
     const auto setLuma = [&](std::size_t i) {
         luma[i] = luma8(in[3 * i], in[3 * i + 1], in[3 * i + 2]);
     };
-    constexpr std::size_t seemsGray = 128; // doubtful pixels and no others
+    constexpr std::size_t seemsGray = 128; // pixels, if the first ones are all doubtful
     std::size_t oneByOne = 0;
     for (std::size_t place = 0; place < count; place += 8) {
         std::uint64_t flags = 0; // of eight pixels
