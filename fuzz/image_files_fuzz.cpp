@@ -65,7 +65,7 @@ void checkRefused(QList<QString> files) {
 /// The composite without the images of another size than the first.
 cv::Mat expectedCanvas(std::vector<cv::Mat> images, const QList<QPoint>& offsets) {
     if (images[0].empty())
-        return cv::Mat(0, 0, CV_8UC3);
+        return cv::Mat_<cv::Vec3b>();
     for (cv::Mat& image : images)
         if (image.size() != images[0].size())
             image = cv::Mat(images[0].size(), CV_8UC3, cv::Scalar());
@@ -103,7 +103,8 @@ void check(QList<QString> files, const std::vector<cv::Mat>& images, int shift) 
 } // namespace
 
 /// Memory that a decoder leaves as it was given must not differ from one reading to the next.
-extern "C" const char* __asan_default_options() {
+extern "C" const char*
+__asan_default_options() { // NOLINT(bugprone-reserved-identifier): the sanitizer's name
     return "max_malloc_fill_size=100000000:malloc_fill_byte=0";
 }
 
