@@ -12,7 +12,7 @@
 namespace {
 
 /// Whether the file holds a streamed value of another type than a colour. Reading the file makes Qt
-/// decode every value, and it does not survive the decoding of any value of any type.
+/// decode every value, and of some types there are values that it does not survive.
 bool holdsOtherStreams(const QByteArray& text) {
     for (const char* tag : {"Variant(", "DateTime("})
         for (int at = text.indexOf(tag); at >= 0; at = text.indexOf(tag, at + 1))
