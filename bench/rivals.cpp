@@ -62,7 +62,8 @@ const cv::Mat& noise(int type, int side, int number) {
         cv::Mat tile(256, 256, type);
         cv::RNG random(static_cast<std::uint64_t>(number) + 1);
         random.fill(tile, cv::RNG::UNIFORM, 0, CV_MAT_DEPTH(type) == CV_8U ? 256 : 65536);
-        image = cv::repeat(tile, side / tile.rows, side / tile.cols);
+        const int tiles = (side + tile.rows - 1) / tile.rows;
+        image = cv::repeat(tile, tiles, tiles)(cv::Rect(0, 0, side, side)).clone();
     }
     return image;
 }

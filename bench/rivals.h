@@ -22,7 +22,7 @@ struct Operation {
     Aims aims;
     Preparation library;
     Preparation openCv; ///< May be empty.
-    std::vector<int> sides = {512, 2048, 8192};
+    std::vector<int> sides = {16, 64, 512, 2048, 8192};
 };
 
 /// Registers one benchmark for each way and side, named operation/way/side.

@@ -3,66 +3,110 @@
 #include <opencv2/core.hpp>
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <type_traits>
 
 namespace {
 
-bool isInteger(int depth) { return depth <= CV_32S; }
-
-struct Range {
-    double smallest;
-    double largest;
-};
-
-template<class Sample>
-constexpr Range rangeOf() {
-    return {std::numeric_limits<Sample>::min(), std::numeric_limits<Sample>::max()};
+/// The sample's share of full scale in another integer depth, to the nearest number there. No share
+/// lies halfway between two, as full scale is odd in every depth.
+template<class To, class From>
+To sameShare(From sample) {
+    using Wide =
+        std::conditional_t<std::max(sizeof(To), sizeof(From)) <= 2, std::uint32_t, std::uint64_t>;
+    constexpr Wide fullFrom = std::numeric_limits<From>::max();
+    constexpr Wide fullTo = std::numeric_limits<To>::max();
+    const auto share = [](Wide magnitude) {
+        return (2 * fullTo * magnitude + fullFrom) / (2 * fullFrom);
+    };
+    if (sample >= 0)
+        return static_cast<To>(share(static_cast<Wide>(sample)));
+    if constexpr (std::is_unsigned_v<To>)
+        return 0;
+    else // the lowest sample lies one beyond the negative full scale, here as there
+        return static_cast<To>(-static_cast<std::int64_t>(
+            std::min(share(static_cast<Wide>(-static_cast<std::int64_t>(sample))), fullTo + 1)));
 }
 
-Range integerRange(int depth) {
+/// A floating-point sample rounded, halves to even, and clamped; 0 for not-a-number.
+template<class To, class From>
+To nearest(From sample) {
+    constexpr double smallest = std::numeric_limits<To>::min();
+    constexpr double largest = std::numeric_limits<To>::max();
+    // Next to 1.5 · 2⁵² a `double` has no bits left for a fraction, so the sum is rounded.
+    constexpr double noFraction = 0x1.8p52;
+    const double number = sample == sample ? static_cast<double>(sample) : 0.0;
+    const double fromBelow = number > smallest ? number : smallest;
+    const double inside = fromBelow < largest ? fromBelow : largest;
+    return static_cast<To>(inside + noFraction - noFraction);
+}
+
+/// A sample in another depth, by the rules that the header gives.
+template<class To, class From>
+To convertedSample(From sample) {
+    if constexpr (std::is_floating_point_v<To>)
+        return static_cast<To>(sample);
+    else if constexpr (std::is_integral_v<From>)
+        return sameShare<To>(sample);
+    else
+        return nearest<To>(sample);
+}
+
+template<class To, class From>
+void convertSamples(const cv::Mat& image, cv::Mat& converted) {
+    const auto count =
+        static_cast<std::size_t>(image.cols) * static_cast<std::size_t>(image.channels());
+    for (int y = 0; y < image.rows; ++y) {
+        const From* const in = image.ptr<From>(y);
+        std::transform(in, in + count, converted.ptr<To>(y), convertedSample<To, From>);
+    }
+}
+
+/// Calls `work` with a sample of the type that a depth stands for; halves are no type of C++.
+template<class Work>
+void withSampleOf(int depth, Work work) {
     switch (depth) {
     case CV_8U:
-        return rangeOf<unsigned char>();
+        return work(std::uint8_t{});
     case CV_8S:
-        return rangeOf<signed char>();
+        return work(std::int8_t{});
     case CV_16U:
-        return rangeOf<unsigned short>();
+        return work(std::uint16_t{});
     case CV_16S:
-        return rangeOf<short>();
+        return work(std::int16_t{});
+    case CV_32S:
+        return work(std::int32_t{});
+    case CV_32F:
+        return work(float{});
+    case CV_64F:
+        return work(double{});
     default:
-        return rangeOf<int>();
+        CV_Error(cv::Error::StsUnsupportedFormat, "samples of an unknown depth");
     }
 }
 
-/// The samples times a factor as `double`, clamped to the range of an integer depth: rounding them
-/// afterwards cannot leave it, as it could for samples that no integer holds.
-cv::Mat scaledSamples(const cv::Mat& image, double factor, Range range) {
-    cv::Mat samples;
-    image.convertTo(samples, CV_64F);
-    auto* const first = samples.ptr<double>();
-    std::transform(first, first + samples.total() * static_cast<std::size_t>(samples.channels()),
-                   first, [=](double sample) {
-                       return std::isnan(sample)
-                                  ? 0.0
-                                  : std::clamp(sample * factor, range.smallest, range.largest);
-                   });
-    return samples;
-}
-
-/// The image in another depth, its channels as they are.
+/// The image in another depth, its channels as they are. Halves go through `float`, which holds
+/// each of them.
 cv::Mat inDepth(const cv::Mat& image, int depth) {
+    cv::Mat converted;
     if (image.depth() == depth)
         return image;
-    cv::Mat converted;
-    if (isInteger(depth)) {
-        const Range range = integerRange(depth);
-        const double factor =
-            isInteger(image.depth()) ? range.largest / integerRange(image.depth()).largest : 1.0;
-        scaledSamples(image, factor, range).convertTo(converted, depth);
-    } else {
-        image.convertTo(converted, depth);
+    if (image.depth() == CV_16F) {
+        image.convertTo(converted, CV_32F);
+        return inDepth(converted, depth);
     }
+    if (depth == CV_16F) {
+        inDepth(image, CV_32F).convertTo(converted, CV_16F);
+        return converted;
+    }
+    converted.create(image.rows, image.cols, CV_MAKETYPE(depth, image.channels()));
+    withSampleOf(image.depth(), [&](auto from) {
+        withSampleOf(depth, [&](auto to) {
+            convertSamples<decltype(to), decltype(from)>(image, converted);
+        });
+    });
     return converted;
 }
 
@@ -73,6 +117,15 @@ cv::Mat asIntegers(const cv::Mat& image) {
     return {image.rows, image.cols, CV_MAKETYPE(CV_16U, image.channels()), image.data, image.step};
 }
 
+/// An image of one or four channels in three.
+cv::Mat inThreeChannels(const cv::Mat& image) {
+    cv::Mat colours(image.rows, image.cols, CV_MAKETYPE(image.depth(), 3));
+    cv::Mat to = asIntegers(colours);
+    const int step = image.channels() == 1 ? 0 : 1;
+    cv::mixChannels(asIntegers(image), to, {0, 0, step, 1, 2 * step, 2});
+    return colours;
+}
+
 } // namespace
 
 void Vantrel::ConvertColorMode(const cv::Mat& src, cv::Mat& dst, int type) {
@@ -80,16 +133,18 @@ void Vantrel::ConvertColorMode(const cv::Mat& src, cv::Mat& dst, int type) {
         CV_Error(cv::Error::StsBadArg, "the type to convert to has three channels");
     if (src.dims > 2)
         CV_Error(cv::Error::StsBadSize, "an image to be converted has two dimensions");
-
-    cv::Mat converted(src.rows, src.cols, type);
-    if (!src.empty()) {
-        if (src.channels() != 1 && src.channels() != 3 && src.channels() != 4)
-            CV_Error(cv::Error::StsUnsupportedFormat,
-                     "an image to be converted has one, three or four channels");
-        const cv::Mat samples = inDepth(src, CV_MAT_DEPTH(type));
-        cv::Mat channels = asIntegers(converted);
-        const int step = src.channels() == 1 ? 0 : 1;
-        cv::mixChannels(asIntegers(samples), channels, {0, 0, step, 1, 2 * step, 2});
+    if (src.empty()) {
+        dst = cv::Mat(src.rows, src.cols, type);
+        return;
     }
-    dst = converted;
+    const int channels = src.channels();
+    if (channels != 1 && channels != 3 && channels != 4)
+        CV_Error(cv::Error::StsUnsupportedFormat,
+                 "an image to be converted has one, three or four channels");
+
+    const cv::Mat samples = inDepth(src, CV_MAT_DEPTH(type));
+    if (channels != 3)
+        dst = inThreeChannels(samples);
+    else
+        dst = samples.data == src.data ? samples.clone() : samples;
 }

@@ -14,7 +14,7 @@ namespace Vantrel {
 /// @param dst   Receives an image of its own with the rows and columns of `src` and exactly the
 ///              type `type`. Replaced as a whole, never written into; may be the same object as
 ///              `src`, which may be a view into a larger matrix.
-/// @param type  A three-channel type code, such as `CV_8UC3` (16) or `CV_16UC3` (18).
+/// @param type  A three-channel type code, such as `CV_8UC3` or `CV_16UC3`.
 ///
 /// - Channels: gray becomes three equal channels, the fourth of four channels is dropped.
 /// - Integer depths to one another: samples keep their share of full scale, rounded (255 of 8 bits

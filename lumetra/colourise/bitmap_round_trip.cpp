@@ -1,5 +1,7 @@
 #include "lumetra/colourise/bitmap_round_trip.h"
 
+#include "lumetra/colourise/reduction.h"
+
 #include <opencv2/imgcodecs.hpp>
 
 #include <cstdint>
@@ -35,7 +37,7 @@ void bitmapRoundTrip(const cv::Mat& prepared, cv::Mat& dst, const RoundTripStage
     dst = prepared.clone();
 
     std::vector<unsigned char> encoded;
-    cv::imencode(".bmp", dst, encoded, {});
+    cv::imencode(".bmp", reducedTo8Bits(dst), encoded, {});
     if (encoded.size() < headerBytes)
         return;
 

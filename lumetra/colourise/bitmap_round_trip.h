@@ -1,4 +1,4 @@
-// Colouring on an in-memory bitmap: whatever the encoder can turn into 8 bits can be coloured.
+// Colouring on an in-memory bitmap: the way of colour images that are not of 8 bits yet.
 #pragma once
 
 #include "lumetra/colourise/pixel_area.h"
@@ -25,8 +25,8 @@ struct RoundTripStages {
 /// Encodes an image as a 24-bit bitmap in memory, runs the stages on its pixels, and decodes the
 /// outcome into `dst`, a `CV_8UC3` image of the same rows and columns.
 ///
-/// @param prepared  One, three or four channels in the encoder's eyes; the stages expect three. Any
-///                  depth: the encoder rounds and clamps to 8 bits.
+/// @param prepared  Three channels of any depth, which are reduced to 8 bits first; an image that
+///                  the encoder refuses may come here to be refused.
 /// @param dst       Set to a copy of `prepared` first, and left so if the working area cannot be
 ///                  allocated or the encoder's bytes hold no whole bitmap.
 ///

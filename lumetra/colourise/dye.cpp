@@ -1,8 +1,11 @@
 #include "lumetra/lumetra"
 
 #include "lumetra/colourise/bitmap_round_trip.h"
-#include "lumetra/colourise/colour_source.h"
+#include "lumetra/colourise/channel_totals.h"
+#include "lumetra/colourise/gray_strip.h"
+#include "lumetra/colourise/image_range.h"
 #include "lumetra/colourise/paint.h"
+#include "lumetra/colourise/source_form.h"
 #include "lumetra/colourise/strips.h"
 #include "lumetra/colourise/tint.h"
 #include "lumetra/levels/colour_levels.h"
@@ -45,86 +48,9 @@ Stretch<3> automaticStretch(const ColourRanges& ranges, const Tint& tint) {
     return colourStretch(withRaisedBlack(colourLevels(ranges), tint));
 }
 
-/// Sums of each channel.
-class ChannelTotals {
-public:
-    void add(const unsigned char* pixels, std::size_t count) {
-        forEachStrip(count, [&](std::size_t first, std::size_t inStrip) {
-            addStrip(pixels + 3 * first, 3 * inStrip);
-        });
-    }
-
-    void addRepeated(const unsigned char* pixel, std::uint64_t times) {
-        for (std::size_t k = 0; k < totals_.size(); ++k)
-            totals_[k] += times * pixel[k];
-    }
-
-    /// The channel with the largest total; the lowest of those that are equal.
-    std::size_t dominantChannel() const {
-        const auto largest = std::max_element(totals_.begin(), totals_.end());
-        return static_cast<std::size_t>(largest - totals_.begin());
-    }
-
-private:
-    void addStrip(const unsigned char* samples, std::size_t count) {
-        constexpr std::size_t lanes = 48;
-        static_assert(stripPixels / 16 * 255 <= 65535, "a lane must hold the sum of a strip");
-        std::uint16_t sums[lanes] = {};
-        std::size_t done = 0;
-        for (; done + lanes <= count; done += lanes)
-            for (std::size_t i = 0; i < lanes; ++i)
-                sums[i] = static_cast<std::uint16_t>(sums[i] + samples[done + i]);
-        for (std::size_t i = 0; i < lanes; ++i)
-            totals_[i % 3] += sums[i];
-        for (; done < count; ++done)
-            totals_[done % 3] += samples[done];
-    }
-
-    std::array<std::uint64_t, 3> totals_{};
-};
-
-/// Fills all three bytes of each pixel with its sample in one channel.
-void fillWithChannel(const unsigned char* in, std::size_t channel, unsigned char* out,
-                     std::size_t count) {
-    for (std::size_t x = 0; x < count; ++x) {
-        const unsigned char sample = in[3 * x + channel];
-        out[3 * x] = out[3 * x + 1] = out[3 * x + 2] = sample;
-    }
-}
-
-/// A strip of 256 pixels, one for each gray level, which the stages turn into what the levels
-/// become.
-class GrayLevels {
-public:
-    GrayLevels() {
-        for (std::size_t i = 0; i < pixels_.size(); ++i)
-            pixels_[i] = static_cast<unsigned char>(i / 3);
-    }
-
-    void stretch(const Stretch<3>& stretch) { stretch(pixels_.data(), pixels_.size()); }
-
-    void fillWithChannel(std::size_t channel) {
-        lumetra::fillWithChannel(pixels_.data(), channel, pixels_.data(), 256);
-    }
-
-    LevelColours tinted(const Tint& tint) const {
-        std::array<unsigned char, 768> pixels;
-        tintPixels(pixels_.data(), pixels.data(), 256, tint);
-        LevelColours colours;
-        for (std::size_t i = 0; i < colours.size(); ++i)
-            colours[i] = packedColour(pixels[3 * i], pixels[3 * i + 1], pixels[3 * i + 2]);
-        return colours;
-    }
-
-    const unsigned char* pixel(std::size_t level) const { return &pixels_[3 * level]; }
-
-private:
-    std::array<unsigned char, 768> pixels_;
-};
-
 using Histogram = std::array<std::uint64_t, 256>;
 
-Histogram histogram(const cv::Mat& gray) {
+Histogram histogramOf(const cv::Mat& gray) {
     std::array<Histogram, 4> counts{}; // so that runs of one value do not wait for each other
     forEachStrip<unsigned char>(gray, [&](const unsigned char* in, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i)
@@ -135,25 +61,31 @@ Histogram histogram(const cv::Mat& gray) {
     return counts[0];
 }
 
+/// The channel with the largest total in a gray image, given what becomes of its levels.
+std::size_t dominantChannelOfGray(const cv::Mat& gray, const GrayStrip& levels) {
+    const Histogram counts = histogramOf(gray);
+    ChannelTotals totals;
+    for (std::size_t level = 0; level < counts.size(); ++level)
+        totals.addRepeated(levels.pixel(level), counts[level]);
+    return totals.dominantChannel();
+}
+
 /// A gray 8-bit image: the stages run on the gray levels, and the pixels look their colour up.
-void dyedGray(const cv::Mat& gray, cv::Mat& dst, const DyeSettings& settings) {
-    GrayLevels levels;
+/// Without automatic levels all channels are equal, so that none is dominant.
+void dyeGray8(const cv::Mat& gray, cv::Mat& dst, const DyeSettings& settings) {
+    GrayStrip levels;
     if (settings.autoLevels) {
-        const SampleRange<unsigned char> range = merged(imageRanges<unsigned char>(gray));
+        const SampleRange<unsigned char> range = sampleRange<unsigned char>(gray);
         levels.stretch(automaticStretch({range, range, range}, settings.tint));
-        if (settings.dominantChannel) {
-            const Histogram counts = histogram(gray);
-            ChannelTotals totals;
-            for (std::size_t level = 0; level < counts.size(); ++level)
-                totals.addRepeated(levels.pixel(level), counts[level]);
-            levels.fillWithChannel(totals.dominantChannel());
-        }
+        if (settings.dominantChannel)
+            levels.fillWithChannel(dominantChannelOfGray(gray, levels));
     }
     paint(gray, 0, levels.tinted(settings.tint), dst);
 }
 
-/// The channel with the largest total after the stretch, if there is one.
-std::size_t dominantChannel(const cv::Mat& image, const std::optional<Stretch<3>>& stretch) {
+/// The channel with the largest total in a colour image after the stretch, if there is one.
+std::size_t dominantChannelOfColour(const cv::Mat& image,
+                                    const std::optional<Stretch<3>>& stretch) {
     ChannelTotals totals;
     std::array<unsigned char, 3 * stripPixels> strip;
     forEachStrip<unsigned char>(image, [&](const unsigned char* in, std::size_t count) {
@@ -168,14 +100,14 @@ std::size_t dominantChannel(const cv::Mat& image, const std::optional<Stretch<3>
 
 /// An 8-bit colour image, which encoding and decoding would not change: the stages run on its
 /// pixels, or on the levels of the dominant channel.
-void dyedColour(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) {
+void dyeColour8(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) {
     std::optional<Stretch<3>> stretch;
     if (settings.autoLevels)
-        stretch = automaticStretch(imageRanges<unsigned char>(image), settings.tint);
+        stretch = automaticStretch(channelRanges<unsigned char>(image), settings.tint);
 
     if (settings.dominantChannel) {
-        const std::size_t channel = dominantChannel(image, stretch);
-        GrayLevels levels;
+        const std::size_t channel = dominantChannelOfColour(image, stretch);
+        GrayStrip levels;
         if (stretch)
             levels.stretch(*stretch);
         levels.fillWithChannel(channel);
@@ -201,7 +133,7 @@ void dyeBitmap(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) 
         stages.inPlace = [&](PixelArea area) {
             ColourRanges ranges;
             area.forEachRow(
-                [&](unsigned char* row) { ranges.include(threeRanges(row, area.rowBytes())); });
+                [&](const unsigned char* row) { includeSamples(ranges, row, area.rowBytes()); });
             const Stretch<3> stretch = automaticStretch(ranges, settings.tint);
             area.forEachRow([&](unsigned char* row) { stretch(row, area.rowBytes()); });
         };
@@ -223,7 +155,7 @@ void dyeBitmap(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) 
 }
 
 /// The 16-bit tint, of each pixel's largest sample.
-void dyed16(const cv::Mat& image, cv::Mat& dst, const Tint& tint) {
+void dye16(const cv::Mat& image, cv::Mat& dst, const Tint& tint) {
     using Sample = std::uint16_t;
     const bool gray = image.channels() == 1;
     std::array<Sample, stripPixels> largest;
@@ -243,19 +175,19 @@ void dyed16(const cv::Mat& image, cv::Mat& dst, const Tint& tint) {
 void Lumetra::Dye(cv::Mat& src, cv::Mat& dst, int nRed, int nGreen, int nBlue, bool bAutoLevels,
                   bool bDominantChannel) {
     const lumetra::DyeSettings settings{{nBlue, nGreen, nRed}, bAutoLevels, bDominantChannel};
-    const cv::Mat source = lumetra::colourSource(src);
-    switch (lumetra::colourWay(source)) {
-    case lumetra::ColourWay::gray8:
-        lumetra::dyedGray(source, dst, settings);
+    const cv::Mat source = lumetra::colourable(src);
+    switch (lumetra::formOf(source)) {
+    case lumetra::SourceForm::gray8:
+        lumetra::dyeGray8(source, dst, settings);
         break;
-    case lumetra::ColourWay::colour8:
-        lumetra::dyedColour(source, dst, settings);
+    case lumetra::SourceForm::colour8:
+        lumetra::dyeColour8(source, dst, settings);
         break;
-    case lumetra::ColourWay::gray16:
-    case lumetra::ColourWay::colour16:
-        lumetra::dyed16(source, dst, settings.tint);
+    case lumetra::SourceForm::gray16:
+    case lumetra::SourceForm::colour16:
+        lumetra::dye16(source, dst, settings.tint);
         break;
-    case lumetra::ColourWay::bitmap:
+    case lumetra::SourceForm::other:
         lumetra::dyeBitmap(source, dst, settings);
         break;
     }

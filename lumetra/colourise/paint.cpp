@@ -3,31 +3,24 @@
 #include "lumetra/colourise/strips.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace lumetra {
 
-Palette::Palette(const LevelColours& colours) : first_(colours) {
-    std::transform(colours.begin(), colours.end(), second_.begin(),
-                   [](PackedColour colour) { return colour << 24; });
+Palette::Palette(const LevelColours& colours) {
+    for (std::size_t level = 0; level < colours.size(); ++level) {
+        first_[level] = colours[level];
+        second_[level] = PixelWord{colours[level]} << 24;
+    }
 }
 
 void Palette::paint(const unsigned char* levels, unsigned char* pixels, std::size_t count) const {
-    // Whole words are fastest. Of a pair's levels, two more are read and not used; of its pixels,
-    // two bytes more are written, where the next pixel is about to be. So two pixels at least are
-    // left for the end.
-    constexpr std::size_t block = 16;
-    std::size_t done = 0;
-    for (; done + block + 2 <= count; done += block, levels += block, pixels += 3 * block) {
-        for (std::size_t i = 0; i < block; i += 2) {
-            std::uint32_t ahead;
-            std::memcpy(&ahead, levels + i, sizeof ahead);
-            const PackedColour pair = first_[ahead & 0xFF] | second_[ahead >> 8 & 0xFF];
-            std::memcpy(pixels + 3 * i, &pair, sizeof pair);
-        }
-    }
-    for (; done < count; ++done, ++levels, pixels += 3)
-        std::memcpy(pixels, &first_[*levels], 3);
+    writePixelWords(pixels, count / 2, [&](std::size_t i) {
+        std::uint16_t pair;
+        std::memcpy(&pair, levels + 2 * i, sizeof pair);
+        return first_[pair & 0xFF] | second_[pair >> 8];
+    });
+    if (count % 2 != 0)
+        std::memcpy(pixels + 3 * (count - 1), &first_[levels[count - 1]], 3);
 }
 
 void paint(const cv::Mat& image, std::size_t channel, const LevelColours& colours, cv::Mat& dst) {

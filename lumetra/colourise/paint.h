@@ -1,16 +1,22 @@
 // Colouring by look-up: an 8-bit sample has at most 256 outcomes.
 #pragma once
 
+#include <QtGlobal>
+
 #include <opencv2/core/mat.hpp>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace lumetra {
 
-/// A 24-bit pixel as it lies in memory, with zero bytes behind, in a word wide enough for two.
-using PackedColour = std::uint64_t;
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN,
+              "pixels are packed into words whose lowest byte is the first in memory");
+
+/// A colour in one number, as Qt has it: blue in the lowest byte, then green and red.
+using PackedColour = std::uint32_t;
 
 constexpr PackedColour packedColour(unsigned char blue, unsigned char green, unsigned char red) {
     return blue | PackedColour{green} << 8 | PackedColour{red} << 16;
@@ -19,7 +25,33 @@ constexpr PackedColour packedColour(unsigned char blue, unsigned char green, uns
 /// A colour for each 8-bit level.
 using LevelColours = std::array<PackedColour, 256>;
 
-/// Writes pixels in the colours of their levels, two at a time.
+/// Six bytes of pixels as they lie in memory: two 24-bit pixels or one of 48 bits. The two bytes
+/// above them do not matter.
+using PixelWord = std::uint64_t;
+
+/// Writes the words that `wordAt(i)` gives for 0 to `count` − 1, six bytes of each, one behind the
+/// other. A whole word is stored at a time: its last two bytes lie where the next word comes. Of
+/// the last one only the six bytes are stored, so nothing behind them is ever written.
+template<class WordAt>
+void writePixelWords(void* pixels, std::size_t count, WordAt wordAt) {
+    constexpr std::size_t bytes = 6;
+    constexpr std::size_t block = 8; // as many as the compiler unrolls
+    auto* const out = static_cast<unsigned char*>(pixels);
+    const auto write = [&](std::size_t i, std::size_t stored) {
+        const PixelWord word = wordAt(i);
+        std::memcpy(out + bytes * i, &word, stored);
+    };
+    std::size_t done = 0;
+    for (; done + block < count; done += block)
+        for (std::size_t i = 0; i < block; ++i)
+            write(done + i, sizeof(PixelWord));
+    for (; done + 1 < count; ++done)
+        write(done, sizeof(PixelWord));
+    if (done < count)
+        write(done, bytes);
+}
+
+/// Writes 24-bit pixels in the colours of their levels, two at a time.
 class Palette {
 public:
     explicit Palette(const LevelColours& colours);
@@ -27,8 +59,10 @@ public:
     void paint(const unsigned char* levels, unsigned char* pixels, std::size_t count) const;
 
 private:
-    LevelColours first_;
-    LevelColours second_; ///< The same colours, where the second pixel of a pair has them.
+    using Words = std::array<PixelWord, 256>;
+
+    Words first_;  ///< The colours where the first pixel of a word has them.
+    Words second_; ///< The same, where the second one does.
 };
 
 /// The picture in which each pixel has the colour of its sample in one channel of an 8-bit image.

@@ -1,7 +1,6 @@
 // Walking over images in runs of pixels that stay in the first-level cache.
 #pragma once
 
-#include "lumetra/levels/sample_range.h"
 #include "lumetra/storage/image_storage.h"
 
 #include <opencv2/core/mat.hpp>
@@ -14,10 +13,10 @@ namespace lumetra {
 /// Pixels in a strip, at most.
 constexpr std::size_t stripPixels = 2048;
 
-/// A run of pixels side by side, cut into strips: `work(first, count)` with the place of a strip in
-/// the run and its pixels.
+/// A number of pixels side by side, cut into strips: `work(first, count)` with the place of a
+/// strip's first pixel and how many it has.
 template<class Work>
-void forEachStrip(std::size_t pixels, Work work) {
+void cutIntoStrips(std::size_t pixels, Work work) {
     for (std::size_t first = 0; first < pixels; first += stripPixels)
         work(first, std::min(stripPixels, pixels - first));
 }
@@ -32,26 +31,15 @@ void forEachRun(const cv::Mat& image, Work work) {
         work(image.ptr<In>(y), pixels);
 }
 
-/// The same in strips.
+/// The runs of an image in strips: `work(in, count)`.
 template<class In, class Work>
 void forEachStrip(const cv::Mat& image, Work work) {
     const auto channels = static_cast<std::size_t>(image.channels());
     forEachRun<In>(image, [&](const In* in, std::size_t pixels) {
-        forEachStrip(pixels, [&](std::size_t first, std::size_t count) {
+        cutIntoStrips(pixels, [&](std::size_t first, std::size_t count) {
             work(in + first * channels, count);
         });
     });
-}
-
-/// The ranges of the three channels of an image, or three that together cover a single channel.
-template<class Sample>
-ThreeRanges<Sample> imageRanges(const cv::Mat& image) {
-    const auto channels = static_cast<std::size_t>(image.channels());
-    ThreeRanges<Sample> ranges;
-    forEachRun<Sample>(image, [&](const Sample* in, std::size_t pixels) {
-        ranges.include(threeRanges(in, pixels * channels));
-    });
-    return ranges;
 }
 
 /// Makes `dst` the image of another one's size that `work(in, out, count)` fills strip by strip.

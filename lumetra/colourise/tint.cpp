@@ -5,40 +5,32 @@
 namespace lumetra {
 namespace {
 
-/// The 8-bit tint. The product is formed in 32 bits and wraps: components have any value.
-unsigned char tinted8(unsigned char sample, int component) {
-    const std::uint32_t product = sample * static_cast<std::uint32_t>(component);
-    return static_cast<unsigned char>(static_cast<std::int32_t>(product) / 255);
-}
-
 bool isByte(int component) { return component >= 0 && component <= 255; }
 
-/// What `tinted8` does with components that are bytes, sixteen pixels side by side: they fill three
-/// vector registers, whose lanes belong to one channel each.
-///
-/// sample·component/255, cut off, is the high half of sample·(257·component + 1), for every sample
-/// and every component below 255. For 255 the factor wraps to 0 and the sample itself is let
-/// through.
-class TintLanes {
-public:
-    static constexpr std::size_t count = 48;
+/// The 8-bit tint: sample × component / 255, cut off. A product of bytes fits 16 bits, sixteen of
+/// them in two vector registers; components of any value take 32, in which the product wraps.
+template<class Product>
+void tintBytes(const unsigned char* __restrict pixels, unsigned char* __restrict tinted,
+               std::size_t count, const Tint& tint) {
+    // Sixteen pixels side by side fill three registers, whose lanes belong to one channel each.
+    constexpr std::size_t lanes = 48;
+    Product factors[lanes];
+    for (std::size_t i = 0; i < lanes; ++i)
+        factors[i] = static_cast<Product>(tint[i % 3]);
 
-    explicit TintLanes(const Tint& tint) {
-        for (std::size_t i = 0; i < count; ++i) {
-            factor_[i] = static_cast<std::uint16_t>(257 * tint[i % 3] + 1);
-            through_[i] = tint[i % 3] == 255 ? 255 : 0;
-        }
-    }
-
-    unsigned char tinted(unsigned char sample, std::size_t lane) const {
-        const auto product = std::uint32_t{sample} * factor_[lane];
-        return static_cast<unsigned char>(product >> 16 | (sample & through_[lane]));
-    }
-
-private:
-    std::uint16_t factor_[count];
-    unsigned char through_[count];
-};
+    const auto tintLane = [&](unsigned char sample, std::size_t lane) {
+        const auto product =
+            static_cast<Product>(sample * static_cast<std::uint32_t>(factors[lane]));
+        return static_cast<unsigned char>(product / 255);
+    };
+    const std::size_t samples = 3 * count;
+    std::size_t done = 0;
+    for (; done + lanes <= samples; done += lanes)
+        for (std::size_t i = 0; i < lanes; ++i)
+            tinted[done + i] = tintLane(pixels[done + i], i);
+    for (std::size_t i = 0; done + i < samples; ++i)
+        tinted[done + i] = tintLane(pixels[done + i], i);
+}
 
 /// The 16-bit tint: bits 8 to 23 of the product of sample and component. In 16 bits, they are the
 /// high half of the sample times 256 of the component, plus the sample times the component's bits
@@ -59,22 +51,12 @@ struct WideTint {
 
 } // namespace
 
-void tintPixels(const unsigned char* __restrict pixels, unsigned char* __restrict tinted,
-                std::size_t count, const Tint& tint) {
-    const std::size_t samples = 3 * count;
-    if (!std::all_of(tint.begin(), tint.end(), isByte)) {
-        for (std::size_t i = 0; i < samples; ++i)
-            tinted[i] = tinted8(pixels[i], tint[i % 3]);
-        return;
-    }
-
-    const TintLanes lanes(tint);
-    std::size_t done = 0;
-    for (; done + TintLanes::count <= samples; done += TintLanes::count)
-        for (std::size_t i = 0; i < TintLanes::count; ++i)
-            tinted[done + i] = lanes.tinted(pixels[done + i], i);
-    for (std::size_t i = 0; done + i < samples; ++i)
-        tinted[done + i] = lanes.tinted(pixels[done + i], i);
+void tintPixels(const unsigned char* pixels, unsigned char* tinted, std::size_t count,
+                const Tint& tint) {
+    if (std::all_of(tint.begin(), tint.end(), isByte))
+        tintBytes<std::uint16_t>(pixels, tinted, count, tint);
+    else
+        tintBytes<std::int32_t>(pixels, tinted, count, tint);
 }
 
 void tintSamples(const std::uint16_t* __restrict samples, std::uint16_t* __restrict pixels,

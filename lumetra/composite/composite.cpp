@@ -1,7 +1,6 @@
 #include "lumetra/lumetra"
 
 #include "lumetra/composite/compositing.h"
-#include "lumetra/storage/image_storage.h"
 
 #include <QMessageLogger>
 
@@ -10,10 +9,10 @@
 
 cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPointList) {
     const QMessageLogger log(nullptr, 0, nullptr);
-    const int count = matList->size();
-    if (count < 2 || count != offsetPointList->size()) {
-        log.debug("[Lumetra::Composite] matList:%d offsetPointList:%d", count,
-                  offsetPointList->size());
+    const auto count = static_cast<int>(matList->size());
+    const auto offsetCount = static_cast<int>(offsetPointList->size());
+    if (count < 2 || count != offsetCount) {
+        log.debug("[Lumetra::Composite] matList:%d offsetPointList:%d", count, offsetCount);
         return nullptr;
     }
 
@@ -30,8 +29,8 @@ cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPoint
         return nullptr;
     }
 
-    auto canvas = std::make_unique<cv::Mat>();
-    lumetra::createImage(*canvas, static_cast<int>(newRows), static_cast<int>(newCols), type);
+    auto canvas =
+        std::make_unique<cv::Mat>(static_cast<int>(newRows), static_cast<int>(newCols), type);
     std::vector<cv::Mat> parts;
     for (int k = 0; k < count; ++k) {
         cv::Mat& image = *matList->at(k);

@@ -1,7 +1,6 @@
 #include "lumetra/lumetra"
 
 #include "lumetra/composite/compositing.h"
-#include "lumetra/storage/image_storage.h"
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -41,8 +40,8 @@ bool compositeFiles(const QList<QString>& files, const QList<QPoint>& offsets, M
     const int type = lumetra::canvasType(image);
     lumetra::unifyColourMode(image, type);
     const cv::Size size = image.size();
-    lumetra::createImage(canvas, matrixExtent(alignment.commonRows(size.height)),
-                         matrixExtent(alignment.commonColumns(size.width)), type);
+    canvas.create(matrixExtent(alignment.commonRows(size.height)),
+                  matrixExtent(alignment.commonColumns(size.width)), type);
     if (!canvas.empty())
         alignment.visiblePart(image, offsets.front(), canvas).copyTo(canvas); // takes no memory
 
@@ -50,10 +49,12 @@ bool compositeFiles(const QList<QString>& files, const QList<QPoint>& offsets, M
         image.release(); // before the next one is decoded
         image = readColour(files[k]);
         lumetra::unifyColourMode(image, type);
-        if (image.size() == size)
-            lumetra::accumulate(alignment.visiblePart(image, offsets[k], canvas), canvas);
-        else if (misfit == Misfit::giveUp)
-            return false;
+        if (image.size() != size) {
+            if (misfit == Misfit::giveUp)
+                return false;
+        } else if (!canvas.empty()) {
+            lumetra::composite({canvas, alignment.visiblePart(image, offsets[k], canvas)}, canvas);
+        }
     }
     return true;
 }

@@ -44,18 +44,14 @@ void sumRows(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
             const std::size_t count = std::min(pieceSamples, rowSamples - first);
             const auto samples = [&](std::size_t k) { return parts[k].ptr<Sample>(y) + first; };
             auto* const sums = canvas.ptr<Sample>(y) + first;
-            sumOfTwo(samples(0), samples(1), sums, count);
+            if (samples(0) == sums)
+                addSaturated(samples(1), sums, count);
+            else
+                sumOfTwo(samples(0), samples(1), sums, count);
             for (std::size_t k = 2; k < parts.size(); ++k)
                 addSaturated(samples(k), sums, count);
         }
     }
-}
-
-template<class Sample>
-void addRows(const cv::Mat& part, cv::Mat& canvas) {
-    const auto count = static_cast<std::size_t>(canvas.cols) * 3;
-    for (int y = 0; y < canvas.rows; ++y)
-        addSaturated(part.ptr<Sample>(y), canvas.ptr<Sample>(y), count);
 }
 
 /// Widgets exist only for a QApplication, and only on its thread.
@@ -106,15 +102,6 @@ void composite(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
         sumRows<unsigned short>(parts, canvas);
     else
         canvas.setTo(cv::Scalar::all(0));
-}
-
-void accumulate(const cv::Mat& part, cv::Mat& canvas) {
-    if (canvas.empty())
-        return;
-    if (canvas.depth() == CV_8U)
-        addRows<unsigned char>(part, canvas);
-    else if (canvas.depth() == CV_16U)
-        addRows<unsigned short>(part, canvas);
 }
 
 } // namespace lumetra

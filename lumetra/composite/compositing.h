@@ -46,10 +46,7 @@ void reportSizeMismatch();
 
 /// Makes the canvas the sum of two or more parts, each sample clamped to the largest of the depth;
 /// zero for depths that are not composited. The parts have the size and type of the canvas, which
-/// is not empty.
+/// is not empty. The first part may be the canvas itself: the others are then added to it.
 void composite(const std::vector<cv::Mat>& parts, cv::Mat& canvas);
-
-/// Adds one more part to the canvas, in the same way; nothing happens to an empty canvas.
-void accumulate(const cv::Mat& part, cv::Mat& canvas);
 
 } // namespace lumetra

@@ -21,7 +21,9 @@ Stretch<3> colourStretch(const TS_LEVELS& levels) {
 bool Lumetra::AutoCountHistoRGB24(unsigned char* buf, int w, int h, TS_LEVELS& levels) {
     if (!buf)
         return false;
-    levels = lumetra::colourLevels(lumetra::threeRanges(buf, 3 * lumetra::pixelCount(w, h)));
+    lumetra::ColourRanges ranges;
+    lumetra::includeSamples<unsigned char>(ranges, buf, 3 * lumetra::pixelCount(w, h));
+    levels = lumetra::colourLevels(ranges);
     return true;
 }
 

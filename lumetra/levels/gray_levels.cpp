@@ -8,8 +8,9 @@ bool Lumetra::AutoCountHistoGray(unsigned char* buf, int w, int h, unsigned shor
                                  unsigned short* high) {
     if (!buf)
         return false;
-    const lumetra::Levels levels =
-        lumetra::levelsOf(lumetra::merged(lumetra::threeRanges(buf, lumetra::pixelCount(w, h))));
+    lumetra::ColourRanges ranges; // three that together cover the single channel
+    lumetra::includeSamples<unsigned char>(ranges, buf, lumetra::pixelCount(w, h));
+    const lumetra::Levels levels = lumetra::levelsOf(lumetra::merged(ranges));
     *low = levels.black;
     *high = levels.white;
     return true;

@@ -3,7 +3,6 @@
 
 #include "lumetra/levels/sample_range.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -23,11 +22,14 @@ Levels levelsOf(SampleRange<unsigned char> range);
 /// The stretch of one channel: 255·(v − black)/(white − black), rounded, halves up, for a value v
 /// between the levels, 0 below them and 255 above.
 ///
-/// It is computed in 16 bits, eight values to a vector register: with x = v − black, clamped to 0
-/// to span, the new value is the high half of (x·scale + offset)·multiplier.
+/// It is computed in 16 bits, eight values to a vector register: with v clamped to the levels, the
+/// new value is the high half of (v·scale + offset)·multiplier, shifted right by `shift` more. The
+/// sum wraps around to a number of 16 bits.
 struct LevelRamp {
+    static constexpr int shift = 7;
+
     unsigned char black;
-    unsigned char span;
+    unsigned char white;
     std::uint16_t scale;
     std::uint16_t offset;
     std::uint16_t multiplier;
@@ -46,7 +48,7 @@ public:
             const LevelRamp ramp = levelRamp(levels[channel]);
             for (std::size_t i = channel; i < laneCount; i += Channels) {
                 lanes_.black[i] = ramp.black;
-                lanes_.span[i] = ramp.span;
+                lanes_.white[i] = ramp.white;
                 lanes_.scale[i] = ramp.scale;
                 lanes_.offset[i] = ramp.offset;
                 lanes_.multiplier[i] = ramp.multiplier;
@@ -58,8 +60,8 @@ public:
     void operator()(unsigned char* samples, std::size_t count) const {
         std::size_t done = 0;
         for (; done + laneCount <= count; done += laneCount)
-            stretchLanes(samples + done, laneCount, lanes_);
-        stretchLanes(samples + done, count - done, lanes_);
+            stretchLanes(samples + done, laneCount, &lanes_);
+        stretchLanes(samples + done, count - done, &lanes_);
     }
 
 private:
@@ -67,21 +69,26 @@ private:
 
     struct Lanes {
         unsigned char black[laneCount];
-        unsigned char span[laneCount];
+        unsigned char white[laneCount];
         std::uint16_t scale[laneCount];
         std::uint16_t offset[laneCount];
         std::uint16_t multiplier[laneCount];
     };
 
     static void stretchLanes(unsigned char* __restrict samples, std::size_t count,
-                             const Lanes& __restrict lanes) {
+                             const Lanes* __restrict lanes) {
         for (std::size_t i = 0; i < count; ++i) {
-            const auto above =
-                static_cast<unsigned char>(std::max(samples[i], lanes.black[i]) - lanes.black[i]);
-            const auto scaled = static_cast<std::uint16_t>(
-                std::min(above, lanes.span[i]) * lanes.scale[i] + lanes.offset[i]);
-            samples[i] =
-                static_cast<unsigned char>(std::uint32_t{scaled} * lanes.multiplier[i] >> 16);
+            // Compared by value: references to the larger one become two instructions more.
+            const unsigned char sample = samples[i];
+            const unsigned char black = lanes->black[i];
+            const unsigned char white = lanes->white[i];
+            const unsigned char fromBlack = sample < black ? black : sample;
+            const unsigned char inside = fromBlack < white ? fromBlack : white;
+            const auto scaled =
+                static_cast<std::uint16_t>(inside * lanes->scale[i] + lanes->offset[i]);
+            const auto high =
+                static_cast<std::uint16_t>(std::uint32_t{scaled} * lanes->multiplier[i] >> 16);
+            samples[i] = static_cast<unsigned char>(high >> LevelRamp::shift);
         }
     }
 

@@ -22,18 +22,14 @@ struct SampleRange {
 
 /// The ranges of the samples at places 0, 3, 6 ..., at 1, 4, 7 ... and at 2, 5, 8 ....
 template<class Sample>
-struct ThreeRanges : std::array<SampleRange<Sample>, 3> {
-    void include(const ThreeRanges& other) {
-        for (std::size_t i = 0; i < 3; ++i)
-            (*this)[i].include(other[i]);
-    }
-};
+using ThreeRanges = std::array<SampleRange<Sample>, 3>;
 
 /// The ranges of the three bytes of 24-bit pixels.
 using ColourRanges = ThreeRanges<unsigned char>;
 
+/// Adds the ranges of `count` samples more; the first of them has place 0.
 template<class Sample>
-ThreeRanges<Sample> threeRanges(const Sample* samples, std::size_t count) {
+void includeSamples(ThreeRanges<Sample>& ranges, const Sample* samples, std::size_t count) {
     // Sixteen triples side by side, so that each lane of a vector register belongs to one place.
     constexpr std::size_t lanes = 48;
     Sample smallest[lanes];
@@ -50,12 +46,10 @@ ThreeRanges<Sample> threeRanges(const Sample* samples, std::size_t count) {
         }
     }
 
-    ThreeRanges<Sample> ranges;
     for (std::size_t i = 0; i < lanes; ++i)
         ranges[i % 3].include({smallest[i], largest[i]});
     for (; done < count; ++done)
         ranges[done % 3].include({samples[done], samples[done]});
-    return ranges;
 }
 
 /// The range of all samples, whatever their place.

@@ -3,34 +3,20 @@
 #include <opencv2/core.hpp>
 
 #include <functional>
-#include <memory>
-
-#ifdef __linux__
-#include <sys/mman.h>
-#endif
 
 namespace lumetra {
 namespace {
 
-/// Asks for large pages. Whether there are any is up to the system: nothing depends on it.
-void preferLargePages(const cv::Mat& image) {
-#ifdef MADV_HUGEPAGE
-    constexpr std::size_t page = 4096;
-    constexpr std::size_t worthwhile = std::size_t{32} << 20; // what allocators map by itself
-    void* first = image.data;
-    std::size_t bytes = image.total() * image.elemSize();
-    if (bytes >= worthwhile && std::align(page, worthwhile - page, first, bytes))
-        madvise(first, bytes / page * page, MADV_HUGEPAGE);
-#else
-    static_cast<void>(image);
-#endif
-}
+/// The headers that share the storage. Reading it by an atomic addition of nothing also makes sure
+/// that whoever counted themselves out last, on whatever thread, has read the pixels before.
+int headersOn(cv::UMatData& storage) { return CV_XADD(&storage.refcount, 0); }
 
-/// Whether this is the only header on its storage, and the storage is all its own.
+/// Whether this is the only header on its storage, and the storage is all its own. What another
+/// allocator gave may belong to somebody else although nobody else has a header on it.
 bool isSoleOwner(const cv::Mat& image) {
-    // Whoever counted themselves out last, on whatever thread, has read the pixels before.
-    return image.u && __atomic_load_n(&image.u->refcount, __ATOMIC_ACQUIRE) == 1 &&
-           image.u->urefcount == 0 && image.isContinuous() && !image.isSubmatrix();
+    return image.u && image.u->currAllocator == cv::Mat::getDefaultAllocator() &&
+           headersOn(*image.u) == 1 && image.u->urefcount == 0 && image.isContinuous() &&
+           !image.isSubmatrix();
 }
 
 bool overlap(const cv::Mat& a, const cv::Mat& b) {
@@ -40,20 +26,11 @@ bool overlap(const cv::Mat& a, const cv::Mat& b) {
 
 } // namespace
 
-void createImage(cv::Mat& image, int rows, int cols, int type) {
-    const unsigned char* const former = image.data;
-    image.create(rows, cols, type);
-    if (image.data != former)
-        preferLargePages(image);
-}
-
 cv::Mat resultImage(const cv::Mat& source, int type, const cv::Mat& dst) {
     if (dst.dims == 2 && dst.size() == source.size() && dst.type() == type && isSoleOwner(dst) &&
         !overlap(source, dst))
         return dst;
-    cv::Mat fresh;
-    createImage(fresh, source.rows, source.cols, type);
-    return fresh;
+    return cv::Mat(source.rows, source.cols, type);
 }
 
 } // namespace lumetra
