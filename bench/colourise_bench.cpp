@@ -60,9 +60,15 @@ QVector<QColor> colours() {
     return list;
 }
 
-Preparation pseudo(int type) {
+using Picture = std::function<cv::Mat(int side)>;
+
+Picture noiseOf(int type) {
+    return [=](int side) { return noise(type, side); };
+}
+
+Preparation pseudo(const Picture& picture) {
     return [=](int side) {
-        return [src = noise(type, side), dst = cv::Mat(), list = colours()]() mutable {
+        return [src = picture(side), dst = cv::Mat(), list = colours()]() mutable {
             Lumetra::Pseudo(src, dst, list);
         };
     };
@@ -77,9 +83,9 @@ cv::Mat colourMap() {
 }
 
 /// The image over its own range, in the colours of a map.
-Preparation normalizeAndMap(int type) {
+Preparation normalizeAndMap(const Picture& picture) {
     return [=](int side) {
-        return [src = noise(type, side), fitted = cv::Mat(), dst = cv::Mat(),
+        return [src = picture(side), fitted = cv::Mat(), dst = cv::Mat(),
                 map = colourMap()]() mutable {
             cv::normalize(src, fitted, 0, 255, cv::NORM_MINMAX, CV_8U);
             cv::applyColorMap(fitted, dst, map);
@@ -107,8 +113,14 @@ void registerColourise() {
         {"Dye 16UC1", 8, {2.5, 0.8}, dye(CV_16UC1, false, false), scaleAndMerge(CV_16UC1, false)});
     compare(
         {"Dye 16UC3", 12, {2.5, 0.8}, dye(CV_16UC3, false, false), scaleAndMerge(CV_16UC3, false)});
-    compare({"Pseudo 8UC1", 4, {3, 0.5}, pseudo(CV_8UC1), normalizeAndMap(CV_8UC1)});
-    compare({"Pseudo 8UC3", 6, {5, 0.6}, pseudo(CV_8UC3), normalizeAndMap(CV_8UC3)});
-    compare({"Pseudo 16UC1", 8, {4, 0}, pseudo(CV_16UC1), normalizeAndMap(CV_16UC1)});
-    compare({"Pseudo 16UC3", 12, {4, 0}, pseudo(CV_16UC3), normalizeAndMap(CV_16UC3)});
+    const auto comparePseudo = [](const char* name, double bytes, Aims aims,
+                                  const Picture& picture) {
+        compare({name, bytes, aims, pseudo(picture), normalizeAndMap(picture)});
+    };
+    comparePseudo("Pseudo 8UC1", 4, {3, 0.5}, noiseOf(CV_8UC1));
+    comparePseudo("Pseudo 8UC3", 6, {5, 0.6}, noiseOf(CV_8UC3));
+    comparePseudo("Pseudo 8UC3, mostly black", 6, {5, 0.6},
+                  [](int side) { return mostlyBlack(CV_8UC3, side); });
+    comparePseudo("Pseudo 16UC1", 8, {4, 0}, noiseOf(CV_16UC1));
+    comparePseudo("Pseudo 16UC3", 12, {4, 0}, noiseOf(CV_16UC3));
 }

@@ -67,3 +67,12 @@ const cv::Mat& noise(int type, int side, int number) {
     }
     return image;
 }
+
+cv::Mat mostlyBlack(int type, int side) {
+    cv::Mat black(side, side, CV_8UC1, cv::Scalar(1));
+    for (int x = 0; x < side; x += 16)
+        black.col(x) = 0;
+    cv::Mat image = noise(type, side).clone();
+    image.setTo(0, black);
+    return image;
+}

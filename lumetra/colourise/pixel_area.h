@@ -1,4 +1,4 @@
-// The view that the stages of colouring work on.
+// The view of a bitmap that the stages of colouring work on.
 #pragma once
 
 #include <algorithm>
@@ -7,8 +7,6 @@
 namespace lumetra {
 
 /// A rectangle of 24-bit pixels (blue, green, red) in somebody else's memory.
-///
-/// It serves a bitmap's pixel area and a strip of gray levels alike.
 struct PixelArea {
     unsigned char* first; ///< First byte of the first row.
     std::size_t width;    ///< Pixels in a row.
