@@ -21,7 +21,7 @@ Draws the dyes of the catalogue's colour slider to the picture file OUTPUT.
 
 constexpr int columns = 4, columnWidth = 219, rowHeight = 29, margin = 12, header = 232;
 
-int dyeCount() { return Lumetra::m_vecSldFluo.size(); }
+int dyeCount() { return static_cast<int>(Lumetra::m_vecSldFluo.size()); }
 
 /// The record of a place of the slider, or null if the catalogue lacks the name.
 FLUO_DYE_TYPE const* dyeAt(int place) {

@@ -10,7 +10,7 @@ constexpr int tile = 152, gap = 12, ribbon = 16;
 constexpr int large = 2 * tile + label + gap;
 
 void drawCatalogue(QPainter& painter, QPoint corner, double width) {
-    int const dyes = Lumetra::m_vecSldFluo.size();
+    auto const dyes = static_cast<int>(Lumetra::m_vecSldFluo.size());
     for (int i = 0; i < dyes; ++i) {
         FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[Lumetra::m_vecSldFluo[i]];
         double const left = i * width / dyes, right = (i + 1) * width / dyes;

@@ -212,7 +212,7 @@ TEST_F(AllocationFailure, FilesAreCompositedWholeOrLeftOut) {
     std::vector<cv::Mat> images;
     for (const char* name : {"a.bmp", "b.png", "c.bmp"}) {
         files.append(folder.filePath(name));
-        images.push_back(randomImage({2500, 4}, CV_8UC3) / (2 + files.size()));
+        images.push_back(randomImage({2500, 4}, CV_8UC3) / (2 + static_cast<int>(files.size())));
         cv::imwrite(files.back().toStdString(), images.back());
     }
     std::vector<cv::Mat> partial; // the last one with all files
@@ -264,7 +264,8 @@ int fillInAnotherProcess(long n) {
     if (child == 0) {
         Attempt attempt(n);
         const bool returned = attempt.returns(Lumetra::InitFluoDyeType, mallocRefusal);
-        const int dyes = Lumetra::g_mapFluo.size(), names = Lumetra::m_vecSldFluo.size();
+        const auto dyes = Lumetra::g_mapFluo.size();
+        const auto names = Lumetra::m_vecSldFluo.size();
         Lumetra::InitFluoDyeType();
         const bool isStated = Lumetra::bFluoDyeTypeInit && Lumetra::g_mapFluo.size() == dyes &&
                               Lumetra::m_vecSldFluo.size() == names && returned != attempt.refused;

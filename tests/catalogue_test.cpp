@@ -63,7 +63,7 @@ protected:
         if (wasInit || !Lumetra::g_mapFluo.isEmpty())
             return;
         wasInit = Lumetra::bFluoDyeTypeInit;
-        namesBefore = Lumetra::m_vecSldFluo.size();
+        namesBefore = static_cast<int>(Lumetra::m_vecSldFluo.size());
         Lumetra::g_mapFluo["My own dye"] = {1, 2, 3, 4, 5};
         Lumetra::g_mapFluo["DAPI"] = {1, 2, 3, 4, 5};
         Lumetra::m_vecSldFluo.append("My own dye");

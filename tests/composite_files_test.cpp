@@ -37,7 +37,7 @@ public:
                     names.append(event->name);
                 at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
             }
-        return names.count(file);
+        return static_cast<int>(names.count(file));
     }
 
 private:

@@ -4,6 +4,8 @@
 
 #include <lumetra>
 
+#include <QRegularExpression>
+
 #include <memory>
 #include <thread>
 
@@ -118,8 +120,9 @@ TEST(Composite, ListsThatCannotBeCompositedLeaveADebugLine) {
         const DebugLog log;
         EXPECT_EQ(composite(images, known.offsets), nullptr);
         ASSERT_EQ(log.lines.size(), 1);
-        EXPECT_TRUE(
-            QRegExp("default: \\[Lumetra::Composite\\] " + known.line).exactMatch(log.lines[0]))
+        EXPECT_TRUE(QRegularExpression("^default: \\[Lumetra::Composite\\] " + known.line + "$")
+                        .match(log.lines[0])
+                        .hasMatch())
             << qPrintable(log.lines[0]);
         for (std::size_t k = 0; k < images.size(); ++k)
             EXPECT_TRUE(sameImage(images[k], k == 0 && known.firstConverted

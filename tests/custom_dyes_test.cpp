@@ -60,7 +60,7 @@ TEST_F(CustomDyes, AnyNameAndAnyColourSurvive) {
                               QColor(Qt::transparent),
                               QColor::fromRgba64(1, 2, 65535, 257),
                               QColor::fromHsv(359, 10, 20, 30),
-                              QColor::fromHsvF(0.123, 0.5, 0.25),
+                              QColor::fromHsvF(0.125, 0.5, 0.25),
                               QColor::fromHsl(-1, 0, 77),
                               QColor::fromCmyk(1, 2, 3, 4, 5),
                               QColor::fromRgbF(1.5, -0.25, 0.5)};

@@ -23,7 +23,7 @@ QString colourKey(const QString& section) { return section + QStringLiteral("/Co
 std::map<int, QString> dyeSections(const QSettings& settings, int count) {
     std::map<int, QString> sections;
     for (const QString& group : settings.childGroups()) {
-        const int number = group.midRef(prefixLength).toInt();
+        const int number = group.mid(prefixLength).toInt();
         if (number >= 1 && number <= count && group == section(number))
             sections.emplace(number, group);
     }
