@@ -11,9 +11,21 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <random>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace {
+
+/// Settings files of this Qt are UTF-8; those of Qt 5 are ASCII with escapes, or Latin-1 if
+/// somebody has written them by hand.
+constexpr bool writesUtf8 = QT_VERSION >= QT_VERSION_CHECK(6, 0, 0);
 
 const QColor red(255, 0, 0), green(0, 255, 128);
 
@@ -28,6 +40,15 @@ protected:
         file.write(text);
         return file.fileName();
     }
+
+    static QByteArray bytesOf(const QString& path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QFile::ReadOnly)) << qPrintable(path);
+        return file.readAll();
+    }
+
+    /// What the file holds, whatever Qt remembers of its path.
+    Dyes loadCopy(const QString& path) { return load(fileOf(bytesOf(path))); }
 
     static Dyes load(const QString& path) {
         Dyes dyes = {{"left over", QColor(1, 2, 3)}};
@@ -53,7 +74,9 @@ TEST_F(CustomDyes, AnyNameAndAnyColourSurvive) {
                 "%41~\"quoted\"~\"~'~two\nlines\r\n~@Variant(~@Variant(\\0\\0\\0C)~@~@@~@Invalid()~"
                 "@String(x)~Größe~αβγ-Tubulin~細胞核~🔬~éabc~\x01~true~1~DyeType1/Name")
             .split('~');
-    names += {QChar(0), QString("a") + QChar(0) + "1", QChar(0xD800), QString(5000, QChar(0x3B1))};
+    names += {QChar(0), QString("a") + QChar(0) + "1", QString(5000, QChar(0x3B1))};
+    if (!writesUtf8)
+        names += {QChar(0xD800), QChar(0xFEFF)}; // no text, but Qt 5 keeps it
     const QColor colours[] = {QColor(),
                               red,
                               QColor(1, 2, 3, 4),
@@ -69,12 +92,12 @@ TEST_F(CustomDyes, AnyNameAndAnyColourSurvive) {
         const Dyes one = {{names[i], colours[i % 10]}};
         const QString path = freshPath();
         save(one, path);
-        EXPECT_EQ(load(path), one) << qPrintable(names[i]);
+        EXPECT_EQ(loadCopy(path), one) << qPrintable(names[i]);
         all.insert(names[i], colours[i % 7]);
     }
     const QString path = freshPath();
     save(all, path);
-    EXPECT_EQ(load(path), all);
+    EXPECT_EQ(loadCopy(path), all);
     EXPECT_EQ(readPlainly(path), all);
 }
 
@@ -99,6 +122,37 @@ TEST_F(CustomDyes, AreNumberedInTheirOrderAndReplaceTheFile) {
     EXPECT_EQ(load(path), Dyes());
 }
 
+/// What each generation of Qt writes, the other one reads.
+TEST_F(CustomDyes, AreExchangedBetweenQt5AndQt6) {
+    const QByteArray header =
+        "[General]\nNumber=1\n\n[DyeType1]\n"
+        "Color=@Variant(\\0\\0\\0\\x43\\x1\\xff\\xff\\xff\\xff\\0\\0\\0\\0\\0\\0)\n";
+    const QByteArray qt5 = header + R"(Name="Gr\xf6\xdf\x65, \x3b1\x3b2 \xd83d\xdd2c\x1")" + "\n",
+                     qt6 = header + "Name=\"Größe, αβ 🔬\\x1\"\n";
+    const Dyes dyes = {{QString::fromUtf8("Größe, αβ 🔬\x01"), red}};
+    EXPECT_EQ(load(fileOf(qt5)), dyes);
+    EXPECT_EQ(load(fileOf(qt6)), dyes);
+    EXPECT_EQ(load(fileOf("\xef\xbb\xbf" + qt6)), dyes);
+    const QString path = freshPath();
+    save(dyes, path);
+    EXPECT_EQ(bytesOf(path), writesUtf8 ? qt6 : qt5);
+
+    // Long files, with a character on every boundary that a reader may have.
+    for (int comment = 65400; comment < 65600; ++comment)
+        ASSERT_EQ(load(fileOf(";" + QByteArray(comment, ' ') + "\n" + qt6)), dyes) << comment;
+
+    if (writesUtf8) { // so what is no text does not survive
+        const QString ends = freshPath();
+        save({{QString(QChar(0xDFFF)) + "a", red}, {QString(QChar(0xFEFF)) + "b", red}}, ends);
+        EXPECT_EQ(loadCopy(ends), (Dyes{{QString(QChar(0xFFFD)) + "a", red}, {"b", red}}));
+        return;
+    }
+    for (const char* ending :
+         {"\xe9", "\xe9\n", "\xc3\xa9 \xe9", "\xc3", "\xed\xa0\x80", "\xc1\x81"})
+        EXPECT_EQ(load(fileOf("Number=1\n[DyeType1]\nColor=red\nName=" + QByteArray(ending))),
+                  (Dyes{{QString::fromLatin1(ending).trimmed(), red}}));
+}
+
 TEST_F(CustomDyes, FilesWrittenByOthersAreRead) {
     struct Case {
         QByteArray text; // "~" ends a line
@@ -115,6 +169,7 @@ TEST_F(CustomDyes, FilesWrittenByOthersAreRead) {
         {"Number=2~" + a + "[DyeType2]~Name=a~", {{"a", {}}}},
         {"Number=2~[DyeType2]~Color=red~", {{"", red}}},
         {"Number=3~[DyeType2]~Color=red~", {{"", {}}}},
+        {"Number=2~[DyeType0]~Name=z~[DyeType-1]~Name=m~" + a + b, {{"a", red}, {"b", green}}},
         {"Number=1~[DyeType01]~Name=a~Color=red~", {{"", {}}}},
         {"Number=1~[dyetype1]~Name=a~[DyeType1]~name=b~", {{"", {}}}},
         // No number of dyes.
@@ -143,7 +198,8 @@ TEST_F(CustomDyes, AnyFileIsReadAsEntryByEntry) {
             "[DyeType1]~[DyeType2]~[DyeType3]~[DyeType12]~[DyeType02]~[DyeType+1]~[DyeType 1]~"
             "[DyeType1/x]~[DyeType]~[%44yeType3]~[General]~[%General]~DyeType1\\Name=inner~"
             "DyeType3/Name=slash~DyeType2\\Color=blue~Name=a~Name=b~Name=b, c~Name=~Name~"
-            "Color=red~Color=#12345678~Color=1, 2, 3~Color=@ByteArray(red)~Color=@Size(1 2)~"
+            "Name=\xc3\xa9~Name=\xe9~Color=red~Color=#12345678~Color=1, 2, "
+            "3~Color=@ByteArray(red)~Color=@Size(1 2)~"
             "Color=@Variant(\\0\\0\\0\\x43\\x1\\xff\\xff\\xff\\xff\\x80\\x80\\0\\0\\0\\0)~"
             "Color=@Variant(\\0\\0)~Number=2~Number= 13 ~Number=@ByteArray(3)~number=1~"
             "; Name=comment~\\~\"~\xff\xfe")
@@ -153,8 +209,7 @@ TEST_F(CustomDyes, AnyFileIsReadAsEntryByEntry) {
         QByteArray text = "Number=" + QByteArray::number(static_cast<int>(random() % 14)) + "\n";
         for (unsigned n = random() % 16; n > 0; --n)
             text += lines[static_cast<int>(random() % static_cast<unsigned>(lines.size()))] + "\n";
-        const QString path = fileOf(text);
-        ASSERT_EQ(load(path), readPlainly(path)) << text.constData();
+        ASSERT_EQ(load(fileOf(text)), readPlainly(fileOf(text))) << text.constData();
     }
     for (int size : {0, 1, 100, 10000}) {
         QByteArray noise(size, 0);
@@ -179,6 +234,76 @@ TEST_F(CustomDyes, PathsThatCannotBeUsedAreEmptyFiles) {
     ASSERT_TRUE(readOnly.setPermissions(QFile::ReadOwner));
     save({{"a", red}}, readOnly.fileName());
     EXPECT_EQ(load(readOnly.fileName()), (Dyes{{"a", red}}));
+}
+
+#ifdef Q_OS_UNIX
+
+/// Gives the folder of a file to its owner to write in, or to nobody, root included.
+void setFolderWritable(const QString& path, bool writable) {
+    const bool isRoot = getuid() == 0;
+    EXPECT_TRUE(!isRoot || !writable || seteuid(0) == 0);
+    EXPECT_EQ(chmod(QFile::encodeName(QFileInfo(path).path()), writable ? 0755 : 0555), 0);
+    EXPECT_TRUE(!isRoot || writable || seteuid(65534) == 0);
+}
+
+/// Lets files of this process grow, or not.
+void setRoomForFiles(bool room) {
+    rlimit limit{};
+    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    limit.rlim_cur = room ? limit.rlim_max : 0;
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    std::signal(SIGXFSZ, room ? SIG_DFL : SIG_IGN);
+}
+
+#endif
+
+/// A save that fails leaves nothing in memory for later calls.
+TEST_F(CustomDyes, AFailedSaveIsForgotten) {
+    struct Obstacle {
+        const char* name;
+        std::function<void(const QString&)> put, remove;
+        bool keepsTheFile;
+    };
+    const Obstacle obstacles[] = {
+        {"a folder in its place",
+         [](auto& path) { EXPECT_TRUE(QFile::remove(path) && QDir().mkdir(path)); },
+         [](auto& path) { EXPECT_TRUE(QDir().rmdir(path)); }, false},
+#ifdef Q_OS_UNIX
+        {"a folder that may not be written", [](auto& path) { setFolderWritable(path, false); },
+         [](auto& path) { setFolderWritable(path, true); }, true},
+        {"no room for files", [](auto&) { setRoomForFiles(false); },
+         [](auto&) { setRoomForFiles(true); }, false},
+#endif
+    };
+    const Dyes old = {{"old", red}, {"older", red}},
+               lost = {{"a", green}, {"b", green}, {"c", green}, {"d", green}, {"e", green}};
+    for (const Obstacle& obstacle : obstacles) {
+        SCOPED_TRACE(obstacle.name);
+        const QString path = freshPath();
+        save(old, path);
+        EXPECT_EQ(load(path), old);
+        const QByteArray bytes = bytesOf(path);
+
+        obstacle.put(path);
+        save(lost, path);
+        const Dyes during = load(path);
+        obstacle.remove(path);
+        EXPECT_EQ(during, obstacle.keepsTheFile ? old : Dyes());
+
+        EXPECT_EQ(load(path), during);
+        EXPECT_EQ(QFile::exists(path), obstacle.keepsTheFile);
+        EXPECT_TRUE(!obstacle.keepsTheFile || bytesOf(path) == bytes);
+        save({{"new", red}}, path);
+        EXPECT_EQ(loadCopy(path), (Dyes{{"new", red}}));
+    }
+
+    // Nor does it write what the host has set on the path and not written yet.
+    const QString path = freshPath();
+    QSettings hosts(path, QSettings::IniFormat);
+    hosts.setValue("Other", 1);
+    save(old, path);
+    EXPECT_EQ(readPlainly(fileOf(bytesOf(path))), old);
+    EXPECT_FALSE(bytesOf(path).contains("Other"));
 }
 
 } // namespace

@@ -3,7 +3,11 @@
 #include <QFile>
 #include <QSettings>
 #include <QVariant>
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+#include <QTextDecoder>
+#endif
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -30,10 +34,40 @@ std::map<int, QString> dyeSections(const QSettings& settings, int count) {
     return sections;
 }
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+
+bool isUtf8(const QString& path) {
+    QFile file(path);
+    if (!file.exists() || !file.open(QFile::ReadOnly))
+        return false;
+    QTextDecoder decoder(QTextCodec::codecForName("UTF-8"));
+    for (qint64 left = file.size(); left > 0 && !decoder.hasFailure();) {
+        const QByteArray text = file.read(std::min(left, qint64{1} << 16));
+        if (text.isEmpty())
+            return false;
+        decoder.toUnicode(text);
+        left -= text.size();
+    }
+    return !decoder.hasFailure() && !decoder.needsMoreData();
+}
+
+/// Makes Qt 5, which takes bytes outside ASCII for Latin-1 and writes none, read what Qt 6 wrote.
+void chooseEncoding(QSettings& settings) {
+    if (isUtf8(settings.fileName()))
+        settings.setIniCodec("UTF-8");
+}
+
+#else
+
+void chooseEncoding(QSettings& /*settings*/) {} // always UTF-8
+
+#endif
+
 } // namespace
 
 void Lumetra::LoadCustomDyeType(QMap<QString, QColor>& map, QString const& path) {
-    const QSettings settings(path, QSettings::IniFormat);
+    QSettings settings(path, QSettings::IniFormat);
+    chooseEncoding(settings);
     const int count = settings.value(countKey, QString()).toInt();
     map.clear();
     if (count < 1)
@@ -54,9 +88,14 @@ void Lumetra::LoadCustomDyeType(QMap<QString, QColor>& map, QString const& path)
 }
 
 void Lumetra::SaveCustomDyeType(QMap<QString, QColor>& map, QString const& path) {
-    QFile::remove(path);
+    // Of a path, Qt keeps in memory what it could not write, unless it finds no file there: where
+    // the old one stays, nothing must be set.
+    if (!QFile::remove(path) && QFile::exists(path))
+        return;
+
     QSettings settings(path, QSettings::IniFormat);
-    settings.setValue(countKey, map.size());
+    settings.clear(); // what the host may have set on the same path and not written yet
+    settings.setValue(countKey, static_cast<int>(map.size()));
     int number = 1;
     for (auto dye = map.cbegin(); dye != map.cend(); ++dye, ++number) {
         settings.setValue(nameKey(section(number)), dye.key());
