@@ -1,8 +1,17 @@
-# Debian packages, one for each component of the installation; scripts/package makes them.
+# Debian packages, one for each component of the installation; scripts/package makes them. The
+# examples are the same for either generation of Qt and come with the build for Qt 5.
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME lumetra)
+set(CPACK_PACKAGE_NAME lumetra${qt_suffix})
 set(CPACK_PACKAGE_CONTACT "The libLumetra developers <developers@lumetra.invalid>")
-set(CPACK_COMPONENTS_ALL runtime development examples)
+if(LUMETRA_QT_MAJOR EQUAL 5)
+  set(CPACK_COMPONENTS_ALL runtime development examples)
+  set(runtime_package liblumetra${PROJECT_VERSION_MAJOR})
+  set(qt_package qtbase5-dev)
+else()
+  set(CPACK_COMPONENTS_ALL runtime development)
+  set(runtime_package liblumetra${qt_suffix}-${PROJECT_VERSION_MAJOR})
+  set(qt_package qt${LUMETRA_QT_MAJOR}-base-dev)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
@@ -10,18 +19,18 @@ set(CPACK_STRIP_FILES ON)
 set(description "libLumetra tints the gray channels of a fluorescence microscope with the colours of
 their dyes, stretches levels, applies colour tables and merges shifted channels.")
 
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME liblumetra${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${description}\nThis is the library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=") # newer ones of the same name will do
 
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblumetra-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblumetra${qt_suffix}-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${description}\nThis is what building with it needs.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION}), qtbase5-dev, libopencv-dev")
+    "${runtime_package} (= ${PROJECT_VERSION}), ${qt_package}, libopencv-dev")
 
 set(CPACK_DEBIAN_EXAMPLES_PACKAGE_NAME lumetra-examples)
 set(CPACK_DEBIAN_EXAMPLES_DESCRIPTION "${description}\nThese are programs that use it, as sources.")
