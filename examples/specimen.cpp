@@ -366,7 +366,7 @@ void drawSpecimen(std::filesystem::path const& directory, int seed, int size) {
         cv::Mat const counts = exposed(throughLens(light, sigma), exposure, random);
         for (auto const& [file, picture] :
              {std::pair{name + ".png", eightBits(counts)}, std::pair{name + ".tif", counts}}) {
-            writePicture(directory / file, picture);
+            writePicture((directory / file).string(), picture);
             std::cout << (directory / file).string() << '\n';
         }
     };

@@ -69,6 +69,8 @@ std::string line(const Parts&... parts) {
 /// Of each depth a third of the samples is any pattern of bits, of floating-point depths with all
 /// that these can be; a third lies a little around 8 and 16 bits; and a third is at an edge.
 cv::Mat testImage(cv::Size size, int type) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     static const double edges[] = {0,
                                    -0.0,
                                    0.5,
@@ -97,9 +99,9 @@ cv::Mat testImage(cv::Size size, int type) {
                                    1e300,
                                    -1e300,
                                    1e-310,
-                                   std::numeric_limits<double>::infinity(),
-                                   -std::numeric_limits<double>::infinity(),
-                                   std::numeric_limits<double>::quiet_NaN()};
+                                   infinity,
+                                   -infinity,
+                                   nan};
     cv::Mat image(size, type);
     std::mt19937_64 random(static_cast<unsigned>(size.width * 100 + type));
     const auto store = [](auto sample, uchar* at) { std::memcpy(at, &sample, sizeof sample); };
