@@ -33,6 +33,11 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i[3-6]86)$" AND NOT MSVC
   list(APPEND pixel_flags -msse4.1)
 endif()
 
+# No code of ours looks at floating-point exceptions, so that comparisons can be made side by side.
+if(NOT MSVC)
+  list(APPEND pixel_flags -fno-trapping-math)
+endif()
+
 # What code that walks over pixels is compiled with besides.
 function(pixel_code target)
   target_compile_options(${target} PRIVATE ${pixel_flags})
