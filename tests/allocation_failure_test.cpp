@@ -2,6 +2,7 @@
 // leaks, and the next call works.
 
 #include "canvas.h"
+#include "image_memory.h"
 
 #include <lumetra>
 
@@ -14,9 +15,6 @@
 #include <functional>
 #include <memory>
 #include <new>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -50,27 +48,30 @@ void giveBack(void* block) {
 }
 
 /// Gives out images that are filled with a value which no test expects, or refuses them.
-class ImageMemory : public cv::MatAllocator {
+class RefusingMemory : public ImageMemory {
 public:
-    cv::UMatData* allocate(int dims, const int* sizes, int type, void* data, std::size_t* step,
-                           cv::AccessFlag flags, cv::UMatUsageFlags usage) const override {
-        if (data == nullptr && refusal.isNow())
-            CV_Error(cv::Error::StsNoMem, "refused");
-        const long left =
-            refusal.left.exchange(0); // OpenCV leaks the samples if their record fails
-        auto* const image = standard->allocate(dims, sizes, type, data, step, flags, usage);
-        refusal.left = left;
-        if (data == nullptr)
-            std::fill_n(image->data, image->size, uchar{0xA5});
-        return image;
+    /// How many more images there are at once during a call than before it.
+    int mostDuring(const std::function<void()>& call) {
+        const int before = most_ = images_;
+        call();
+        return most_ - before;
     }
-    bool allocate(cv::UMatData*, cv::AccessFlag, cv::UMatUsageFlags) const override {
-        return false;
-    }
-    void deallocate(cv::UMatData* image) const override { standard->deallocate(image); }
 
 private:
-    cv::MatAllocator* standard = cv::Mat::getStdAllocator();
+    uchar* take(std::size_t size) const override {
+        if (refusal.isNow())
+            CV_Error(cv::Error::StsNoMem, "refused");
+        most_ = std::max(most_, ++images_);
+        ++liveBlocks;
+        return std::fill_n(static_cast<uchar*>(std::malloc(size)), size, uchar{0xA5}) - size;
+    }
+    void giveBack(uchar* bytes, std::size_t /*size*/) const override {
+        --images_;
+        ::giveBack(bytes);
+    }
+
+    mutable int images_ = 0;
+    mutable int most_ = 0;
 };
 
 } // namespace
@@ -140,10 +141,8 @@ long refuseEach(const std::function<void(Attempt&)>& tryOnce) {
 
 class AllocationFailure : public testing::Test {
 protected:
-    AllocationFailure() { cv::Mat::setDefaultAllocator(&imageMemory); }
-    ~AllocationFailure() override { cv::Mat::setDefaultAllocator(nullptr); }
-
-    ImageMemory imageMemory;
+    RefusingMemory imageMemory;
+    DefaultMemory used{imageMemory};
 };
 
 /// The source stays as it was. The destination becomes the result or stays what it was, unless a
@@ -212,9 +211,19 @@ TEST_F(AllocationFailure, FilesAreCompositedWholeOrLeftOut) {
     std::vector<cv::Mat> images;
     for (const char* name : {"a.bmp", "b.png", "c.bmp"}) {
         files.append(folder.filePath(name));
-        images.push_back(randomImage({2500, 4}, CV_8UC3) / (2 + static_cast<int>(files.size())));
+        images.push_back(randomImage({2500, 4}, CV_8UC3) / static_cast<int>(2 + files.size()));
         cv::imwrite(files.back().toStdString(), images.back());
     }
+    int decoding = 0;
+    for (const QString& file : files)
+        decoding =
+            std::max(decoding, imageMemory.mostDuring([&] { cv::imread(file.toStdString()); }));
+    cv::Mat picture;
+    EXPECT_EQ(
+        imageMemory.mostDuring([&] { Lumetra::FluorescenceSynthesis(&files, &offsets, picture); }),
+        decoding + 1)
+        << "one decoded image at a time is held beside the picture";
+
     std::vector<cv::Mat> partial; // the last one with all files
     const cv::Mat nothing(images[0].size(), CV_8UC3, cv::Scalar());
     for (bool b : {false, true})
@@ -248,7 +257,10 @@ TEST_F(AllocationFailure, FilesAreCompositedWholeOrLeftOut) {
 
 } // namespace
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which bring their own malloc
+// The C library's own functions, unless a sanitizer brings others.
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#include <sys/wait.h>
+#include <unistd.h>
 
 extern "C" void* __libc_malloc(std::size_t size); // NOLINT(bugprone-reserved-identifier)
 extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t size) noexcept {

@@ -3,8 +3,6 @@
 #include "canvas.h"
 #include "plain_colouring.h"
 
-#include <lumetra>
-
 #include <memory>
 
 namespace {
@@ -49,13 +47,6 @@ void expectLikeSmall(const cv::Mat& big, cv::Size size, const cv::Mat& small) {
         EXPECT_EQ(big.at<cv::Vec3b>(p), small.at<cv::Vec3b>(0, smallColumn(p))) << p;
 }
 
-QVector<QColor> ramp() {
-    QVector<QColor> colours;
-    for (int i = 0; i < 255; ++i)
-        colours.append(QColor(i, 255 - i, i * 7 % 256));
-    return colours;
-}
-
 void expectColouredLikeSmall(cv::Mat& big) {
     const cv::Mat small = smallPattern(big.type());
     for (Options options : {Options{false, false}, {true, true}}) {
@@ -64,8 +55,8 @@ void expectColouredLikeSmall(cv::Mat& big) {
         expectLikeSmall(dst, big.size(), plainDyed(small, {255, 131, 77}, options));
     }
     cv::Mat dst;
-    Lumetra::Pseudo(big, dst, ramp());
-    expectLikeSmall(dst, big.size(), plainColoured(small, ramp()));
+    Lumetra::Pseudo(big, dst, rampOf(255));
+    expectLikeSmall(dst, big.size(), plainColoured(small, rampOf(255)));
 }
 
 TEST(BigImages, AreColoured) {

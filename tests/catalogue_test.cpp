@@ -73,7 +73,7 @@ protected:
     Catalogue() { dyes.remove("My own dye"); }
 
     static inline bool wasInit = false;
-    static inline int namesBefore = -1;
+    static inline qsizetype namesBefore = -1;
     QMap<QString, FLUO_DYE_TYPE> dyes = Lumetra::g_mapFluo;
     QVector<QString> names = Lumetra::m_vecSldFluo.mid(1);
 };

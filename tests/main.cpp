@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QByteArray>
+
 #include <clocale>
-#include <cstdlib>
 
 /// Qt's offscreen platform does not release its screens when the application ends.
 extern "C" __attribute__((visibility("default"))) const char*
@@ -19,8 +20,8 @@ __tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the san
 }
 
 int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    setenv("LC_ALL", "C.UTF-8", 1);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C.UTF-8");
     std::setlocale(LC_ALL, "");
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

@@ -3,8 +3,10 @@
 
 #include "support.h"
 
-#include <QColor>
-#include <QVector>
+#include <lumetra>
+
+#include <array>
+#include <functional>
 
 struct Tint {
     int red, green, blue;
@@ -17,6 +19,29 @@ inline std::ostream& operator<<(std::ostream& out, Tint tint) {
 struct Options {
     bool autoLevels, dominantChannel;
 };
+
+/// Colours that tell their slot: slot i is i, 255 - i and i × 7 mod 256 in red, green and blue.
+inline QVector<QColor> rampOf(int count) {
+    QVector<QColor> colours;
+    for (int i = 0; i < count; ++i)
+        colours.append(QColor(i % 256, 255 - i % 256, i * 7 % 256));
+    return colours;
+}
+
+/// Whatever colours an image.
+using Operation = std::function<void(cv::Mat& src, cv::Mat& dst)>;
+
+inline std::vector<Operation> allOperations() {
+    std::vector<Operation> operations;
+    for (bool autoLevels : {false, true})
+        for (bool dominantChannel : {false, true})
+            operations.emplace_back([=](cv::Mat& src, cv::Mat& dst) {
+                Lumetra::Dye(src, dst, 200, 255, 31, autoLevels, dominantChannel);
+            });
+    operations.emplace_back(
+        [ramp = rampOf(255)](cv::Mat& src, cv::Mat& dst) { Lumetra::Pseudo(src, dst, ramp); });
+    return operations;
+}
 
 inline std::vector<uchar> channelOf(const cv::Mat& image, int channel) {
     std::vector<uchar> samples;
@@ -77,6 +102,21 @@ inline cv::Mat plainDyed(const cv::Mat& source, Tint tint, Options options) {
     return out;
 }
 
+/// The weighted bytes whose sum is a luma, multiplied ahead: no compiler can join that with the
+/// sum.
+constexpr auto weightedBytes = [] {
+    std::array<std::array<double, 3>, 256> products = {};
+    for (std::size_t v = 0; v < products.size(); ++v)
+        products[v] = {static_cast<double>(v) * 0.3, static_cast<double>(v) * 0.59,
+                       static_cast<double>(v) * 0.11};
+    return products;
+}();
+
+inline int plainLuma(std::size_t blue, std::size_t green, std::size_t red) {
+    return static_cast<int>((weightedBytes[blue][0] + weightedBytes[green][1]) +
+                            weightedBytes[red][2]);
+}
+
 inline cv::Mat plainColoured(const cv::Mat& source, const QVector<QColor>& colours) {
     const cv::Mat in = reducedForColouring(source);
     double min = 0, max = 0;
@@ -86,12 +126,12 @@ inline cv::Mat plainColoured(const cv::Mat& source, const QVector<QColor>& colou
     const bool deep = in.depth() == CV_16U;
     cv::Mat out(in.size(), CV_MAKETYPE(in.depth(), 3));
     fillSamples(out, [&](int y, int x, int c) {
-        int b[3];
-        for (int k = 0; k < 3; ++k)
-            b[k] = sampleAt(in, y, x, std::min(k, in.channels() - 1));
-        const int deepLuma = in.channels() == 1 ? b[0] : (38 * b[0] + 75 * b[1] + 15 * b[2]) >> 7;
+        const auto b = [&](int channel) {
+            return sampleAt(in, y, x, std::min(channel, in.channels() - 1));
+        };
+        const auto byte = [&](int channel) { return static_cast<std::size_t>(b(channel)); };
         const int luma =
-            deep ? deepLuma : static_cast<int>((b[0] * 0.3 + b[1] * 0.59) + b[2] * 0.11);
+            deep ? (38 * b(0) + 75 * b(1) + 15 * b(2)) >> 7 : plainLuma(byte(0), byte(1), byte(2));
         const int k = std::max(static_cast<int>(luma - min), 0);
         const int slot = static_cast<int>(k * q);
         const QColor colour = slot < colours.size() ? colours[slot] : QColor(0, 0, 0);

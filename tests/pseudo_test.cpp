@@ -2,8 +2,6 @@
 
 #include "plain_colouring.h"
 
-#include <lumetra>
-
 namespace {
 
 using Pixel = cv::Vec<ushort, 3>;
@@ -12,14 +10,6 @@ cv::Mat coloured(cv::Mat src, const QVector<QColor>& colours) {
     cv::Mat dst;
     Lumetra::Pseudo(src, dst, colours);
     return dst;
-}
-
-/// Colours that tell their slot: slot i is i, 255 - i and i × 7 mod 256 in red, green and blue.
-QVector<QColor> rampOf(int count) {
-    QVector<QColor> colours;
-    for (int i = 0; i < count; ++i)
-        colours.append(QColor(i % 256, 255 - i % 256, i * 7 % 256));
-    return colours;
 }
 
 /// The slot of each pixel of a one-column image, read off the red component.
@@ -32,7 +22,7 @@ std::vector<int> slotsOf(const cv::Mat& column) {
 }
 
 TEST(Pseudo, EveryTypeAndSizeFollowsTheRule) {
-    for (int depth = CV_8U; depth <= CV_64F; ++depth)
+    for (int depth : allDepths)
         for (int channels : {1, 3, 4})
             for (cv::Size size : imageSizes()) {
                 const cv::Mat image = mediumContrast(size, CV_MAKETYPE(depth, channels));
@@ -76,20 +66,29 @@ TEST(Pseudo, EveryColourHasTheLumaOfThePlainSum) {
         int wrong = 0;
         for (int green = 0; green < 256; ++green)
             for (int red = 0; red < 256; ++red) {
-                const int luma = static_cast<int>((blue * 0.3 + green * 0.59) + red * 0.11);
+                const int luma =
+                    plainLuma(static_cast<std::size_t>(blue), static_cast<std::size_t>(green),
+                              static_cast<std::size_t>(red));
                 wrong += result.at<cv::Vec3b>(green, red)[2] != std::max(luma - 1, 0) ? 1 : 0;
             }
         ASSERT_EQ(wrong, 0) << "with blue " << blue;
     }
 }
 
-/// Pictures that are gray at first, up to a pixel and from there on coloured.
+/// One sample makes a gray picture coloured, wherever it lies among pixels that are worked on
+/// together.
 TEST(Pseudo, GrayAndColouredPixelsFollowTheRuleSideBySide) {
-    for (int grayPixels : {1, 127, 128, 200, 256}) {
-        cv::Mat image(1, 256, CV_8UC3);
-        fillSamples(image, [=](int, int x, int c) { return x < grayPixels ? x : x + 50 * c; });
-        EXPECT_TRUE(sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))));
-    }
+    for (int pixels : {1, 8, 127, 128, 129, 136, 2047, 2048, 2049, 2176, 4100})
+        for (int place : {0, 1, 7, 127, 128, 135, 2040, 2047, 2048, 2175, pixels - 1})
+            for (int channel = 0; channel < 3 && place < pixels; ++channel) {
+                cv::Mat image(1, pixels, CV_8UC3);
+                fillSamples(image, [=](int, int x, int c) {
+                    return x == place && c == channel ? x ^ 128 : x;
+                });
+                ASSERT_TRUE(
+                    sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))))
+                    << place << " of " << pixels << " in channel " << channel;
+            }
 }
 
 TEST(Pseudo, KnownSlots) {

@@ -6,8 +6,12 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
+
+constexpr int allDepths[] = {CV_8U, CV_8S, CV_16U, CV_16S, CV_32S, CV_32F, CV_64F, CV_16F};
 
 /// Every width from 1 to 17, so that all row paddings and vector remainders occur, one row, one
 /// column, and a few wider images, up to some thousands of pixels.
@@ -25,11 +29,16 @@ inline std::vector<cv::Size> imageSizes() {
 inline cv::Mat randomImage(cv::Size size, int type) {
     const int depth = CV_MAT_DEPTH(type);
     const bool isUnsigned = depth == CV_8U || depth == CV_16U;
+    if (depth == CV_16F) { // which is not filled with noise directly
+        cv::Mat halves;
+        randomImage(size, CV_MAKETYPE(CV_32F, CV_MAT_CN(type))).convertTo(halves, CV_16F);
+        return halves;
+    }
     cv::Mat image(size, type);
     cv::RNG random(static_cast<uint64_t>(size.width * 1000 + size.height * 10 + type));
     random.fill(image, cv::RNG::UNIFORM, isUnsigned ? 0 : -100, depth == CV_16U ? 65536 : 256,
                 true);
-    if (depth >= CV_16S)
+    if (!isUnsigned && depth != CV_8S)
         image *= 1.5;
     return image;
 }
@@ -99,16 +108,60 @@ void fillSamples(cv::Mat image, Rule rule) {
                     image.ptr<uchar>(y)[i] = static_cast<uchar>(rule(y, x, c));
 }
 
+/// The samples of any depth as they are. Of 32-bit integers, OpenCV's own conversion keeps only the
+/// first 24 bits on some processors.
+inline cv::Mat exactSamples(const cv::Mat& image) {
+    cv::Mat samples(image.size(), CV_MAKETYPE(CV_64F, image.channels()));
+    if (image.depth() != CV_32S)
+        image.convertTo(samples, CV_64F);
+    else
+        for (int y = 0; y < image.rows; ++y)
+            std::copy_n(image.ptr<int>(y), image.cols * image.channels(), samples.ptr<double>(y));
+    return samples;
+}
+
+/// A column of samples: all that a depth of 8 or 16 bits has, or those of another between which
+/// rounding and clamping differ.
+inline cv::Mat samplesOf(int depth) {
+    if (CV_ELEM_SIZE1(depth) <= 2) {
+        const bool isByte = CV_ELEM_SIZE1(depth) == 1;
+        cv::Mat bits(isByte ? 256 : 65536, 1, isByte ? CV_8U : CV_16U);
+        fillSamples(bits, [depth](int y, int, int) {
+            const bool isAnyNaN = depth == CV_16F && (y & 0x7FFF) > 0x7C00;
+            return isAnyNaN ? 0x7E00 : y; // one stands for all
+        });
+        return cv::Mat(bits.size(), CV_MAKETYPE(depth, 1), bits.data).clone();
+    }
+    std::vector<double> values = {std::numeric_limits<double>::quiet_NaN()};
+    const auto add = [&](double value) { values.insert(values.end(), {value, -value}); };
+    for (double value = 0; value < 300; value += 0.25)
+        add(value);
+    for (double value : {0x1p-1074,     0x1.fffffep-2, 0x1.fffffffffffffp-2,
+                         0x1.000002p-1, 32766.5,       32767.5,
+                         65534.5,       65535.5,       16777217.0,
+                         2147483392.0,  2147483645.5,  2147483646.5,
+                         2147483647.0,  2147483647.5,  2147483648.0,
+                         3e9,           4294967297.0,  9.5e18,
+                         2e19,          1e30,          3.5e38,
+                         1e300,         1 / 0.0})
+        add(value);
+    cv::Mat samples;
+    cv::Mat(values).convertTo(samples, depth);
+    return samples;
+}
+
 /// What colouring makes of a source before it looks at a pixel: alpha dropped, and any depth but
-/// the unsigned ones rounded and clamped to 8 bits.
+/// the unsigned ones rounded, halves to even, and clamped to 8 bits.
 inline cv::Mat reducedForColouring(const cv::Mat& source) {
-    std::vector<cv::Mat> channels;
-    cv::split(source, channels);
-    channels.resize(std::min<std::size_t>(channels.size(), 3));
-    cv::Mat reduced;
-    cv::merge(channels, reduced);
-    if (reduced.depth() != CV_16U)
-        reduced.convertTo(reduced, CV_8U);
+    const cv::Mat samples = exactSamples(source);
+    const bool isDeep = source.depth() == CV_16U;
+    cv::Mat reduced(source.size(),
+                    CV_MAKETYPE(isDeep ? CV_16U : CV_8U, std::min(source.channels(), 3)));
+    fillSamples(reduced, [&](int y, int x, int c) {
+        const double sample = samples.ptr<double>(y)[x * source.channels() + c];
+        const double largest = isDeep ? 65535 : 255;
+        return std::isnan(sample) ? 0 : std::clamp(std::nearbyint(sample), 0.0, largest);
+    });
     return reduced;
 }
 

@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -47,8 +48,8 @@ std::vector<cv::Mat> work(Sources& sources, const QString& ownFile) {
     Lumetra::SaveCustomDyeType(dyes, ownFile);
     Lumetra::LoadCustomDyeType(loaded, ownFile);
     EXPECT_EQ(loaded, dyes);
-    for (const QString& name : qAsConst(Lumetra::m_vecSldFluo))
-        EXPECT_TRUE(qAsConst(Lumetra::g_mapFluo).contains(name));
+    for (const QString& name : std::as_const(Lumetra::m_vecSldFluo))
+        EXPECT_TRUE(std::as_const(Lumetra::g_mapFluo).contains(name));
     return results;
 }
 
