@@ -3,8 +3,7 @@
 
 #include "canvas.h"
 #include "image_memory.h"
-
-#include <lumetra>
+#include "plain_colouring.h"
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -148,12 +147,7 @@ protected:
 /// The source stays as it was. The destination becomes the result or stays what it was, unless a
 /// bitmap was needed: then it may be a copy of the source, or empty if the decoder had no memory.
 TEST_F(AllocationFailure, ColouringLeavesSourceAndDestinationWhole) {
-    const QVector<QColor> colours(255, QColor(9, 200, 30));
-    const std::function<void(cv::Mat&, cv::Mat&)> operations[] = {
-        [](cv::Mat& src, cv::Mat& dst) { Lumetra::Dye(src, dst, 255, 131, 77, true, true); },
-        [](cv::Mat& src, cv::Mat& dst) { Lumetra::Dye(src, dst, 255, 131, 77, false, false); },
-        [&](cv::Mat& src, cv::Mat& dst) { Lumetra::Pseudo(src, dst, colours); }};
-    for (const auto& colour : operations)
+    for (const Operation& colour : allOperations())
         for (int type : {CV_8UC1, CV_8UC3, CV_8UC4, CV_16UC1, CV_16UC3, CV_16UC4, CV_32FC1,
                          CV_32FC3, CV_64FC3})
             for (bool inPlace : {false, true}) {
@@ -207,9 +201,9 @@ TEST_F(AllocationFailure, CompositingLeavesImagesWhole) {
 TEST_F(AllocationFailure, FilesAreCompositedWholeOrLeftOut) {
     const QTemporaryDir folder;
     QList<QString> files;
-    QList<QPoint> offsets = {{0, 0}, {3, 1}, {1, 0}};
+    QList<QPoint> offsets = {{0, 0}, {3, 1}};
     std::vector<cv::Mat> images;
-    for (const char* name : {"a.bmp", "b.png", "c.bmp"}) {
+    for (const char* name : {"a.bmp", "b.png"}) {
         files.append(folder.filePath(name));
         images.push_back(randomImage({2500, 4}, CV_8UC3) / static_cast<int>(2 + files.size()));
         cv::imwrite(files.back().toStdString(), images.back());
@@ -224,32 +218,25 @@ TEST_F(AllocationFailure, FilesAreCompositedWholeOrLeftOut) {
         decoding + 1)
         << "one decoded image at a time is held beside the picture";
 
-    std::vector<cv::Mat> partial; // the last one with all files
     const cv::Mat nothing(images[0].size(), CV_8UC3, cv::Scalar());
-    for (bool b : {false, true})
-        for (bool c : {false, true})
-            partial.push_back(plainCanvas(
-                {images[0], b ? images[1] : nothing, c ? images[2] : nothing}, offsets));
-    const auto isPartial = [&](const cv::Mat& image) {
-        return std::any_of(partial.begin(), partial.end(), [&](const cv::Mat& canvas) {
-            return static_cast<bool>(sameImage(image, canvas));
-        });
-    };
+    const cv::Mat whole = plainCanvas(images, offsets);
+    const cv::Mat first = plainCanvas({images[0], nothing}, offsets);
     const auto compositeOnce = [&](Attempt& attempt) {
         std::unique_ptr<cv::Mat> canvas;
         attempt.returns([&] { canvas.reset(Lumetra::Composite(&files, &offsets)); });
-        EXPECT_TRUE(canvas ? bool(sameImage(*canvas, partial.back())) : attempt.refused);
+        EXPECT_TRUE(canvas ? bool(sameImage(*canvas, whole)) : attempt.refused);
     };
     EXPECT_GT(refuseEach(compositeOnce), 0);
-    for (cv::Size size : {cv::Size(5, 4), partial.back().size()}) {
+    for (cv::Size size : {cv::Size(5, 4), whole.size()}) {
         const cv::Mat old(size, CV_8UC3, cv::Scalar(1, 2, 3));
         const auto tryOnce = [&](Attempt& attempt) {
             cv::Mat dst = old.clone();
             const bool returned =
                 attempt.returns([&] { Lumetra::FluorescenceSynthesis(&files, &offsets, dst); });
-            EXPECT_TRUE(attempt.refused || sameImage(dst, partial.back()));
+            EXPECT_TRUE(attempt.refused || sameImage(dst, whole));
             EXPECT_TRUE(dst.empty() ? !returned
-                                    : isPartial(dst) || (!returned && sameImage(dst, old)));
+                                    : sameImage(dst, whole) || sameImage(dst, first) ||
+                                          (!returned && sameImage(dst, old)));
         };
         EXPECT_GT(refuseEach(tryOnce), 0);
     }
@@ -259,8 +246,6 @@ TEST_F(AllocationFailure, FilesAreCompositedWholeOrLeftOut) {
 
 // The C library's own functions, unless a sanitizer brings others.
 #if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#include <sys/wait.h>
-#include <unistd.h>
 
 extern "C" void* __libc_malloc(std::size_t size); // NOLINT(bugprone-reserved-identifier)
 extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t size) noexcept {
@@ -269,33 +254,17 @@ extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t size)
 
 namespace {
 
-/// Fills the catalogue of a new process with the n-th allocation refused. @return Its exit code: 0
-/// for a whole catalogue, 1 for one that an exception cut short and that stays so, 2 otherwise.
-int fillInAnotherProcess(long n) {
-    const pid_t child = fork();
-    if (child == 0) {
-        Attempt attempt(n);
-        const bool returned = attempt.returns(Lumetra::InitFluoDyeType, mallocRefusal);
-        const auto dyes = Lumetra::g_mapFluo.size();
-        const auto names = Lumetra::m_vecSldFluo.size();
-        Lumetra::InitFluoDyeType();
-        const bool isStated = Lumetra::bFluoDyeTypeInit && Lumetra::g_mapFluo.size() == dyes &&
-                              Lumetra::m_vecSldFluo.size() == names && returned != attempt.refused;
-        const bool isWhole = dyes == 329 && names == 148;
-        _exit(isStated && returned == isWhole ? !returned : 2);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 2;
-}
-
+/// A host finds the catalogue as the failure left it, and that stays so.
 TEST(CatalogueAllocationFailure, LeavesACatalogueThatIsNotFilledAgain) {
-    long n = 1;
-    int code = fillInAnotherProcess(n);
-    for (; code == 1; n += 1 + n / 20)
-        code = fillInAnotherProcess(n);
-    EXPECT_EQ(code, 0) << "at allocation " << n;
-    EXPECT_GT(n, 329);
+    ASSERT_FALSE(Lumetra::bFluoDyeTypeInit);
+    EXPECT_FALSE(Attempt(500).returns(Lumetra::InitFluoDyeType, mallocRefusal));
+    EXPECT_TRUE(Lumetra::bFluoDyeTypeInit);
+    const auto dyes = Lumetra::g_mapFluo.size();
+    EXPECT_GT(dyes, 100);
+    EXPECT_LT(dyes, 329);
+    Lumetra::InitFluoDyeType();
+    EXPECT_EQ(Lumetra::g_mapFluo.size(), dyes);
+    EXPECT_EQ(Lumetra::m_vecSldFluo.size(), 0);
 }
 
 } // namespace

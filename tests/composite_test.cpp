@@ -100,16 +100,13 @@ TEST(Composite, ListsThatCannotBeCompositedLeaveADebugLine) {
         {0, {}, "matList:0 offsetPointList:0", false},
         {1, {{0, 0}}, "matList:1 offsetPointList:1", false},
         {2, {{0, 0}}, "matList:2 offsetPointList:1", false},
-        {1, {{0, 0}, {0, 0}}, "matList:1 offsetPointList:2", false},
         {3, {{0, 0}, {0, 0}}, "matList:3 offsetPointList:2", false},
-        {2, {{0, 0}, {0, 0}, {0, 0}}, "matList:2 offsetPointList:3", false},
         {2, {{0, 0}, {0, 10}}, "newRows:0 newCols:20", true},
         {2, {{0, 0}, {-20, 3}}, "newRows:7 newCols:0", true},
         {3, {{-15, 0}, {0, 0}, {15, 11}}, "newRows:-1 newCols:-10", true},
         {2, {{0, 0}, {0, INT_MAX}}, "newRows:-2147483637 newCols:20", true},
         {2, {{-1, 9}, {INT_MAX, 0}}, "newRows:1 newCols:-2147483628", true},
         {2, {{INT_MIN, 0}, {INT_MAX, 0}}, "newRows:10 newCols:-\\d+", true},
-        {2, {{0, INT_MAX}, {0, INT_MIN}}, "newRows:-\\d+ newCols:20", true},
         {2, {{INT_MAX, INT_MIN}, {INT_MIN, INT_MAX}}, "newRows:-\\d+ newCols:-\\d+", true}};
     for (const Case& known : cases) {
         SCOPED_TRACE(qPrintable(known.line));
@@ -170,16 +167,13 @@ TEST(Composite, ImagesOfUnlikeSizesNeedNoUserInterface) {
 
 TEST(Composite, OtherDepthsGiveAnAllZeroCanvas) {
     for (int depth : {CV_8S, CV_16S, CV_32S, CV_32F, CV_64F}) {
-        for (int round = 0; round < 3; ++round) { // memory that is used again is not zero by itself
-            Images images = {randomImage({60, 50}, CV_MAKETYPE(depth, 1)),
-                             randomImage({60, 50}, CV_8UC1)};
-            const std::unique_ptr<cv::Mat> canvas = composite(images, {{0, 0}, {4, 3}});
-            ASSERT_NE(canvas, nullptr);
-            EXPECT_TRUE(sameImage(*canvas, cv::Mat::zeros(47, 56, CV_MAKETYPE(depth, 3))));
-            EXPECT_EQ(images[0].type(), canvas->type());
-            EXPECT_EQ(images[1].type(), canvas->type());
-        }
-        Images images = {randomImage({6, 5}, CV_MAKETYPE(depth, 3)), randomImage({6, 4}, CV_8UC1)};
+        Images images = noise({60, 50}, {CV_MAKETYPE(depth, 1), CV_8UC1});
+        const std::unique_ptr<cv::Mat> canvas = composite(images, {{0, 0}, {4, 3}});
+        ASSERT_NE(canvas, nullptr);
+        EXPECT_TRUE(sameImage(*canvas, cv::Mat::zeros(47, 56, CV_MAKETYPE(depth, 3))));
+        EXPECT_EQ(images[0].type(), canvas->type());
+        EXPECT_EQ(images[1].type(), canvas->type());
+        images[1].pop_back();
         EXPECT_EQ(composite(images, {{0, 0}, {0, 0}}), nullptr);
     }
 }

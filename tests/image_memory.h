@@ -36,8 +36,13 @@ private:
 /// While it lives, all images lie in this memory whose place is not chosen otherwise.
 class DefaultMemory {
 public:
-    explicit DefaultMemory(ImageMemory& memory) { cv::Mat::setDefaultAllocator(&memory); }
+    explicit DefaultMemory(ImageMemory& memory) : outer(cv::Mat::getDefaultAllocator()) {
+        cv::Mat::setDefaultAllocator(&memory);
+    }
     DefaultMemory(const DefaultMemory&) = delete;
     DefaultMemory& operator=(const DefaultMemory&) = delete;
-    ~DefaultMemory() { cv::Mat::setDefaultAllocator(nullptr); }
+    ~DefaultMemory() { cv::Mat::setDefaultAllocator(outer); }
+
+private:
+    cv::MatAllocator* outer;
 };

@@ -1,4 +1,7 @@
-// Runs the tests without a display, and with UTF-8 as the encoding of file names.
+// Runs the tests without a display, with UTF-8 as the encoding of file names, and where the system
+// can do that, with images in guarded memory.
+
+#include "guarded_memory.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +26,10 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("LC_ALL", "C.UTF-8");
     std::setlocale(LC_ALL, "");
+#if __has_include(<sys/mman.h>)
+    static GuardedMemory memory;
+    const DefaultMemory used(memory);
+#endif
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

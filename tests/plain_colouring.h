@@ -102,19 +102,10 @@ inline cv::Mat plainDyed(const cv::Mat& source, Tint tint, Options options) {
     return out;
 }
 
-/// The weighted bytes whose sum is a luma, multiplied ahead: no compiler can join that with the
-/// sum.
-constexpr auto weightedBytes = [] {
-    std::array<std::array<double, 3>, 256> products = {};
-    for (std::size_t v = 0; v < products.size(); ++v)
-        products[v] = {static_cast<double>(v) * 0.3, static_cast<double>(v) * 0.59,
-                       static_cast<double>(v) * 0.11};
-    return products;
-}();
-
-inline int plainLuma(std::size_t blue, std::size_t green, std::size_t red) {
-    return static_cast<int>((weightedBytes[blue][0] + weightedBytes[green][1]) +
-                            weightedBytes[red][2]);
+/// A sum of weighted samples. No compiler can join a product with the sum, which would round less.
+inline int plainLuma(int blue, int green, int red) {
+    const volatile double products[] = {blue * 0.3, green * 0.59, red * 0.11};
+    return static_cast<int>((products[0] + products[1]) + products[2]);
 }
 
 inline cv::Mat plainColoured(const cv::Mat& source, const QVector<QColor>& colours) {
@@ -129,9 +120,8 @@ inline cv::Mat plainColoured(const cv::Mat& source, const QVector<QColor>& colou
         const auto b = [&](int channel) {
             return sampleAt(in, y, x, std::min(channel, in.channels() - 1));
         };
-        const auto byte = [&](int channel) { return static_cast<std::size_t>(b(channel)); };
         const int luma =
-            deep ? (38 * b(0) + 75 * b(1) + 15 * b(2)) >> 7 : plainLuma(byte(0), byte(1), byte(2));
+            deep ? (38 * b(0) + 75 * b(1) + 15 * b(2)) >> 7 : plainLuma(b(0), b(1), b(2));
         const int k = std::max(static_cast<int>(luma - min), 0);
         const int slot = static_cast<int>(k * q);
         const QColor colour = slot < colours.size() ? colours[slot] : QColor(0, 0, 0);

@@ -4,8 +4,6 @@
 
 namespace {
 
-using Pixel = cv::Vec<ushort, 3>;
-
 cv::Mat coloured(cv::Mat src, const QVector<QColor>& colours) {
     cv::Mat dst;
     Lumetra::Pseudo(src, dst, colours);
@@ -50,7 +48,7 @@ TEST(Pseudo, EverySpanOfSamplesFollowsTheRule) {
         cv::Mat image(256, 256, type);
         fillSamples(image, [](int y, int x, int c) { return y * 256 + x + c * 9; });
         EXPECT_TRUE(sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))));
-        EXPECT_EQ(coloured(cv::Mat(image.reshape(1)), rampOf(256)).at<Pixel>(255, 255)[2] >> 8,
+        EXPECT_EQ(coloured(cv::Mat(image.reshape(1)), rampOf(256)).at<cv::Vec3w>(255, 255)[2] >> 8,
                   254);
     }
 }
@@ -66,9 +64,7 @@ TEST(Pseudo, EveryColourHasTheLumaOfThePlainSum) {
         int wrong = 0;
         for (int green = 0; green < 256; ++green)
             for (int red = 0; red < 256; ++red) {
-                const int luma =
-                    plainLuma(static_cast<std::size_t>(blue), static_cast<std::size_t>(green),
-                              static_cast<std::size_t>(red));
+                const int luma = plainLuma(blue, green, red);
                 wrong += result.at<cv::Vec3b>(green, red)[2] != std::max(luma - 1, 0) ? 1 : 0;
             }
         ASSERT_EQ(wrong, 0) << "with blue " << blue;
@@ -101,15 +97,6 @@ TEST(Pseudo, KnownSlots) {
     EXPECT_EQ(slotsOf((cv::Mat_<ushort>(3, 1) << 7, 28, 111)), (std::vector{0, 50, 252}));
     EXPECT_EQ(slotsOf((cv::Mat_<ushort>(2, 1) << 0, 65535)), (std::vector{0, 254}));
     EXPECT_EQ(slotsOf(cv::Mat(4, 1, CV_16UC3, cv::Scalar::all(900))), (std::vector{0, 0, 0, 0}));
-
-    // The luma of 67 levels falls one short, which shows in all of them but level 1.
-    cv::Mat all(256, 1, CV_8UC1);
-    fillSamples(all, [](int y, int, int) { return y; });
-    const std::vector<int> slots = slotsOf(all);
-    int reduced = 0;
-    for (int v = 2; v < 256; ++v)
-        reduced += slots[static_cast<std::size_t>(v)] == v - 2 ? 1 : 0;
-    EXPECT_EQ(reduced, 66);
 }
 
 TEST(Pseudo, ColoursAreTakenFromAnyListOfColours) {
@@ -123,11 +110,9 @@ TEST(Pseudo, ColoursAreTakenFromAnyListOfColours) {
         for (const cv::Mat& src : {all, deep})
             EXPECT_TRUE(sameImage(coloured(src, colours), plainColoured(src, colours)))
                 << colours.size();
-    for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
-        cv::Mat red = coloured(cv::Mat(1, 1, type, cv::Scalar::all(0)), {QColor(255, 0, 0)});
-        red.convertTo(red, CV_16U);
-        EXPECT_EQ(red.at<Pixel>(0), Pixel(0, 0, CV_MAT_DEPTH(type) == CV_8U ? 255 : 65280));
-    }
+    const QVector<QColor> red = {QColor(255, 0, 0)};
+    EXPECT_EQ(coloured(cv::Mat(1, 1, CV_8UC1, 9), red).at<cv::Vec3b>(0), cv::Vec3b(0, 0, 255));
+    EXPECT_EQ(coloured(cv::Mat(1, 1, CV_16UC1, 9), red).at<cv::Vec3w>(0), cv::Vec3w(0, 0, 65280));
 }
 
 } // namespace

@@ -1,9 +1,7 @@
 // Functions at work on several threads at once, which read the same sources.
 
+#include "plain_colouring.h"
 #include "plain_custom_dyes.h"
-#include "support.h"
-
-#include <lumetra>
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -17,31 +15,24 @@ namespace {
 
 /// What all threads read.
 struct Sources {
-    std::vector<cv::Mat> images; ///< The first one gray, the second one coloured, of 8 bits.
-    QVector<QColor> colours;
+    std::vector<cv::Mat> images; ///< The last one of 24 bits.
     QList<QString> files;
 };
 
 /// One round of what may run on any thread.
 std::vector<cv::Mat> work(Sources& sources, const QString& ownFile) {
     std::vector<cv::Mat> results;
-    for (cv::Mat& src : sources.images) {
-        Lumetra::Dye(src, results.emplace_back(), 255, 90, 10, true, true);
-        Lumetra::Pseudo(src, results.emplace_back(), sources.colours);
-    }
+    for (const Operation& colour : allOperations())
+        for (cv::Mat& src : sources.images)
+            colour(src, results.emplace_back());
     QList<QString> files = sources.files;
     QList<QPoint> offsets = {{0, 0}, {2, 3}};
     Lumetra::FluorescenceSynthesis(&files, &offsets, results.emplace_back());
 
-    unsigned short low = 0, high = 0;
-    cv::Mat& gray = sources.images[0];
-    Lumetra::AutoCountHistoGray(gray.data, gray.cols, gray.rows, &low, &high);
-    cv::Mat own = results.emplace_back(gray.clone());
-    Lumetra::StretchLevelsGray(low, high, own.data, own.cols, own.rows);
     TS_LEVELS levels = {};
-    cv::Mat& colour = sources.images[1];
-    Lumetra::AutoCountHistoRGB24(colour.data, colour.cols, colour.rows, levels);
-    own = results.emplace_back(colour.clone());
+    cv::Mat& read = sources.images.back();
+    Lumetra::AutoCountHistoRGB24(read.data, read.cols, read.rows, levels);
+    cv::Mat own = results.emplace_back(read.clone());
     Lumetra::StretchLevelsRGB24(levels, own.data, own.cols, own.rows);
 
     Dyes dyes = {{"DAPI", QColor(1, 2, 3)}, {"none", QColor()}}, loaded;
@@ -57,11 +48,10 @@ TEST(Threads, ShareSourcesAndNothingElse) {
     const QTemporaryDir folder;
     Sources sources;
     sources.files = {folder.filePath("a.png"), folder.filePath("b.bmp")};
-    sources.colours.fill(QColor(9, 200, 30), 255);
-    for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3, CV_32FC3})
+    for (int type : {CV_8UC1, CV_16UC1, CV_16UC3, CV_32FC1, CV_32FC3, CV_8UC3})
         sources.images.push_back(mediumContrast({150, 110}, type));
-    for (int i : {0, 1})
-        cv::imwrite(sources.files[i].toStdString(), sources.images[static_cast<std::size_t>(i)]);
+    for (const QString& file : sources.files)
+        cv::imwrite(file.toStdString(), sources.images.back());
     Lumetra::InitFluoDyeType();
     const std::vector<cv::Mat> expected = work(sources, folder.filePath("dyes.ini"));
 
