@@ -47,10 +47,11 @@ TEST(BitmapRoundTrip, StagesSeeRowsOfThePixelsBottomUpAndZeroedPadding) {
         SCOPED_TRACE(testing::Message() << size);
         const cv::Mat image = viewInto(randomImage(size, CV_8UC3));
         cv::Mat dst;
+        const std::size_t stride = (static_cast<std::size_t>(size.width) * 24 + 31) / 32 * 4;
         const auto expectShape = [&](PixelArea area) {
             EXPECT_EQ(area.width, static_cast<std::size_t>(size.width));
             EXPECT_EQ(area.height, static_cast<std::size_t>(size.height));
-            EXPECT_EQ(area.stride, static_cast<std::size_t>((size.width * 24 + 31) / 32 * 4));
+            EXPECT_EQ(area.stride, stride);
         };
         lumetra::RoundTripStages stages;
         stages.inPlace = [&](PixelArea encoded) {
@@ -79,7 +80,6 @@ TEST(BitmapRoundTrip, StagesSeeRowsOfThePixelsBottomUpAndZeroedPadding) {
         expected.ptr(size.height - 1)[0] = 255 - 99;
         EXPECT_TRUE(sameImage(dst, expected));
 #ifdef __ELF__
-        const auto stride = static_cast<std::size_t>((size.width * 24 + 31) / 32 * 4);
         ASSERT_EQ(rebuilt.size(), 54 + stride * static_cast<std::size_t>(size.height));
         EXPECT_EQ(rebuilt[2] + rebuilt[3] * 0x100U + rebuilt[4] * 0x10000U, rebuilt.size());
 #endif

@@ -44,8 +44,9 @@ TEST(Colouring, ReplacesTheDestinationAndOnlyReadsTheSource) {
         for (int type : {CV_8UC1, CV_8UC3, CV_8UC4, CV_16UC1, CV_16UC3, CV_16UC4, CV_16SC1,
                          CV_16SC3, CV_32SC1, CV_32SC3, CV_32FC1, CV_32FC3, CV_64FC1, CV_64FC3}) {
             SCOPED_TRACE(cv::typeToString(type));
-            cv::Mat image = mediumContrast({13, 7}, type), expected;
-            colour(image, expected);
+            cv::Mat image = mediumContrast({13, 7}, type), same = image.clone(), expected;
+            colour(same, expected);
+            EXPECT_TRUE(sameImage(same, image));
             const auto expectOwnResult = [&](cv::Mat& src, cv::Mat& dst) {
                 colour(src, dst);
                 EXPECT_TRUE(sameImage(dst, expected));

@@ -20,8 +20,8 @@ public:
         image->data = image->origdata = take(image->size);
         return image.release();
     }
-    bool allocate(cv::UMatData*, cv::AccessFlag, cv::UMatUsageFlags) const override {
-        return false;
+    bool allocate(cv::UMatData* image, cv::AccessFlag, cv::UMatUsageFlags) const override {
+        return image != nullptr;
     }
     void deallocate(cv::UMatData* image) const override {
         giveBack(image->origdata, image->size);

@@ -18,7 +18,7 @@ Channels channelsOf(const TS_LEVELS& l) {
     return {{l.wLowB, l.wHighB}, {l.wLowG, l.wHighG}, {l.wLowR, l.wHighR}};
 }
 
-Channels measured(Bytes bytes, int w, int h, int channels) {
+Channels measured(const Bytes& bytes, int w, int h, int channels) {
     unsigned short low = 7777, high = 8888;
     TS_LEVELS levels = {1, 2, 3, 4, 5, 6};
     if (channels == 3) {
@@ -38,7 +38,7 @@ Channels plainChannels(const Bytes& bytes, int channels) {
     return levels;
 }
 
-void stretch(const Channels& levels, Bytes bytes, int w, int h) {
+void stretch(const Channels& levels, const Bytes& bytes, int w, int h) {
     const auto black = [&](std::size_t c) { return static_cast<ushort>(levels[c].first); };
     const auto white = [&](std::size_t c) { return static_cast<ushort>(levels[c].second); };
     if (levels.size() == 1)

@@ -136,14 +136,14 @@ inline cv::Mat samplesOf(int depth) {
     const auto add = [&](double value) { values.insert(values.end(), {value, -value}); };
     for (double value = 0; value < 300; value += 0.25)
         add(value);
-    for (double value : {0x1p-1074,     0x1.fffffep-2, 0x1.fffffffffffffp-2,
-                         0x1.000002p-1, 32766.5,       32767.5,
-                         65534.5,       65535.5,       16777217.0,
-                         2147483392.0,  2147483645.5,  2147483646.5,
-                         2147483647.0,  2147483647.5,  2147483648.0,
-                         3e9,           4294967297.0,  9.5e18,
-                         2e19,          1e30,          3.5e38,
-                         1e300,         1 / 0.0})
+    const double epsilon = std::numeric_limits<double>::epsilon();
+    for (double near : {0.5, 1.5, 2.5, 254.5, 65535.5, 2147483646.5, 2147483647.5})
+        for (double value :
+             {near, near * (1 - epsilon), near * (1 + epsilon), near * (1 - 0x1p-23)})
+            add(value);
+    for (double value :
+         {5e-324, 32766.5, 32767.5, 65534.5, 16777217.0, 2147483647.0, 2147483648.0, 3e9,
+          4294967297.0, 9.5e18, 2e19, 1e30, 3.5e38, 1e300, std::numeric_limits<double>::infinity()})
         add(value);
     cv::Mat samples;
     cv::Mat(values).convertTo(samples, depth);
