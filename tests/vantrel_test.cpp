@@ -78,7 +78,8 @@ TEST(ConvertColorMode, GrayBecomesThreeChannelsAndAlphaIsDropped) {
     for (int from : allDepths)
         for (int to : allDepths)
             for (int channels : {1, 3, 4})
-                for (cv::Size size : imageSizes()) {
+                for (cv::Size size :
+                     {cv::Size(1, 1), {17, 3}, {23, 1}, {1, 19}, {130, 2}, {2051, 2}}) {
                     const cv::Mat image = randomImage(size, CV_MAKETYPE(from, channels));
                     std::vector<cv::Mat> planes;
                     cv::split(image, planes);
