@@ -31,8 +31,8 @@ constexpr int side = 256, gap = 12;
 int placeOf(int column) { return gap + column * (side + gap); }
 
 /// A chart of the pictures side by side, with room for something below them.
-QImage chartOf(std::vector<LabelledPicture> const& pictures, int room = 0) {
-    int const count = static_cast<int>(pictures.size());
+QImage chartOf(const std::vector<LabelledPicture>& pictures, int room = 0) {
+    const int count = static_cast<int>(pictures.size());
     QImage chart = emptyChart(placeOf(count), gap + side + label + room + gap);
     QPainter painter(&chart);
     for (int i = 0; i < count; ++i)
@@ -40,7 +40,7 @@ QImage chartOf(std::vector<LabelledPicture> const& pictures, int room = 0) {
     return chart;
 }
 
-cv::Mat dyed(cv::Mat gray, QString const& name) {
+cv::Mat dyed(cv::Mat gray, const QString& name) {
     FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[name];
     cv::Mat picture;
     Lumetra::Dye(gray, picture, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
@@ -53,15 +53,15 @@ cv::Mat composite(cv::Mat first, cv::Mat second, QPoint offset) {
     return *std::unique_ptr<cv::Mat>(Lumetra::Composite(&images, &offsets));
 }
 
-QImage dyeing(cv::Mat const& gray) {
+QImage dyeing(const cv::Mat& gray) {
     return chartOf({{"The channel", "8 bits, gray", gray},
                     {"Dyed", "as FITC (29, 255, 0)", dyed(gray, "FITC")},
                     {"Dyed", "as Cy3", dyed(gray, "Cy3")}});
 }
 
 /// Two channels between whose exposures the camera moved.
-QImage compositing(cv::Mat const& nuclei, cv::Mat const& filaments) {
-    QPoint const moved(14, -9);
+QImage compositing(const cv::Mat& nuclei, const cv::Mat& filaments) {
+    const QPoint moved(14, -9);
     constexpr int margin = 16;
     cv::Rect const field(margin, margin, nuclei.cols - 2 * margin, nuclei.rows - 2 * margin);
     cv::Mat const blue = dyed(nuclei(field), "DAPI");
@@ -72,27 +72,27 @@ QImage compositing(cv::Mat const& nuclei, cv::Mat const& filaments) {
 }
 
 /// How many samples have each value, as bars, and the levels that a stretch would use.
-void drawHistogram(QPainter& painter, QRectF const& box, cv::Mat const& gray) {
+void drawHistogram(QPainter& painter, const QRectF& box, const cv::Mat& gray) {
     std::array<int, 256> counts{};
-    for (uchar const sample : cv::Mat_<uchar>(gray))
+    for (const uchar sample : cv::Mat_<uchar>(gray))
         ++counts[sample];
-    double const highest = *std::max_element(counts.begin(), counts.end());
+    const double highest = *std::max_element(counts.begin(), counts.end());
     painter.fillRect(box, paper.lighter(150));
     for (int value = 0; value < 256; ++value) {
-        double const height =
+        const double height =
             std::sqrt(counts[static_cast<size_t>(value)] / highest) * box.height();
         painter.fillRect(QRectF(box.left() + value, box.bottom() - height, 1, height), ink);
     }
     unsigned short black = 0, white = 0;
     Lumetra::AutoCountHistoGray(gray.data, gray.cols, gray.rows, &black, &white);
-    for (int const level : {black, white})
+    for (const int level : {black, white})
         painter.fillRect(QRectF(box.left() + level, box.top(), 1, box.height()),
                          QColor(255, 160, 0));
     write(painter, {box.left(), box.bottom() + 3, box.width(), 14},
           QString("black level %1, white level %2").arg(black).arg(white), 10, paleInk);
 }
 
-QImage levels(cv::Mat const& gray) {
+QImage levels(const cv::Mat& gray) {
     constexpr int height = 80;
     cv::Mat dim, stretched;
     gray.convertTo(dim, CV_8U, 0.25, 30); // as too short an exposure gives it
@@ -107,13 +107,13 @@ QImage levels(cv::Mat const& gray) {
         {{"Before", "a dim exposure", dim}, {"After", "stretched between its levels", stretched}},
         height + 20);
     QPainter painter(&chart);
-    int const top = gap + side + label + 4;
+    const int top = gap + side + label + 4;
     drawHistogram(painter, QRectF(placeOf(0), top, side, height), dim);
     drawHistogram(painter, QRectF(placeOf(1), top, side, height), stretched);
     return chart;
 }
 
-void saveCustomDyes(std::string const& file) {
+void saveCustomDyes(const std::string& file) {
     QMap<QString, QColor> dyes{{"Heliotrope", QColor(196, 116, 255)},
                                {"Seaweed, new", QColor(0, 200, 150)}};
     Lumetra::SaveCustomDyeType(dyes, QString::fromStdString(file));
@@ -121,7 +121,7 @@ void saveCustomDyes(std::string const& file) {
 
 QImage pseudoColour(cv::Mat gray) {
     constexpr int ribbon = 20;
-    auto const table = evenColours();
+    const auto table = evenColours();
     cv::Mat picture;
     Lumetra::Pseudo(gray, picture, table);
 
@@ -129,8 +129,8 @@ QImage pseudoColour(cv::Mat gray) {
                             {"Pseudo-colour", "each value a colour of the table below", picture}},
                            ribbon + 20);
     QPainter painter(&chart);
-    double const top = gap + side + label + 4, width = placeOf(2) - gap - gap;
-    double const slot = width / table.size();
+    const double top = gap + side + label + 4, width = placeOf(2) - gap - gap;
+    const double slot = width / table.size();
     for (int i = 0; i < table.size(); ++i)
         painter.fillRect(QRectF(gap + i * slot, top, slot + 1, ribbon), table[i]);
     write(painter, {gap, top + ribbon + 3, width, 14},
@@ -142,7 +142,7 @@ QImage pseudoColour(cv::Mat gray) {
 
 int main(int argc, char** argv) {
     drawWithoutDisplay();
-    QGuiApplication const application(argc, argv);
+    const QGuiApplication application(argc, argv);
     return runProgram(usage, [&] {
         if (argc != 3)
             throw BadUsage{};

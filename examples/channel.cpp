@@ -15,14 +15,14 @@
 namespace {
 
 /// How many letters must be put in, left out or replaced to make `b` of `a`, whatever their case.
-int editDistance(QString const& a, QString const& b) {
+int editDistance(const QString& a, const QString& b) {
     std::vector<int> row(static_cast<size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), 0);
-    for (QChar const letter : a) {
+    for (const QChar letter : a) {
         int diagonal = row[0]++;
         for (size_t i = 1; i < row.size(); ++i) {
-            bool const same = letter.toLower() == b[static_cast<int>(i) - 1].toLower();
-            int const replaced = diagonal + (same ? 0 : 1);
+            const bool same = letter.toLower() == b[static_cast<int>(i) - 1].toLower();
+            const int replaced = diagonal + (same ? 0 : 1);
             diagonal = row[i];
             row[i] = std::min({replaced, row[i] + 1, row[i - 1] + 1});
         }
@@ -32,41 +32,41 @@ int editDistance(QString const& a, QString const& b) {
 
 /// The three names of the catalogue that are nearest to what was written, with or without what
 /// looks like an offset.
-QStringList nearestDyes(QString const& written, QString const& withoutOffset) {
+QStringList nearestDyes(const QString& written, const QString& withoutOffset) {
     std::vector<std::pair<int, QString>> ranked;
-    for (QString const& name : Lumetra::g_mapFluo.keys())
+    for (const QString& name : Lumetra::g_mapFluo.keys())
         ranked.emplace_back(
             std::min(editDistance(written, name), editDistance(withoutOffset, name)), name);
     std::partial_sort(ranked.begin(), ranked.begin() + 3, ranked.end());
     return {ranked[0].second, ranked[1].second, ranked[2].second};
 }
 
-int offsetPart(QString const& digits) {
+int offsetPart(const QString& digits) {
     bool fits = false;
-    int const value = digits.toInt(&fits);
+    const int value = digits.toInt(&fits);
     if (!fits)
         throw Failure("the offset " + digits.toStdString() + " is too large");
     return value;
 }
 
-std::string sizeText(cv::Mat const& picture) {
+std::string sizeText(const cv::Mat& picture) {
     return std::to_string(picture.cols) + " x " + std::to_string(picture.rows);
 }
 
 } // namespace
 
-Channel parseChannel(std::string const& argument) {
-    size_t const equals = argument.rfind('=');
+Channel parseChannel(const std::string& argument) {
+    const size_t equals = argument.rfind('=');
     if (equals == std::string::npos || equals == 0)
         throw BadUsage{};
     std::string const file = argument.substr(0, equals);
-    QString const written = QString::fromStdString(argument.substr(equals + 1));
+    const QString written = QString::fromStdString(argument.substr(equals + 1));
     if (Lumetra::g_mapFluo.contains(written))
         return {file, written, {}};
 
-    static QRegularExpression const offset("([+-][0-9]+)([+-][0-9]+)$");
-    auto const match = offset.match(written);
-    QString const dye = match.hasMatch() ? written.left(match.capturedStart()) : written;
+    static const QRegularExpression offset("([+-][0-9]+)([+-][0-9]+)$");
+    const auto match = offset.match(written);
+    const QString dye = match.hasMatch() ? written.left(match.capturedStart()) : written;
     if (!Lumetra::g_mapFluo.contains(dye))
         throw Failure("there is no dye \"" + written.toStdString() +
                       "\"; the nearest names are \"" +
@@ -74,7 +74,7 @@ Channel parseChannel(std::string const& argument) {
     return {file, dye, {offsetPart(match.captured(1)), offsetPart(match.captured(2))}};
 }
 
-std::vector<Channel> parseChannels(int argc, char const* const* argv, int first) {
+std::vector<Channel> parseChannels(int argc, const char* const* argv, int first) {
     if (argc < first + 2)
         throw BadUsage{};
     std::vector<Channel> channels;
@@ -82,16 +82,16 @@ std::vector<Channel> parseChannels(int argc, char const* const* argv, int first)
     return channels;
 }
 
-cv::Mat readGray(std::string const& file) {
+cv::Mat readGray(const std::string& file) {
     cv::Mat gray = cv::imread(file, cv::IMREAD_GRAYSCALE | cv::IMREAD_ANYDEPTH);
     if (gray.empty())
         throw Failure("cannot read a picture from " + file);
     return gray;
 }
 
-std::vector<cv::Mat> readChannels(std::vector<Channel> const& channels) {
+std::vector<cv::Mat> readChannels(const std::vector<Channel>& channels) {
     std::vector<cv::Mat> pictures;
-    for (Channel const& channel : channels) {
+    for (const Channel& channel : channels) {
         pictures.push_back(readGray(channel.file));
         if (pictures.back().size() != pictures.front().size())
             throw Failure("the pictures have different sizes: " + channels.front().file + " has " +
@@ -101,18 +101,18 @@ std::vector<cv::Mat> readChannels(std::vector<Channel> const& channels) {
     return pictures;
 }
 
-cv::Mat toEightBits(cv::Mat const& gray) {
+cv::Mat toEightBits(const cv::Mat& gray) {
     if (gray.depth() == CV_8U)
         return gray;
     double darkest = 0, brightest = 0;
     cv::minMaxLoc(gray, &darkest, &brightest);
-    double const scale = 255 / std::max(brightest - darkest, 1.0);
+    const double scale = 255 / std::max(brightest - darkest, 1.0);
     cv::Mat eightBits;
     gray.convertTo(eightBits, CV_8U, scale, -darkest * scale);
     return eightBits;
 }
 
-void writePicture(std::string const& file, cv::Mat const& picture) {
+void writePicture(const std::string& file, const cv::Mat& picture) {
     if (!cv::haveImageWriter(file) || !cv::imwrite(file, picture))
         throw Failure("cannot write a picture to " + file);
 }

@@ -28,29 +28,29 @@ struct Channel {
 ///
 /// @throws BadUsage without a file or "="; Failure, with the nearest names, for an unknown dye, or
 ///         for an offset that is no 32-bit number.
-Channel parseChannel(std::string const& argument);
+Channel parseChannel(const std::string& argument);
 
 /// Understands the arguments from number `first` on as channels.
 /// @throws BadUsage if there are fewer than two.
-std::vector<Channel> parseChannels(int argc, char const* const* argv, int first);
+std::vector<Channel> parseChannels(int argc, const char* const* argv, int first);
 
 /// Reads a picture as gray, in the depth that its file has.
 /// @throws Failure if it cannot be read.
-cv::Mat readGray(std::string const& file);
+cv::Mat readGray(const std::string& file);
 
 /// Reads the gray pictures of all channels.
 /// @throws Failure if one cannot be read or has another size than the first.
-std::vector<cv::Mat> readChannels(std::vector<Channel> const& channels);
+std::vector<cv::Mat> readChannels(const std::vector<Channel>& channels);
 
 /// Brings a gray picture to 8 bits for the eye: its darkest sample becomes 0, its brightest 255.
 ///
 /// A 16-bit camera fills a part of its range only, and `Lumetra::Dye` stretches the levels of 8-bit
 /// results alone; taken as it is, such a picture would be nearly black. One of 8 bits is returned
 /// as it is.
-cv::Mat toEightBits(cv::Mat const& gray);
+cv::Mat toEightBits(const cv::Mat& gray);
 
 /// Writes a picture in the format that the file's extension asks for.
 /// @throws Failure if it cannot be written.
-void writePicture(std::string const& file, cv::Mat const& picture);
+void writePicture(const std::string& file, const cv::Mat& picture);
 
 #endif

@@ -25,21 +25,21 @@ Makes pictures of the channels FILE, dyed with DYE and moved by X and Y as two_c
 directory OUTDIR, in which two_channels has already written their composite.png.
 )";
 
-QString fileName(Channel const& channel) {
+QString fileName(const Channel& channel) {
     return QFileInfo(QString::fromLocal8Bit(channel.file.c_str())).fileName();
 }
 
-cv::Mat tinted(cv::Mat const& gray, int red, int green, int blue) {
+cv::Mat tinted(const cv::Mat& gray, int red, int green, int blue) {
     cv::Mat levels = toEightBits(gray), picture;
     Lumetra::Dye(levels, picture, red, green, blue, true, false);
     return picture;
 }
 
-std::string path(std::string const& file) { return std::filesystem::absolute(file).string(); }
+std::string path(const std::string& file) { return std::filesystem::absolute(file).string(); }
 
 /// Writes a picture of the demo and says so.
-LabelledPicture kept(std::string const& file, QString const& title, QString const& explanation,
-                     cv::Mat const& picture) {
+LabelledPicture kept(const std::string& file, const QString& title, const QString& explanation,
+                     const cv::Mat& picture) {
     writePicture(file, picture);
     std::cout << path(file) << ": " << title.toStdString() << ", " << explanation.toStdString()
               << '\n';
@@ -48,15 +48,15 @@ LabelledPicture kept(std::string const& file, QString const& title, QString cons
 
 std::string tintedFile(size_t channel) { return "tinted-" + std::to_string(channel + 1) + ".png"; }
 
-LabelledPicture tintedChannel(Channel const& channel, cv::Mat const& gray,
-                              std::string const& file) {
+LabelledPicture tintedChannel(const Channel& channel, const cv::Mat& gray,
+                              const std::string& file) {
     FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[channel.dye];
     return kept(file, fileName(channel), "tinted as " + channel.dye,
                 tinted(gray, dye.nColorR, dye.nColorG, dye.nColorB));
 }
 
 /// A channel in 16 bits: as it is, or its 8 bits spread over the larger range.
-LabelledPicture pseudoColoured(cv::Mat const& gray) {
+LabelledPicture pseudoColoured(const cv::Mat& gray) {
     //! [pseudo-colour]
     cv::Mat deep, picture;
     gray.convertTo(deep, CV_16U, gray.depth() == CV_8U ? 257 : 1);
@@ -66,7 +66,7 @@ LabelledPicture pseudoColoured(cv::Mat const& gray) {
 }
 
 /// Merges the tinted files; `composite` is the picture that the same channels gave in memory.
-LabelledPicture synthesis(std::vector<Channel> const& channels, cv::Mat const& composite) {
+LabelledPicture synthesis(const std::vector<Channel>& channels, const cv::Mat& composite) {
     QList<QString> files;
     QList<QPoint> offsets;
     for (size_t i = 0; i < channels.size(); ++i) {
@@ -77,7 +77,7 @@ LabelledPicture synthesis(std::vector<Channel> const& channels, cv::Mat const& c
     cv::Mat picture;
     Lumetra::FluorescenceSynthesis(&files, &offsets, picture);
     //! [synthesis]
-    bool const same = picture.size() == composite.size() && picture.type() == composite.type() &&
+    const bool same = picture.size() == composite.size() && picture.type() == composite.type() &&
                       cv::norm(picture, composite, cv::NORM_INF) == 0;
     return kept("synthesis.png", "Synthesis",
                 QString("%1 files, %2 the composite")
@@ -87,22 +87,22 @@ LabelledPicture synthesis(std::vector<Channel> const& channels, cv::Mat const& c
 }
 
 /// A channel in a colour that comes out of a user's own dye file.
-LabelledPicture customDyed(cv::Mat const& gray) {
+LabelledPicture customDyed(const cv::Mat& gray) {
     //! [custom dyes]
-    QString const name = "Heliotrope", file = "custom-dyes.ini";
+    const QString name = "Heliotrope", file = "custom-dyes.ini";
     QMap<QString, QColor> ours{{name, QColor(196, 116, 255)}}, loaded;
     Lumetra::SaveCustomDyeType(ours, file);
     Lumetra::LoadCustomDyeType(loaded, file);
     //! [custom dyes]
     if (loaded != ours)
         throw Failure("cannot keep custom dyes in " + file.toStdString());
-    QColor const colour = loaded[name];
+    const QColor colour = loaded[name];
     return kept("custom-dye.png", "Custom dye", name + ", from a file",
                 tinted(gray, colour.red(), colour.green(), colour.blue()));
 }
 
-void makePictures(std::filesystem::path const& directory, std::vector<Channel> const& channels) {
-    std::vector<cv::Mat> const grays = readChannels(channels);
+void makePictures(const std::filesystem::path& directory, const std::vector<Channel>& channels) {
+    const std::vector<cv::Mat> grays = readChannels(channels);
     std::error_code error;
     std::filesystem::current_path(directory, error); // keeps every name below short and plain
     cv::Mat const composite = cv::imread("composite.png");
@@ -125,7 +125,7 @@ void makePictures(std::filesystem::path const& directory, std::vector<Channel> c
 
 int main(int argc, char** argv) {
     drawWithoutDisplay();
-    QGuiApplication const application(argc, argv);
+    const QGuiApplication application(argc, argv);
     return runProgram(usage, [&] {
         if (argc < 2)
             throw BadUsage{};

@@ -9,10 +9,10 @@
 
 namespace {
 
-QImage toImage(cv::Mat const& picture) {
+QImage toImage(const cv::Mat& picture) {
     cv::Mat eightBits;
     picture.convertTo(eightBits, CV_8U, picture.depth() == CV_16U ? 1 / 256.0 : 1);
-    auto const format =
+    const auto format =
         eightBits.channels() == 1 ? QImage::Format_Grayscale8 : QImage::Format_BGR888;
     // The image only borrows the pixels, hence the copy.
     return QImage(eightBits.data, eightBits.cols, eightBits.rows,
@@ -45,8 +45,8 @@ QImage emptyChart(int width, int height) {
     return chart;
 }
 
-void write(QPainter& painter, QRectF const& box, QString const& text, int height,
-           QColor const& colour, bool bold) {
+void write(QPainter& painter, const QRectF& box, const QString& text, int height,
+           const QColor& colour, bool bold) {
     constexpr int narrowest = 60; // percent, still readable
     QFont font("DejaVu Sans");
     font.setPixelSize(height);
@@ -63,7 +63,7 @@ void write(QPainter& painter, QRectF const& box, QString const& text, int height
                      QFontMetricsF(font).elidedText(text, Qt::ElideRight, box.width()));
 }
 
-void drawPicture(QPainter& painter, QPoint corner, int side, LabelledPicture const& shown) {
+void drawPicture(QPainter& painter, QPoint corner, int side, const LabelledPicture& shown) {
     // Scaled before it is drawn: the painter alone would skip pixels.
     QImage image = toImage(shown.picture)
                        .scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
@@ -76,7 +76,7 @@ void drawPicture(QPainter& painter, QPoint corner, int side, LabelledPicture con
           paleInk);
 }
 
-void saveChart(QImage const& chart, std::string const& file) {
+void saveChart(const QImage& chart, const std::string& file) {
     constexpr int smallest = 0; // for PNG the quality is the size of the file, the pixels stay
     if (!chart.save(QString::fromStdString(file), nullptr, smallest))
         throw Failure("cannot write a picture to " + file);

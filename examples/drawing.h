@@ -13,7 +13,7 @@
 
 #include <opencv2/core/mat.hpp>
 
-inline QColor const paper(17, 19, 24), ink(232, 234, 238), paleInk(142, 149, 160);
+inline const QColor paper(17, 19, 24), ink(232, 234, 238), paleInk(142, 149, 160);
 
 /// Lets Qt draw without a display, unless the environment names a platform. To be called before
 /// the application object is made.
@@ -24,8 +24,8 @@ QImage emptyChart(int width, int height);
 
 /// Writes a line of text `height` pixels high, left in the box and vertically centred; squeezed
 /// where it is too long, and cut off if even that does not help.
-void write(QPainter& painter, QRectF const& box, QString const& text, int height,
-           QColor const& colour, bool bold = false);
+void write(QPainter& painter, const QRectF& box, const QString& text, int height,
+           const QColor& colour, bool bold = false);
 
 /// A picture (8 or 16 bits, one or three channels) with two lines of text to go below it.
 struct LabelledPicture {
@@ -37,9 +37,9 @@ struct LabelledPicture {
 constexpr int label = 36;
 
 /// Draws a picture into a square of `side` pixels and its two lines below.
-void drawPicture(QPainter& painter, QPoint corner, int side, LabelledPicture const& shown);
+void drawPicture(QPainter& painter, QPoint corner, int side, const LabelledPicture& shown);
 
 /// @throws Failure if the file cannot be written.
-void saveChart(QImage const& chart, std::string const& file);
+void saveChart(const QImage& chart, const std::string& file);
 
 #endif

@@ -24,18 +24,18 @@ constexpr int columns = 4, columnWidth = 219, rowHeight = 29, margin = 12, heade
 int dyeCount() { return static_cast<int>(Lumetra::m_vecSldFluo.size()); }
 
 /// The record of a place of the slider, or null if the catalogue lacks the name.
-FLUO_DYE_TYPE const* dyeAt(int place) {
-    auto const found = Lumetra::g_mapFluo.constFind(Lumetra::m_vecSldFluo[place]);
+const FLUO_DYE_TYPE* dyeAt(int place) {
+    const auto found = Lumetra::g_mapFluo.constFind(Lumetra::m_vecSldFluo[place]);
     return found == Lumetra::g_mapFluo.constEnd() ? nullptr : &*found;
 }
 
-QColor colourOf(FLUO_DYE_TYPE const* dye) {
+QColor colourOf(const FLUO_DYE_TYPE* dye) {
     return dye ? QColor(dye->nColorR, dye->nColorG, dye->nColorB) : paper;
 }
 
-void drawWheel(QPainter& painter, QRectF const& box) {
+void drawWheel(QPainter& painter, const QRectF& box) {
     constexpr int fullTurn = 360 * 16, top = 90 * 16;
-    auto const start = [](int place) { return top - fullTurn * place / dyeCount(); };
+    const auto start = [](int place) { return top - fullTurn * place / dyeCount(); };
     painter.setRenderHint(QPainter::Antialiasing, false); // or seams show between the sectors
     painter.setPen(Qt::NoPen);
     for (int place = 0; place < dyeCount(); ++place) {
@@ -49,30 +49,30 @@ void drawWheel(QPainter& painter, QRectF const& box) {
     painter.setPen(QPen(paper, 2));
     painter.drawEllipse(box);
 
-    QRectF const middle(box.center().x() - 46, box.center().y() - 16, 92, 18);
+    const QRectF middle(box.center().x() - 46, box.center().y() - 16, 92, 18);
     write(painter, middle, QString("%1 dyes").arg(dyeCount()), 15, ink, true);
     write(painter, middle.translated(0, 17), "clockwise from red", 10, paleInk);
 }
 
 /// Excitation (rings) and emission (dots) over the place in the slider.
-void drawWavelengths(QPainter& painter, QRectF const& box) {
+void drawWavelengths(QPainter& painter, const QRectF& box) {
     constexpr int shortest = 300, longest = 800;
-    auto const height = [&](int wavelength) {
+    const auto height = [&](int wavelength) {
         int const shown = std::clamp(wavelength, shortest, longest);
         return box.bottom() - box.height() * (shown - shortest) / (longest - shortest);
     };
     for (int wavelength = shortest; wavelength <= longest; wavelength += 100) {
-        double const y = height(wavelength);
+        const double y = height(wavelength);
         painter.setPen(QPen(paleInk.darker(250), 0.7));
         painter.drawLine(QPointF(box.left(), y), QPointF(box.right(), y));
         write(painter, QRectF(box.left() - 48, y - 7, 46, 14), QString("%1 nm").arg(wavelength), 10,
               paleInk);
     }
     for (int place = 0; place < dyeCount(); ++place) {
-        auto const* dye = dyeAt(place);
+        const auto* dye = dyeAt(place);
         if (!dye)
             continue;
-        double const x = box.left() + box.width() * (place + 0.5) / dyeCount();
+        const double x = box.left() + box.width() * (place + 0.5) / dyeCount();
         painter.setPen(QPen(colourOf(dye), 1));
         painter.setBrush(Qt::NoBrush);
         painter.drawEllipse(QPointF(x, height(dye->nExcitation)), 2, 2);
@@ -84,27 +84,27 @@ void drawWavelengths(QPainter& painter, QRectF const& box) {
 }
 
 void drawDye(QPainter& painter, QPoint corner, int place) {
-    auto const* dye = dyeAt(place);
-    QRectF const swatch(corner.x(), corner.y(), 30, rowHeight - 4);
+    const auto* dye = dyeAt(place);
+    const QRectF swatch(corner.x(), corner.y(), 30, rowHeight - 4);
     painter.fillRect(swatch, colourOf(dye));
     if (!dye) {
         painter.setPen(QPen(Qt::red, 2));
         painter.drawLine(swatch.topLeft(), swatch.bottomRight());
         painter.drawLine(swatch.bottomLeft(), swatch.topRight());
     }
-    QColor const number = qGray(colourOf(dye).rgb()) > 100 ? paper : ink;
+    const QColor number = qGray(colourOf(dye).rgb()) > 100 ? paper : ink;
     write(painter, swatch.adjusted(4, 0, 0, 0), QString::number(place + 1), 10, number);
 
-    QRectF const line(corner.x() + 36, corner.y() - 1, columnWidth - 44, 14);
+    const QRectF line(corner.x() + 36, corner.y() - 1, columnWidth - 44, 14);
     write(painter, line, Lumetra::m_vecSldFluo[place], 11, ink);
-    auto const wavelengths = dye ? QString("%1 / %2 nm").arg(dye->nExcitation).arg(dye->nEmission)
+    const auto wavelengths = dye ? QString("%1 / %2 nm").arg(dye->nExcitation).arg(dye->nEmission)
                                  : QString("not in the catalogue");
     write(painter, line.translated(0, 13), wavelengths, 10, paleInk);
 }
 
 QImage drawChart() {
-    int const rows = (dyeCount() + columns - 1) / columns;
-    int const width = columns * columnWidth + 2 * margin;
+    const int rows = (dyeCount() + columns - 1) / columns;
+    const int width = columns * columnWidth + 2 * margin;
     QImage chart = emptyChart(width, header + rows * rowHeight + margin);
     QPainter painter(&chart);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -120,7 +120,7 @@ QImage drawChart() {
 
 int main(int argc, char** argv) {
     drawWithoutDisplay();
-    QGuiApplication const application(argc, argv);
+    const QGuiApplication application(argc, argv);
     return runProgram(usage, [&] {
         if (argc != 2)
             throw BadUsage{};

@@ -10,14 +10,14 @@ constexpr int tile = 152, gap = 12, ribbon = 16;
 constexpr int large = 2 * tile + label + gap;
 
 void drawCatalogue(QPainter& painter, QPoint corner, double width) {
-    auto const dyes = static_cast<int>(Lumetra::m_vecSldFluo.size());
+    const auto dyes = static_cast<int>(Lumetra::m_vecSldFluo.size());
     for (int i = 0; i < dyes; ++i) {
         FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[Lumetra::m_vecSldFluo[i]];
-        double const left = i * width / dyes, right = (i + 1) * width / dyes;
+        const double left = i * width / dyes, right = (i + 1) * width / dyes;
         painter.fillRect(QRectF(corner.x() + left, corner.y(), right - left, ribbon),
                          QColor(dye.nColorR, dye.nColorG, dye.nColorB));
     }
-    auto const text = QString("%1 of the catalogue's %2 dyes, in the order of their colours")
+    const auto text = QString("%1 of the catalogue's %2 dyes, in the order of their colours")
                           .arg(dyes)
                           .arg(Lumetra::g_mapFluo.size());
     write(painter, QRectF(corner.x(), corner.y() + ribbon + 3, width, 14), text, 10, paleInk);
@@ -25,15 +25,15 @@ void drawCatalogue(QPainter& painter, QPoint corner, double width) {
 
 } // namespace
 
-QImage overview(std::vector<LabelledPicture> const& pictures) {
-    int const columns = static_cast<int>(pictures.size()) / 2;
-    int const width = large + columns * (gap + tile);
+QImage overview(const std::vector<LabelledPicture>& pictures) {
+    const int columns = static_cast<int>(pictures.size()) / 2;
+    const int width = large + columns * (gap + tile);
     QImage chart = emptyChart(width + 2 * gap, large + label + ribbon + 22 + 2 * gap);
     QPainter painter(&chart);
 
     drawPicture(painter, {gap, gap}, large, pictures.front());
     for (int i = 1; i < static_cast<int>(pictures.size()); ++i) {
-        QPoint const cell((i - 1) % columns, (i - 1) / columns);
+        const QPoint cell((i - 1) % columns, (i - 1) / columns);
         drawPicture(painter,
                     QPoint(gap + large + gap, gap) +
                         QPoint(cell.x() * (tile + gap), cell.y() * (tile + label + gap)),

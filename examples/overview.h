@@ -9,6 +9,6 @@
 #include "drawing.h"
 
 /// The first picture large, the others in two rows beside it, the colours of the catalogue below.
-QImage overview(std::vector<LabelledPicture> const& pictures);
+QImage overview(const std::vector<LabelledPicture>& pictures);
 
 #endif

@@ -23,18 +23,18 @@ struct BadUsage : std::exception {};
 
 /// Runs `program` and turns how it ends into an exit status.
 template<typename Program>
-int runProgram(char const* usage, Program const& program) {
+int runProgram(const char* usage, const Program& program) {
     // An error is told once, by us; OpenCV's own log would only repeat it at length.
     cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
     try {
         program();
         return EXIT_SUCCESS;
-    } catch (BadUsage const&) {
+    } catch (const BadUsage&) {
         std::cerr << usage;
         return 2;
-    } catch (cv::Exception const& error) {
+    } catch (const cv::Exception& error) {
         std::cerr << "error: " << error.err << '\n';
-    } catch (std::exception const& error) {
+    } catch (const std::exception& error) {
         std::cerr << "error: " << error.what() << '\n';
     }
     return EXIT_FAILURE;

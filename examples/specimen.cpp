@@ -41,13 +41,13 @@ public:
     }
 
     double normal() {
-        double const radius = std::sqrt(-2 * std::log(1 - uniform(0, 1)));
+        const double radius = std::sqrt(-2 * std::log(1 - uniform(0, 1)));
         return radius * std::cos(uniform(0, 2 * pi));
     }
 
     /// A point at a distance of `low` to `high` from the origin.
     Point away(double low, double high) {
-        double const distance = uniform(low, high);
+        const double distance = uniform(low, high);
         return distance * towards(uniform(0, 2 * pi));
     }
 
@@ -63,9 +63,9 @@ struct Shape {
 
     /// 0 in the centre, 1 on the outline, growing outwards.
     double reach(Point p) const {
-        Point const axis = towards(angle), d = p - centre;
-        double const u = d.dot(axis) / length, v = d.cross(axis) / width;
-        double const around = std::atan2(v, u);
+        const Point axis = towards(angle), d = p - centre;
+        const double u = d.dot(axis) / length, v = d.cross(axis) / width;
+        const double around = std::atan2(v, u);
         double outline = 1;
         for (size_t i = 0; i < waves.size(); ++i)
             outline += waves[i] * std::cos(double(i + 2) * around + phases[i]);
@@ -92,23 +92,23 @@ struct Cell {
 
     /// Whether a point lies in this cell and not rather in a neighbour.
     bool holds(Point p) const {
-        double const reach = body.reach(p);
+        const double reach = body.reach(p);
         return reach < 1 &&
                std::all_of(neighbours.begin(), neighbours.end(),
-                           [&](Shape const& other) { return other.reach(p) >= reach; });
+                           [&](const Shape& other) { return other.reach(p) >= reach; });
     }
 
     bool hasChromatinAt(Point p) const {
         return std::any_of(chromatin.begin(), chromatin.end(),
-                           [&](Shape const& part) { return part.reach(p) < 1.1; });
+                           [&](const Shape& part) { return part.reach(p) < 1.1; });
     }
 };
 
 Cell restingCell(Point centre, Random& random) {
-    double const angle = random.uniform(0, pi), size = random.uniform(50, 64);
-    double const stretch = random.uniform(1, 1.35);
-    Point const nucleus = centre + random.away(0, 7);
-    double const nucleusSize = random.uniform(15, 19), oval = random.uniform(1.05, 1.25);
+    const double angle = random.uniform(0, pi), size = random.uniform(50, 64);
+    const double stretch = random.uniform(1, 1.35);
+    const Point nucleus = centre + random.away(0, 7);
+    const double nucleusSize = random.uniform(15, 19), oval = random.uniform(1.05, 1.25);
     return {randomShape(centre, angle, size * stretch, size / stretch, 0.13, random),
             {randomShape(nucleus, angle + random.uniform(-0.4, 0.4), nucleusSize * oval,
                          nucleusSize / oval, 0.05, random)},
@@ -119,9 +119,9 @@ Cell restingCell(Point centre, Random& random) {
 
 /// A cell that has rounded up and pulls its chromosomes apart.
 Cell dividingCell(Point centre, Random& random) {
-    double const angle = random.uniform(0, pi), apart = random.uniform(0, 7);
+    const double angle = random.uniform(0, pi), apart = random.uniform(0, 7);
     Cell cell{randomShape(centre, angle, 34, 31, 0.02, random), {}, 1.2, true, {}};
-    for (double const side : {-apart, apart})
+    for (const double side : {-apart, apart})
         cell.chromatin.push_back(
             randomShape(centre + side * towards(angle), angle + pi / 2, 12, 3.6, 0.08, random));
     return cell;
@@ -131,21 +131,21 @@ Cell dividingCell(Point centre, Random& random) {
 std::vector<Cell> culture(int size, Random& random) {
     constexpr double spacing = 76, beyond = 30, farthestNeighbour = 140;
     std::vector<Cell> cells;
-    auto const hasCellNear = [&](Point p) {
-        return std::any_of(cells.begin(), cells.end(), [&](Cell const& cell) {
+    const auto hasCellNear = [&](Point p) {
+        return std::any_of(cells.begin(), cells.end(), [&](const Cell& cell) {
             return cv::norm(cell.body.centre - p) < spacing;
         });
     };
-    int const attempts = 40 + size * size / 100;
+    const int attempts = 40 + size * size / 100;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        Point const centre{random.uniform(-beyond, size + beyond),
+        const Point centre{random.uniform(-beyond, size + beyond),
                            random.uniform(-beyond, size + beyond)};
         if (!hasCellNear(centre))
             cells.push_back(cells.size() % 12 == 5 ? dividingCell(centre, random)
                                                    : restingCell(centre, random));
     }
     for (Cell& cell : cells)
-        for (Cell const& other : cells)
+        for (const Cell& other : cells)
             if (&other != &cell &&
                 cv::norm(other.body.centre - cell.body.centre) < farthestNeighbour)
                 cell.neighbours.push_back(other.body);
@@ -154,10 +154,10 @@ std::vector<Cell> culture(int size, Random& random) {
 
 /// Adds light at a point between pixels.
 void shine(Light& light, Point p, double amount) {
-    int const x = cvFloor(p.x), y = cvFloor(p.y);
+    const int x = cvFloor(p.x), y = cvFloor(p.y);
     if (x < 0 || y < 0 || x + 1 >= light.cols || y + 1 >= light.rows)
         return;
-    double const right = p.x - x, down = p.y - y;
+    const double right = p.x - x, down = p.y - y;
     light(y, x) += float(amount * (1 - right) * (1 - down));
     light(y, x + 1) += float(amount * right * (1 - down));
     light(y + 1, x) += float(amount * (1 - right) * down);
@@ -166,8 +166,8 @@ void shine(Light& light, Point p, double amount) {
 
 /// Lets `draw(point)` add to every pixel of a square around a shape.
 template<typename Draw>
-void aroundShape(Light& light, Shape const& shape, Draw const& draw) {
-    int const far = cvCeil(1.4 * std::max(shape.length, shape.width));
+void aroundShape(Light& light, const Shape& shape, const Draw& draw) {
+    const int far = cvCeil(1.4 * std::max(shape.length, shape.width));
     cv::Rect const box(cvRound(shape.centre.x) - far, cvRound(shape.centre.y) - far, 2 * far,
                        2 * far);
     cv::Rect const seen = box & cv::Rect({}, light.size());
@@ -176,8 +176,8 @@ void aroundShape(Light& light, Shape const& shape, Draw const& draw) {
             light(y, x) += float(draw(Point(x, y)));
 }
 
-void blurRows(Light const& from, Light& to, double sigma) {
-    int const radius = cvCeil(3 * sigma);
+void blurRows(const Light& from, Light& to, double sigma) {
+    const int radius = cvCeil(3 * sigma);
     std::vector<float> weights;
     for (int i = -radius; i <= radius; ++i)
         weights.push_back(
@@ -187,14 +187,14 @@ void blurRows(Light const& from, Light& to, double sigma) {
         for (int x = 0; x < from.cols; ++x) {
             float sum = 0;
             int near = x - radius;
-            for (float const weight : weights)
+            for (const float weight : weights)
                 sum += weight * from(y, std::clamp(near++, 0, from.cols - 1));
             to(y, x) = sum;
         }
 }
 
 /// Convolves with a Gaussian, rows first and then columns.
-Light blurred(Light const& light, double sigma) {
+Light blurred(const Light& light, double sigma) {
     Light rows, columns;
     blurRows(light, rows, sigma);
     cv::transpose(rows, columns);
@@ -215,11 +215,11 @@ Light clouds(int size, double sigma, Random& random) {
     return texture;
 }
 
-Light drawNuclei(std::vector<Cell> const& cells, int size, Random& random) {
+Light drawNuclei(const std::vector<Cell>& cells, int size, Random& random) {
     Light light(size, size, 0.0F);
-    Light const coarse = clouds(size, 2.6, random), fine = clouds(size, 1.0, random);
-    for (Cell const& cell : cells)
-        for (Shape const& part : cell.chromatin) {
+    const Light coarse = clouds(size, 2.6, random), fine = clouds(size, 1.0, random);
+    for (const Cell& cell : cells)
+        for (const Shape& part : cell.chromatin) {
             std::array<Point, 3> nucleoli;
             for (Point& nucleolus : nucleoli)
                 nucleolus = part.centre + random.away(2, 0.6 * part.width);
@@ -243,9 +243,9 @@ Light drawNuclei(std::vector<Cell> const& cells, int size, Random& random) {
 /// Follows a growing fibre through its cell and calls `draw(point)` at each step of one pixel. At
 /// the edge of the cell it stops or turns along.
 template<typename Draw>
-void grow(Point p, double heading, double length, double bending, Cell const& cell, Random& random,
-          Draw const& draw) {
-    double const turn = random.uniform(0, 1) < 0.5 ? -0.3 : 0.3;
+void grow(Point p, double heading, double length, double bending, const Cell& cell, Random& random,
+          const Draw& draw) {
+    const double turn = random.uniform(0, 1) < 0.5 ? -0.3 : 0.3;
     double curvature = 0;
     for (int grown = 0; grown < length; ++grown) {
         curvature = 0.92 * curvature + bending * random.normal();
@@ -261,35 +261,35 @@ void grow(Point p, double heading, double length, double bending, Cell const& ce
 }
 
 /// The fibres between the two poles of a dividing cell.
-void drawSpindle(Light& light, Cell const& cell, Random& random) {
-    Point const axis = towards(cell.body.angle), across(-axis.y, axis.x);
+void drawSpindle(Light& light, const Cell& cell, Random& random) {
+    const Point axis = towards(cell.body.angle), across(-axis.y, axis.x);
     for (int fibre = 0; fibre < 40; ++fibre) {
-        double const bulge = random.uniform(-14, 14), amount = random.uniform(0.25, 0.5);
+        const double bulge = random.uniform(-14, 14), amount = random.uniform(0.25, 0.5);
         for (int along = -21; along <= 21; ++along) {
-            double const apart = bulge * (1 - along * along / 441.0);
+            const double apart = bulge * (1 - along * along / 441.0);
             shine(light, cell.body.centre + along * axis + apart * across, amount);
         }
     }
 }
 
 /// The fibres that run from around the nucleus of a resting cell to its edge.
-void drawFibres(Light& light, Cell const& cell, Random& random) {
-    Shape const& nucleus = cell.chromatin.front();
+void drawFibres(Light& light, const Cell& cell, Random& random) {
+    const Shape& nucleus = cell.chromatin.front();
     for (int fibre = 0; fibre < 95; ++fibre) {
-        double const around = random.uniform(0, 2 * pi);
-        Point const start =
+        const double around = random.uniform(0, 2 * pi);
+        const Point start =
             nucleus.centre + nucleus.width * random.uniform(0.3, 1.3) * towards(around);
-        double const length = random.uniform(25, 130), amount = random.uniform(0.35, 0.9);
+        const double length = random.uniform(25, 130), amount = random.uniform(0.35, 0.9);
         grow(start, around + 0.5 * random.normal(), length, 0.022, cell, random, [&](Point p) {
             shine(light, p, cell.stain * amount * (cell.hasChromatinAt(p) ? 0.25 : 1));
         });
     }
 }
 
-Light drawFilaments(std::vector<Cell> const& cells, int size, Random& random) {
+Light drawFilaments(const std::vector<Cell>& cells, int size, Random& random) {
     Light light(size, size, 0.0F);
-    for (Cell const& cell : cells) {
-        double const haze = (cell.dividing ? 0.3 : 0.1) * cell.stain;
+    for (const Cell& cell : cells) {
+        const double haze = (cell.dividing ? 0.3 : 0.1) * cell.stain;
         aroundShape(light, cell.body, [&](Point p) {
             double const reach = cell.body.reach(p);
             return cell.holds(p) ? haze * (1 - reach * reach) : 0;
@@ -299,15 +299,15 @@ Light drawFilaments(std::vector<Cell> const& cells, int size, Random& random) {
     return light;
 }
 
-Light drawMitochondria(std::vector<Cell> const& cells, int size, Random& random) {
+Light drawMitochondria(const std::vector<Cell>& cells, int size, Random& random) {
     Light light(size, size, 0.0F);
-    for (Cell const& cell : cells)
+    for (const Cell& cell : cells)
         for (int i = 0; i < (cell.dividing ? 50 : 120); ++i) {
-            double const around = random.uniform(0, 2 * pi);
-            double const away = cell.chromatin.front().width + 4 + 17 * std::abs(random.normal());
-            Point const start = cell.body.centre + away * towards(around);
-            double const amount = cell.stain * random.uniform(0.9, 2.2);
-            double const heading = around + random.normal(), length = random.uniform(3, 15);
+            const double around = random.uniform(0, 2 * pi);
+            const double away = cell.chromatin.front().width + 4 + 17 * std::abs(random.normal());
+            const Point start = cell.body.centre + away * towards(around);
+            const double amount = cell.stain * random.uniform(0.9, 2.2);
+            const double heading = around + random.normal(), length = random.uniform(3, 15);
             grow(start, heading, length, 0.09, cell, random, [&](Point p) {
                 if (!cell.hasChromatinAt(p))
                     shine(light, p, amount);
@@ -318,7 +318,7 @@ Light drawMitochondria(std::vector<Cell> const& cells, int size, Random& random)
 
 /// What the lens makes of the light: the point-spread function is sharp, with a wide faint skirt
 /// from the planes out of focus.
-Light throughLens(Light const& light, double sigma) {
+Light throughLens(const Light& light, double sigma) {
     Light image;
     cv::addWeighted(blurred(light, sigma), 0.78, blurred(light, 7 * sigma), 0.22, 0, image);
     return image;
@@ -326,7 +326,7 @@ Light throughLens(Light const& light, double sigma) {
 
 /// What the camera counts: photons of background and specimen, whose dye cannot glow brighter than
 /// it saturates, with their shot noise.
-cv::Mat_<ushort> exposed(Light const& image, double exposure, Random& random) {
+cv::Mat_<ushort> exposed(const Light& image, double exposure, Random& random) {
     constexpr double background = 5, brightest = 520, offset = 100, countsPerPhoton = 8;
     cv::Mat_<ushort> counts(image.size());
     std::transform(image.begin(), image.end(), counts.begin(), [&](float light) {
@@ -338,33 +338,33 @@ cv::Mat_<ushort> exposed(Light const& image, double exposure, Random& random) {
 }
 
 /// The same picture as a camera of 8 bits would have taken it.
-cv::Mat eightBits(cv::Mat const& counts) {
+cv::Mat eightBits(const cv::Mat& counts) {
     constexpr double black = 120, white = 4400;
     cv::Mat picture;
     counts.convertTo(picture, CV_8U, 255 / (white - black), -black * 255 / (white - black));
     return picture;
 }
 
-int numberAfter(std::string const& option, char const* text, int low, int high) {
+int numberAfter(const std::string& option, const char* text, int low, int high) {
     bool isNumber = false;
-    int const value = QString(text).toInt(&isNumber);
+    const int value = QString(text).toInt(&isNumber);
     if (!isNumber || value < low || value > high)
         throw Failure(option + " takes a number from " + std::to_string(low) + " to " +
                       std::to_string(high));
     return value;
 }
 
-void drawSpecimen(std::filesystem::path const& directory, int seed, int size) {
+void drawSpecimen(const std::filesystem::path& directory, int seed, int size) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (error)
         throw Failure("cannot make the directory " + directory.string());
     Random random(static_cast<unsigned>(seed));
-    auto const cells = culture(size, random);
-    auto const photograph = [&](std::string const& name, Light const& light, double sigma,
+    const auto cells = culture(size, random);
+    const auto photograph = [&](const std::string& name, const Light& light, double sigma,
                                 double exposure) {
         cv::Mat const counts = exposed(throughLens(light, sigma), exposure, random);
-        for (auto const& [file, picture] :
+        for (const auto& [file, picture] :
              {std::pair{name + ".png", eightBits(counts)}, std::pair{name + ".tif", counts}}) {
             writePicture((directory / file).string(), picture);
             std::cout << (directory / file).string() << '\n';

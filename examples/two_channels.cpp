@@ -22,7 +22,7 @@ example: two_channels cells.png nuclei.tif=DAPI actin.tif=FITC+3-2
 )";
 
 /// The picture `gray` in the display colour of the channel's dye.
-cv::Mat tinted(cv::Mat const& gray, Channel const& channel) {
+cv::Mat tinted(const cv::Mat& gray, const Channel& channel) {
     //! [dye]
     FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[channel.dye];
     cv::Mat levels = toEightBits(gray), picture;
@@ -37,7 +37,7 @@ cv::Mat tinted(cv::Mat const& gray, Channel const& channel) {
 }
 
 /// All channels in one picture.
-std::unique_ptr<cv::Mat> merged(std::vector<Channel> const& channels) {
+std::unique_ptr<cv::Mat> merged(const std::vector<Channel>& channels) {
     std::vector<cv::Mat> pictures = readChannels(channels);
     //! [composite]
     QList<cv::Mat*> images;

@@ -65,7 +65,7 @@ void chooseEncoding(QSettings& /*settings*/) {} // always UTF-8
 
 } // namespace
 
-void Lumetra::LoadCustomDyeType(QMap<QString, QColor>& map, QString const& path) {
+void Lumetra::LoadCustomDyeType(QMap<QString, QColor>& map, const QString& path) {
     QSettings settings(path, QSettings::IniFormat);
     chooseEncoding(settings);
     const int count = settings.value(countKey, QString()).toInt();
@@ -87,7 +87,7 @@ void Lumetra::LoadCustomDyeType(QMap<QString, QColor>& map, QString const& path)
         insertNameless();
 }
 
-void Lumetra::SaveCustomDyeType(QMap<QString, QColor>& map, QString const& path) {
+void Lumetra::SaveCustomDyeType(QMap<QString, QColor>& map, const QString& path) {
     // Of a path, Qt keeps in memory what it could not write, unless it finds no file there: where
     // the old one stays, nothing must be set.
     if (!QFile::remove(path) && QFile::exists(path))

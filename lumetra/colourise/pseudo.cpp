@@ -142,7 +142,7 @@ void colour16(const cv::Mat& image, cv::Mat& dst, const LevelColours& colours) {
 } // namespace
 } // namespace lumetra
 
-void Lumetra::Pseudo(cv::Mat& src, cv::Mat& dst, QVector<QColor> const& vecColor) {
+void Lumetra::Pseudo(cv::Mat& src, cv::Mat& dst, const QVector<QColor>& vecColor) {
     const lumetra::LevelColours colours = lumetra::slotColours(vecColor);
     const cv::Mat source = lumetra::colourable(src);
     switch (lumetra::formOf(source)) {

@@ -4,13 +4,13 @@
 
 int main() {
     Lumetra::InitFluoDyeType();
-    FLUO_DYE_TYPE const dapi = Lumetra::g_mapFluo["DAPI"], fitc = Lumetra::g_mapFluo["FITC"];
+    const FLUO_DYE_TYPE dapi = Lumetra::g_mapFluo["DAPI"], fitc = Lumetra::g_mapFluo["FITC"];
     cv::Mat nuclei = cv::imread("nuclei.png", cv::IMREAD_GRAYSCALE);
     cv::Mat actin = cv::imread("actin.png", cv::IMREAD_GRAYSCALE);
     Lumetra::Dye(nuclei, nuclei, dapi.nColorR, dapi.nColorG, dapi.nColorB, true, false);
     Lumetra::Dye(actin, actin, fitc.nColorR, fitc.nColorG, fitc.nColorB, true, false);
     QList<cv::Mat*> images{&nuclei, &actin};
     QList<QPoint> offsets{{0, 0}, {3, -2}};
-    std::unique_ptr<cv::Mat> const picture(Lumetra::Composite(&images, &offsets));
+    const std::unique_ptr<cv::Mat> picture(Lumetra::Composite(&images, &offsets));
     return picture && cv::imwrite("cells.png", *picture) ? 0 : 1;
 }
