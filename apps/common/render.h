@@ -1,0 +1,76 @@
+// From planes and settings to one picture.
+#pragma once
+
+#include "apps/common/channel.h"
+#include "apps/common/display_table.h"
+
+#include <QColor>
+#include <QList>
+#include <QPoint>
+#include <QVector>
+
+#include <opencv2/core/mat.hpp>
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <vector>
+
+namespace apps {
+
+/// Makes pictures, and keeps the memory that it needs from one to the next.
+///
+/// Planes are gray: CV_8UC1 or CV_16UC1. They are worked on in strips of rows that stay in the
+/// processor's cache. An object belongs to one thread at a time.
+class Renderer {
+public:
+    /// All visible channels in one picture.
+    ///
+    /// A plane with levels is brought to 8 bits through them and its gamma; one without keeps its
+    /// samples and its depth. Then it is tinted and added to the others, all in the depth of the
+    /// deepest. Hidden channels count for the part of the planes that the picture shows, so that it
+    /// does not change its size when one is hidden. If none is visible, it is black.
+    ///
+    /// @param planes    One for each channel, all of one size; only read.
+    /// @param picture   Receives CV_8UC3, or CV_16UC3 where a visible plane of 16 bits has no
+    /// levels.
+    ///                  Its storage is used again if it fits.
+    /// @throws Failure if there is no plane, sizes differ, or the offsets leave no common pixel.
+    void render(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels,
+                cv::Mat& picture);
+
+    /// One plane through a table of colours.
+    ///
+    /// @param levels   What the first and the last colour stand for; without them, the smallest and
+    ///                 the largest sample.
+    /// @param gamma    As for channels.
+    /// @param slotColours  255 colours, as `pseudoSlots` makes them.
+    /// @param picture  Receives CV_8UC3. Its storage is used again if it fits.
+    void renderPseudo(const cv::Mat& plane, std::optional<LevelRange> levels, double gamma,
+                      const QVector<QColor>& slotColours, cv::Mat& picture);
+
+private:
+    /// The memory of one channel. Strips have one height, and the last of them another.
+    struct Lane {
+        DisplayTable table;
+        cv::Mat eightBits, tinted, lastTinted;
+    };
+    struct Canvas;
+
+    void prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels);
+    cv::Mat& tint(const cv::Mat& part, const Channel& channel, Lane& lane, bool isLast);
+    void renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast);
+    void setRangeTable(int bits, LevelRange levels, double gamma);
+
+    std::vector<std::size_t> visible_;
+    std::deque<Lane> lanes_;
+    QList<cv::Mat*> images_;
+    QList<QPoint> noOffsets_;
+
+    std::vector<std::uint16_t> rangeTable_;
+    LevelRange tableLevels_;
+    double tableGamma_ = 0;
+    cv::Mat deep_, coloured_, lastColoured_;
+};
+
+} // namespace apps
