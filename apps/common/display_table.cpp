@@ -29,10 +29,11 @@ unsigned char shownSample(int sample, LevelRange levels, double gamma) {
 
 template<class Sample>
 void lookUp(const cv::Mat& plane, const unsigned char* table, cv::Mat& result) {
+    const int columns = plane.cols; // bytes that are written could be anybody's
     for (int y = 0; y < plane.rows; ++y) {
         const auto* in = plane.ptr<Sample>(y);
         auto* out = result.ptr<unsigned char>(y);
-        for (int x = 0; x < plane.cols; ++x)
+        for (int x = 0; x < columns; ++x)
             out[x] = table[in[x]];
     }
 }

@@ -12,10 +12,11 @@ namespace apps {
 namespace {
 
 template<class Sample>
-void count(const cv::Mat& plane, std::vector<std::uint64_t>& counts) {
+void count(const cv::Mat& plane, std::uint64_t* counts) {
+    const int columns = plane.cols;
     for (int y = 0; y < plane.rows; ++y) {
         const auto* row = plane.ptr<Sample>(y);
-        for (int x = 0; x < plane.cols; ++x)
+        for (int x = 0; x < columns; ++x)
             ++counts[row[x]];
     }
 }
@@ -34,9 +35,9 @@ void Histogram::add(const cv::Mat& plane) {
     const bool deep = plane.depth() == CV_16U;
     setDepth(deep ? 65536 : 256);
     if (deep)
-        count<std::uint16_t>(plane, counts_);
+        count<std::uint16_t>(plane, counts_.data());
     else
-        count<unsigned char>(plane, counts_);
+        count<unsigned char>(plane, counts_.data());
     total_ += plane.total();
 }
 

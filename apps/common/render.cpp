@@ -104,7 +104,7 @@ void Renderer::renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, boo
 
 void Renderer::render(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels,
                       cv::Mat& picture) {
-    constexpr int stripPixels = 1 << 15;
+    constexpr int stripPixels = 1 << 16;
     prepare(planes, channels);
     const Canvas canvas{planes, channels, commonPart(planes.front().size(), channels)};
     const bool deep = std::any_of(visible_.begin(), visible_.end(), [&](std::size_t i) {
@@ -152,6 +152,8 @@ void Renderer::renderPseudo(const cv::Mat& plane, std::optional<LevelRange> leve
     // The colours are spread over the range of the samples that are there, so two more rows hold
     // the ends of the range that is wanted. 16 bits, because all slots can be reached with them.
     const int rows = stripRows(picture, stripPixels);
+    const int columns = plane.cols;
+    const std::uint16_t* const table = rangeTable_.data();
     deep_.create(rows + endRows, plane.cols, CV_16UC1);
     for (int first = 0; first < plane.rows; first += rows) {
         const int count = std::min(rows, plane.rows - first);
@@ -159,8 +161,8 @@ void Renderer::renderPseudo(const cv::Mat& plane, std::optional<LevelRange> leve
         for (int y = 0; y < count; ++y) {
             auto* out = strip.ptr<std::uint16_t>(y);
             const auto lookUp = [&](auto* in) {
-                for (int x = 0; x < plane.cols; ++x)
-                    out[x] = rangeTable_[in[x]];
+                for (int x = 0; x < columns; ++x)
+                    out[x] = table[in[x]];
             };
             if (plane.depth() == CV_8U)
                 lookUp(plane.ptr<unsigned char>(first + y));
