@@ -74,11 +74,7 @@ QImage paper(QSize size) {
 }
 
 QString label(const Channel& channel) {
-    if (!channel.name.isEmpty() && !channel.dye.isEmpty())
-        return QStringLiteral("%1: %2").arg(shown(channel.name), channel.dye);
-    if (!channel.dye.isEmpty())
-        return channel.dye;
-    return channel.name.isEmpty() ? channel.colour.name() : shown(channel.name);
+    return channel.dye.isEmpty() ? channel.colour.name() : shown(channel.dye);
 }
 
 void drawLegend(cv::Mat& picture, const std::vector<Channel>& channels) {

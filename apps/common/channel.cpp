@@ -22,17 +22,20 @@ QString signedNumber(int value) {
 
 /// Sets the dye or colour that the words name; false if they name none.
 bool setDye(Channel& channel, const QString& words, const DyeList& dyes) {
-    static const QRegularExpression colour(QStringLiteral("^#[0-9A-Fa-f]{6}$"));
-    if (colour.match(words).hasMatch()) {
-        channel.colour = QColor(words);
+    const Dye* dye = dyes.find(words);
+    if (dye) {
+        channel.dye = dye->name;
+        channel.colour = dye->colour;
         return true;
     }
-    const Dye* dye = dyes.find(words);
-    if (!dye)
-        return false;
-    channel.dye = dye->name;
-    channel.colour = dye->colour;
-    return true;
+    static const QRegularExpression colour(QStringLiteral("^(.*)(#[0-9A-Fa-f]{6})$"),
+                                           QRegularExpression::DotMatchesEverythingOption);
+    const auto match = colour.match(words);
+    if (match.hasMatch()) {
+        channel.dye = match.captured(1);
+        channel.colour = QColor(match.captured(2));
+    }
+    return match.hasMatch();
 }
 
 } // namespace
@@ -52,11 +55,16 @@ Channel parseChannel(const QString& words, const DyeList& dyes) {
     return channel;
 }
 
-QString channelWords(const Channel& channel) {
-    const QString dye = channel.dye.isEmpty() ? channel.colour.name() : channel.dye;
-    if (channel.offset.isNull())
-        return dye;
-    return dye + signedNumber(channel.offset.x()) + signedNumber(channel.offset.y());
+QString channelWords(const Channel& channel, const DyeList& dyes) {
+    const Dye* dye = dyes.find(channel.dye);
+    QString words = channel.dye;
+    if (words.contains(QLatin1Char('='))) // would be taken for the end of the file's name
+        words.clear();
+    if (!dye || dye->name != words || dye->colour != channel.colour)
+        words += channel.colour.name();
+    if (!channel.offset.isNull())
+        words += signedNumber(channel.offset.x()) + signedNumber(channel.offset.y());
+    return words;
 }
 
 ChannelFile parseFile(const QString& words) {

@@ -51,8 +51,9 @@ struct ChannelFile {
 ///         number.
 Channel parseChannel(const QString& words, const DyeList& dyes);
 
-/// What `parseChannel` understands as the channel's dye and offset.
-QString channelWords(const Channel& channel);
+/// What `parseChannel` understands as the channel's dye, colour and offset: the name alone where
+/// the list has it in this colour.
+QString channelWords(const Channel& channel, const DyeList& dyes);
 
 /// Understands `FILE` and `FILE[PAGE]`. A file whose own name ends in brackets is taken as it is.
 ChannelFile parseFile(const QString& words);

@@ -2,6 +2,7 @@
 
 #include "apps/common/failure.h"
 
+#include <QLocale>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -17,7 +18,9 @@ QString LevelPolicy::text() const {
     case Method::clip:
         break;
     }
-    return percent > 0 ? QStringLiteral("clip:%1").arg(percent) : QStringLiteral("auto");
+    if (percent == 0)
+        return QStringLiteral("auto");
+    return QStringLiteral("clip:") + QString::number(percent, 'g', QLocale::FloatingPointShortest);
 }
 
 LevelRange parseRange(const QString& words) {

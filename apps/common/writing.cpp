@@ -6,6 +6,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QMap>
+#include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
 #include <cerrno>
@@ -132,13 +135,21 @@ void WholeFile::commit() {
     }
 }
 
-void removeLeftovers(const QString& file) {
-    const QFileInfo part(partFile(file));
-    QDir directory = part.dir();
-    const auto names = directory.entryList(QDir::Files | QDir::Hidden);
-    for (const QString& name : names)
-        if (name == part.fileName() || name.startsWith(part.fileName() + QLatin1Char('.')))
-            directory.remove(name);
+void removeLeftovers(const QStringList& files) {
+    QMap<QString, QSet<QString>> partsOfDirectory; // each directory is listed once
+    for (const QString& file : files) {
+        const QFileInfo part(partFile(file));
+        partsOfDirectory[part.path()] << part.fileName();
+    }
+    static const QRegularExpression suffix(QStringLiteral("\\.[A-Za-z]{6}$"));
+    for (auto entry = partsOfDirectory.begin(); entry != partsOfDirectory.end(); ++entry) {
+        QDir directory(entry.key());
+        const auto names =
+            directory.entryList({QStringLiteral(".*.part*")}, QDir::Files | QDir::Hidden);
+        for (const QString& name : names)
+            if (entry->contains(name) || entry->contains(QString(name).remove(suffix)))
+                directory.remove(name);
+    }
 }
 
 void writeBytes(const QString& file, const char* bytes, std::size_t count) {

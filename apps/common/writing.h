@@ -44,8 +44,8 @@ private:
     QSaveFile device_;
 };
 
-/// Removes what a program that was killed left of a file. Nobody may be writing it.
-void removeLeftovers(const QString& file);
+/// Removes what a program that was killed left of these files. Nobody may be writing them.
+void removeLeftovers(const QStringList& files);
 
 /// Writes bytes to a file, or to the standard output for `-`.
 /// @throws Failure with the file's name.

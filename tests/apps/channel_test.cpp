@@ -57,6 +57,8 @@ TEST(Channel, IsUnderstoodInAllItsForms) {
                   "FM 4-64",
                   {2147483647, -2147483647 - 1}},
              Case{"x=#FF00aa+1+1", "x", 0, "", {1, 1}},
+             Case{"x=Our+9-9#c474ff+1+1", "x", 0, "Our+9-9", {1, 1}},
+             Case{"x=FITC#c474ff", "x", 0, "FITC", {}},
          }) {
         const ChannelFile parsed = parseChannelFile(c.words, dyes);
         EXPECT_EQ(parsed.file, c.file);
@@ -64,7 +66,7 @@ TEST(Channel, IsUnderstoodInAllItsForms) {
         EXPECT_EQ(parsed.channel.dye, c.dye);
         EXPECT_EQ(parsed.channel.offset, c.offset);
         const ChannelFile again =
-            parseChannelFile(fileWords(parsed) + '=' + channelWords(parsed.channel), dyes);
+            parseChannelFile(fileWords(parsed) + '=' + channelWords(parsed.channel, dyes), dyes);
         EXPECT_EQ(again.channel.offset, c.offset);
         EXPECT_EQ(again.channel.colour, parsed.channel.colour);
     }

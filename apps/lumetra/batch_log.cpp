@@ -1,0 +1,98 @@
+#include "apps/lumetra/batch_log.h"
+
+#include "apps/common/failure.h"
+#include "apps/common/settings.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+namespace apps {
+namespace {
+
+const QString outputKey = QStringLiteral("output"), outcomeKey = QStringLiteral("outcome"),
+              reasonKey = QStringLiteral("reason"), bytesKey = QStringLiteral("bytes"),
+              timeKey = QStringLiteral("milliseconds"), doneOutcome = QStringLiteral("done");
+
+QJsonObject parsed(const QByteArray& json) { return QJsonDocument::fromJson(json).object(); }
+
+QByteArray lineOf(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+} // namespace
+
+BatchLog::BatchLog(const QString& file, bool resume) {
+    if (file.isEmpty())
+        return;
+    file_.setFileName(file);
+    if (!file_.open(QIODevice::ReadWrite))
+        throw Failure(QStringLiteral("%1: %2").arg(shown(file), file_.errorString()));
+    bool endsInLine = true;
+    while (!file_.atEnd()) {
+        const QByteArray line = file_.readLine();
+        endsInLine = line.endsWith('\n');
+        const QJsonObject object = resume ? parsed(line) : QJsonObject();
+        if (object[outcomeKey].toString() == doneOutcome)
+            doneByOutput_[object[outputKey].toString()] = object;
+    }
+    if (!endsInLine) // a run was killed while it wrote
+        file_.write("\n");
+}
+
+bool BatchLog::isDone(const QJsonObject& work) const {
+    QJsonObject former = doneByOutput_.value(work[outputKey].toString());
+    const QFileInfo output(work[outputKey].toString());
+    const auto bytes = static_cast<qint64>(former[bytesKey].toDouble(-1));
+    for (const QString& key : {outcomeKey, bytesKey, timeKey})
+        former.remove(key);
+    return output.isFile() && output.size() == bytes && former == parsed(lineOf(work));
+}
+
+void BatchLog::add(const QJsonObject& line) {
+    const std::lock_guard lock(mutex_);
+    if (!file_.isOpen())
+        return;
+    const QByteArray bytes = lineOf(line);
+    if (file_.write(bytes) != bytes.size() || !file_.flush())
+        throw Failure(QStringLiteral("%1: %2").arg(shown(file_.fileName()), file_.errorString()));
+}
+
+void BatchLog::addDone(QJsonObject work, qint64 milliseconds) {
+    work[bytesKey] = static_cast<double>(QFileInfo(work[outputKey].toString()).size());
+    work[outcomeKey] = doneOutcome;
+    work[timeKey] = static_cast<double>(milliseconds);
+    add(work);
+}
+
+void BatchLog::addFailed(QJsonObject work, qint64 milliseconds, const QString& reason) {
+    work[outcomeKey] = QStringLiteral("failed");
+    work[reasonKey] = reason;
+    work[timeKey] = static_cast<double>(milliseconds);
+    add(work);
+}
+
+QJsonObject workOf(const Field& field, const Recipe& recipe) {
+    QJsonArray inputs, channels;
+    for (std::size_t i = 0; i < field.files.inputs.size(); ++i) {
+        const ChannelFile& input = field.files.inputs[i];
+        const QFileInfo info(input.file);
+        inputs << QJsonObject{
+            {"file", input.file},
+            {"bytes", static_cast<double>(info.size())},
+            {"modified", static_cast<double>(info.lastModified().toMSecsSinceEpoch())}};
+        QJsonObject channel = parsed(channelJson(input.channel));
+        channel["method"] = recipe.levels[i].text();
+        channels << channel;
+    }
+    QJsonObject options{{"page", recipe.pages.number},
+                        {"all pages", recipe.pages.all},
+                        {"legend", recipe.annotation.legend}};
+    if (const auto& bar = recipe.annotation.scaleBar)
+        options["scale bar"] = QJsonArray{bar->micrometres, bar->pixelSize};
+    return {{"field", field.name},  {"inputs", inputs},   {outputKey, field.files.output},
+            {"channels", channels}, {"options", options}, {"version", LUMETRA_VERSION}};
+}
+
+} // namespace apps

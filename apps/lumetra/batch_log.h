@@ -1,0 +1,39 @@
+// What has become of the fields of a batch.
+#pragma once
+
+#include "apps/lumetra/data_set.h"
+
+#include <QFile>
+#include <QJsonObject>
+#include <QMap>
+
+#include <mutex>
+
+namespace apps {
+
+/// A file of JSON, one line for each field that was done or failed. Safe from any thread.
+class BatchLog {
+public:
+    /// @param file    May be empty: then nothing is kept.
+    /// @param resume  Whether to read what former runs have done.
+    /// @throws Failure with the file's name, as all of this class.
+    BatchLog(const QString& file, bool resume);
+
+    /// Whether a former run has done exactly this, and its picture is there.
+    bool isDone(const QJsonObject& work) const;
+
+    void addDone(QJsonObject work, qint64 milliseconds);
+    void addFailed(QJsonObject work, qint64 milliseconds, const QString& reason);
+
+private:
+    void add(const QJsonObject& line);
+
+    std::mutex mutex_;
+    QFile file_;
+    QMap<QString, QJsonObject> doneByOutput_;
+};
+
+/// Everything that the bytes of a field's picture depend on.
+QJsonObject workOf(const Field& field, const Recipe& recipe);
+
+} // namespace apps
