@@ -89,24 +89,24 @@ int checkedTiffPages(const QString& file) {
     if (!tiff)
         throw failure(1, cut);
     const int stated = statedPages(tiff.get());
-    int pages = 0;
-    do {
-        ++pages;
+    for (int page = 1;; ++page) {
         const QString reason = objection(tiff.get());
         if (!reason.isEmpty())
-            throw failure(pages, reason);
+            throw failure(page, reason);
         if (!isWhole(tiff.get(), fileBytes))
-            throw failure(pages, cut);
-    } while (TIFFReadDirectory(tiff.get()));
-
-    if (!TIFFLastDirectory(tiff.get()))
-        throw failure(pages + 1, cut);
-    if (stated > 1 && stated != pages)
-        throw Failure(QStringLiteral("%1: says that it has %2 pages, but only %3 can be reached")
-                          .arg(shown(file))
-                          .arg(stated)
-                          .arg(pages));
-    return pages;
+            throw failure(page, cut);
+        if (TIFFLastDirectory(tiff.get())) {
+            if (stated > 1 && stated != page)
+                throw Failure(QStringLiteral("%1: says that it has %2 pages, but only %3 can be "
+                                             "reached")
+                                  .arg(shown(file))
+                                  .arg(stated)
+                                  .arg(page));
+            return page;
+        }
+        if (!TIFFReadDirectory(tiff.get()))
+            throw failure(page + 1, cut);
+    }
 }
 
 } // namespace apps

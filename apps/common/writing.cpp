@@ -120,7 +120,14 @@ void WholeFile::fail(const QString& reason) const {
 }
 
 void WholeFile::write(const char* bytes, qint64 count) {
-    if (device_.write(bytes, count) != count)
+    while (count > 0) { // what a disk has no more room for is told by the write after it only
+        const qint64 written = device_.write(bytes, count);
+        if (written <= 0)
+            fail(device_.errorString());
+        bytes += written;
+        count -= written;
+    }
+    if (!device_.flush())
         fail(device_.errorString());
 }
 

@@ -18,6 +18,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <atomic>
 
 namespace apps {
 namespace {
@@ -108,44 +109,52 @@ void printLines(const Batch& batch, const BatchOptions& options) {
     print(lines);
 }
 
-void makeField(Field& field, PictureMaker& maker, const Recipe& recipe, BatchLog& log,
+/// False if a former run has done the field.
+bool makeField(Field& field, PictureMaker& maker, const Recipe& recipe, BatchLog& log,
                Progress& progress) {
     const QJsonObject work = workOf(field, recipe);
     QElapsedTimer timer;
     timer.start();
-    if (field.problem.isEmpty() && log.isDone(work))
-        return progress.fieldDone();
+    if (field.problem.isEmpty() && log.isDone(work)) {
+        progress.fieldDone();
+        return false;
+    }
     try {
         if (!field.problem.isEmpty())
             throw Failure(field.problem);
         QDir().mkpath(QFileInfo(field.files.output).path()); // what goes wrong, writing tells
         maker.make(field.files);
+        log.addDone(work, timer.elapsed());
+        progress.fieldDone();
     } catch (const Interrupted&) {
         throw;
     } catch (...) {
         field.problem = currentReason();
         log.addFailed(work, timer.elapsed(), field.problem);
-        return progress.fieldFailed();
+        progress.fieldFailed();
     }
-    log.addDone(work, timer.elapsed());
-    progress.fieldDone();
+    return true;
 }
 
-void makeFields(Batch& batch, const BatchOptions& options) {
+/// Returns how many fields former runs had done.
+int makeFields(Batch& batch, const BatchOptions& options) {
     QStringList outputs;
     for (const Field& field : batch.fields)
         outputs << field.files.output;
     removeLeftovers(outputs);
 
+    std::atomic<int> doneBefore{0};
     BatchLog log(text(options.log), options.resume);
     Progress progress(QStringLiteral("making"), static_cast<int>(batch.fields.size()),
                       options.picture.isQuiet(), text(options.progress));
     const auto makeWorker = [&] {
         return [&, maker = std::make_shared<PictureMaker>(batch.recipe)](std::size_t i) {
-            makeField(batch.fields[i], *maker, batch.recipe, log, progress);
+            if (!makeField(batch.fields[i], *maker, batch.recipe, log, progress))
+                ++doneBefore;
         };
     };
     runWorkers(options.jobs, batch.fields.size(), makeWorker, [&] { progress.tick(); });
+    return doneBefore;
 }
 
 int runBatch(const BatchOptions& options) {
@@ -155,11 +164,12 @@ int runBatch(const BatchOptions& options) {
     Batch batch = prepare(options);
     if (batch.fields.empty())
         return options.shard.empty() ? nothingMatched : done;
+    int doneBefore = 0;
     if (options.dryRun) {
         printLines(batch, options);
     } else {
         const auto fonts = fontsFor(!batch.recipe.annotation.isEmpty());
-        makeFields(batch, options);
+        doneBefore = makeFields(batch, options);
     }
     tellProblems(batch.fields);
     throwIfInterrupted();
@@ -167,7 +177,10 @@ int runBatch(const BatchOptions& options) {
         std::count_if(batch.fields.begin(), batch.fields.end(),
                       [](const Field& field) { return !field.problem.isEmpty(); });
     if (problems == 0 && !options.dryRun)
-        say(options, QStringLiteral("%1 fields done").arg(batch.fields.size()));
+        say(options, doneBefore == 0 ? QStringLiteral("%1 fields done").arg(batch.fields.size())
+                                     : QStringLiteral("%1 fields done, %2 of them by former runs")
+                                           .arg(batch.fields.size())
+                                           .arg(doneBefore));
     return problems == 0 ? done : failed;
 }
 

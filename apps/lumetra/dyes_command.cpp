@@ -79,12 +79,12 @@ void addDyesCommand(CLI::App& program, Action& action) {
                          .add_option("--emission", options->emission,
                                      "Orders by the distance from this emission, nearest first")
                          ->type_name("NM")
-                         ->check(CLI::Range(1, 100000));
+                         ->check(CLI::Range(1, 100000, "from 1"));
     command
         .add_option("--excitation", options->excitation,
                     "Orders by the distance from this excitation, nearest first")
         ->type_name("NM")
-        ->check(CLI::Range(1, 100000))
+        ->check(CLI::Range(1, 100000, "from 1"))
         ->excludes(emission);
     command
         .add_option("--custom", options->custom,

@@ -66,7 +66,7 @@ void addDataSetOptions(BatchOptions& options, CLI::App& command) {
         ->type_name("FILE");
     command.add_option("--jobs", options.jobs, "How many fields at once; by default the cores")
         ->type_name("N")
-        ->check(CLI::Range(1, 1024));
+        ->check(CLI::Range(1, 1024, "1 to 1024"));
     command
         .add_option("--progress", options.progress,
                     "Appends key=value lines to FILE, after each field")

@@ -38,17 +38,17 @@ void PictureOptions::addLevels(CLI::App& command) {
         ->allow_extra_args(false);
     command
         .add_option("--gamma", gammas_,
-                    "Exponent of the levels, 0.01 to 100: below 1 brightens. Once for all "
+                    "Exponent of the levels: below 1 brightens. Once for all "
                     "channels, or once for each")
         ->type_name("NUMBER")
         ->allow_extra_args(false)
-        ->check(CLI::Range(smallestGamma, largestGamma));
+        ->check(CLI::Range(smallestGamma, largestGamma, "0.01 to 100"));
 }
 
 void PictureOptions::addPages(CLI::App& command) {
     auto* page = command.add_option("--page", page_, "The page of files of many, counted from 1")
                      ->type_name("N")
-                     ->check(CLI::Range(1, 1000000000));
+                     ->check(CLI::Range(1, 1000000000, "from 1"));
     command
         .add_flag("--all-pages", allPages_,
                   "All pages: a stack gives a stack (TIFF), under the same levels")
@@ -77,10 +77,10 @@ void PictureOptions::addLegend(CLI::App& command) {
 void PictureOptions::addScaleBar(CLI::App& command) {
     auto* bar = command.add_option("--scale-bar", scaleBar_, "Draws a bar of so many micrometres")
                     ->type_name("UM")
-                    ->check(CLI::Range(1e-9, 1e9));
+                    ->check(CLI::Range(1e-9, 1e9, "above 0"));
     auto* size = command.add_option("--pixel-size", pixelSize_, "Micrometres a pixel")
                      ->type_name("UM")
-                     ->check(CLI::Range(1e-9, 1e9));
+                     ->check(CLI::Range(1e-9, 1e9, "above 0"));
     bar->needs(size);
     size->needs(bar);
 }

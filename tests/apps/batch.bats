@@ -1,0 +1,159 @@
+# Whole data sets: levels and batch.
+
+bats_require_minimum_version 1.5.0
+load setup.bash
+
+@test "a batch makes a picture of each field, whatever the number of jobs" {
+  run --separate-stderr plate -o 'out/{field}.png' --jobs 1
+  [ "$status" = 0 ]
+  [[ $stderr == *"10 fields: f00, f01, "* ]]
+  [[ $stderr == *"--levels-over dataset"* ]]
+  [ "$(find out -type f | wc -l)" = 10 ]
+  run --separate-stderr plate -o 'four/{field}.png' --jobs 4 --quiet
+  [ -z "$stderr" ]
+  [ "$(sum out)" = "$(sum four)" ]
+}
+
+@test "the lines of a dry run make the same bytes" {
+  for options in "" "--levels-over field --gamma 0.7" "--levels none" "--hide 2 --legend" \
+    "--levels auto --levels 9:60000 --gamma 1 --gamma 2"; do
+    rm -rf batch lines
+    mkdir lines
+    plate -o 'batch/it'\''s {field}.tif' --quiet $options
+    plate -o 'lines/it'\''s {field}.tif' --quiet --dry-run $options >lines.sh
+    [ "$(wc -l <lines.sh)" = 10 ]
+    sh lines.sh
+    [ "$(sum batch)" = "$(sum lines)" ]
+  done
+}
+
+@test "a custom dye needs no file in the lines of a dry run" {
+  printf '[General]\nNumber=1\n\n[DyeType1]\nName=Our own+1+1\nColor=#c474ff\n' >own.ini
+  lumetra batch 'plate/{field}_{channel}.tif' --channel 'dapi=Our own+1+1' --custom own.ini \
+    -o 'batch/{field}.png' --quiet --legend
+  lumetra batch 'plate/{field}_{channel}.tif' --channel 'dapi=Our own+1+1' --custom own.ini \
+    -o 'lines/{field}.png' --quiet --legend --dry-run >lines.sh
+  mkdir lines
+  sh lines.sh
+  [ "$(sum batch)" = "$(sum lines)" ]
+}
+
+@test "levels of the data set, kept as settings, give the pictures of the first pass" {
+  plate -o 'out/{field}.png' --quiet
+  lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC+3-2 \
+    -o plate.json --quiet --jobs 3
+  grep -q '"files": 20' plate.json
+  grep -q '"method": "clip:0.1"' plate.json
+  lumetra batch 'plate/{field}_{channel}.tif' --settings plate.json -o 'set/{field}.png' --quiet
+  [ "$(sum out)" = "$(sum set)" ]
+  plate -o 'own/{field}.png' --quiet --levels-over field
+  run ! [ "$(sum out)" = "$(sum own)" ]
+  fails 2 'no channel "rfp"' lumetra batch 'plate/{field}_{channel}.tif' --settings plate.json \
+    --channel rfp=Cy3 -o 'x/{field}.png'
+}
+
+@test "shards make all fields, each once, under the levels of all" {
+  plate -o 'out/{field}.png' --quiet
+  for k in 1 2 3; do
+    plate -o 'shards/{field}.png' --quiet --shard $k/3
+  done
+  [ "$(sum out)" = "$(sum shards)" ]
+  for bad in 0/3 4/3 x 1/0 -1/3; do
+    fails 2 "--shard" plate -o 'x/{field}.png' "--shard=$bad"
+  done
+}
+
+@test "patterns match folders, repeated parts, braces and lists of files" {
+  mkdir -p 'deep/a/1{x}' 'deep/b/1{x}' deep/b/c
+  cp a.tif 'deep/a/1{x}/a_g.tif'
+  cp a.tif 'deep/b/1{x}/b_g.tif'
+  cp a.tif 'deep/b/1{x}/a_g.tif' # the part is repeated, but not the same
+  run --separate-stderr lumetra batch 'deep/{well}/{site}{{x}}/{well}_{channel}.tif' \
+    --channel g=FITC -o 'out/{well}-{site}.png'
+  [ "$status" = 0 ]
+  [[ $stderr == *"2 fields: a/1, b/1"* ]]
+  [ "$(ls out)" = $'a-1.png\nb-1.png' ]
+  printf 'plate/f03_dapi.tif\nplate/f01_dapi.tif\nother\n' |
+    lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI --files-from - \
+      -o 'listed/{field}.png' --quiet
+  [ "$(ls listed)" = $'f01.png\nf03.png' ]
+  printf 'plate/f03_dapi.tif\0' >list
+  lumetra batch 'plate/{field}_dapi.tif' --channel any=DAPI --files-from list -o '{field}.png' --quiet
+  [ -s f03.png ]
+}
+
+@test "what makes no sense is refused before work starts" {
+  fails 3 "no file matches nowhere" lumetra batch 'nowhere/{field}.tif' --channel a=DAPI -o '{field}.png'
+  fails 2 "fields f00 and f01 have the same output x.png" plate -o x.png --quiet
+  fails 2 "no part {site}" plate -o '{site}.png' --quiet
+  fails 2 "no part {channel}" plate -o '{channel}.png' --quiet
+  fails 2 "no plain name" lumetra batch 'plate/{field_{channel}.tif' --channel a=DAPI -o '{field}.png'
+  fails 2 "brace" lumetra batch 'plate/{field' --channel a=DAPI -o '{field}.png'
+  fails 2 "needs a part {channel}" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel b=FITC -o '{field}.png'
+  fails 2 "there twice" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel a=FITC -o '{field}.png'
+  fails 2 "no channels" lumetra batch 'plate/{field}.tif' -o '{field}.png'
+  fails 2 "is an input and the output" lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o 'plate/{field}_dapi.tif' --overwrite --quiet
+  fails 2 "--log" plate -o '{field}.png' --resume
+  fails 1 ".png, .tif" plate -o '{field}.bmp' --quiet
+  [ -z "$(find . -name '*.png' -newer plate)" ]
+}
+
+@test "a broken field and one without a channel fail by name, the others are done" {
+  rm plate/f03_actin.tif
+  head -c 9000 plate/f05_dapi.tif >cut
+  mv cut plate/f05_dapi.tif
+  cp small.png plate/f07_dapi.tif
+  run --separate-stderr plate -o 'out/{field}.png' --log log --quiet
+  [ "$status" = 1 ]
+  [ "$(ls out | wc -l)" = 7 ]
+  [[ $stderr == *'field f03: the channel "actin" is missing: there is no plate/f03_actin.tif'* ]]
+  [[ $stderr == *"field f05: plate/f05_dapi.tif"*"cut short"* ]]
+  [[ $stderr == *"field f07: "*"different sizes"* ]]
+  [[ $stderr == *"3 of 10 fields failed"* ]]
+  [ "${#stderr_lines[@]}" = 4 ]
+  [ "$(grep -c '"outcome":"done"' log)" = 7 ]
+  [ "$(grep -c '"outcome":"failed"' log)" = 3 ]
+  run --separate-stderr lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC -o set.json
+  [ "$status" = 1 ]
+  grep -q '"files": 14' set.json
+}
+
+@test "files of one channel in two depths have no levels in common" {
+  cp b.png plate/f04_dapi.tif
+  cp b.png plate/f04_actin.tif
+  fails 1 "another depth" plate -o 'x/{field}.png' --quiet
+}
+
+@test "a field that is there is not replaced unasked" {
+  plate -o 'out/{field}.png' --quiet
+  before=$(sum out)
+  run --separate-stderr plate -o 'out/{field}.png' --quiet --gamma 2
+  [ "$status" = 1 ]
+  [[ $stderr == *"10 of 10 fields failed"* ]]
+  [ "$(sum out)" = "$before" ]
+  plate -o 'out/{field}.png' --quiet --gamma 2 --overwrite
+  run ! [ "$(sum out)" = "$before" ]
+}
+
+@test "a field is passed over only if all is as it was" {
+  done_again() { plate -o 'out/{field}.png' --log log --resume --quiet "$@" && grep -c . log; }
+  [ "$(done_again)" = 10 ]
+  [ "$(done_again)" = 10 ]
+  rm out/f02.png
+  [ "$(done_again)" = 11 ]
+  echo more >>out/f03.png
+  [ "$(done_again)" = 12 ]
+  touch plate/f04_dapi.tif
+  [ "$(done_again)" = 13 ]
+  [ "$(done_again --legend)" = 23 ]
+  [ "$(done_again --legend --levels auto)" = 33 ]
+  sed -i 's/"version":"[^"]*"/"version":"0.9"/' log
+  [ "$(done_again --legend --levels auto)" = 43 ]
+  [ "$(done_again --legend --levels auto)" = 43 ]
+}
+
+@test "progress goes to a file in lines for programs" {
+  plate -o 'out/{field}.png' --quiet --progress progress
+  grep -q '^work=measuring$' progress
+  [ "$(tail -n 7 progress | grep -vE 'per_second|seconds_left')" = $'work=making\ntotal=10\ndone=10\nfailed=0\nprogress=end' ]
+}

@@ -1,0 +1,96 @@
+// Writes the picture files that the tests of the command read, good and bad ones, into a folder.
+
+#include "apps/common/stack.h"
+#include "apps/common/writing.h"
+
+#include "planes.h"
+
+#include <opencv2/imgproc.hpp>
+
+#include <QDir>
+#include <QFile>
+
+#include <tiffio.h>
+
+namespace {
+
+using apps::noisePlane;
+
+/// Blurred, so that pictures look like pictures and files are small.
+cv::Mat plane(cv::Size size, int type, int seed) {
+    cv::Mat noise = noisePlane(size, type, seed);
+    cv::GaussianBlur(noise, noise, {}, 3);
+    return noise;
+}
+
+void writeStack(const QString& file, int pages, int seed) {
+    apps::StackWriter writer(file, 0);
+    for (int i = 0; i < pages; ++i)
+        writer.add(plane({64, 48}, CV_16UC1, seed + i));
+    writer.commit();
+}
+
+struct Tags {
+    int samples, photometric;
+    const char* description;
+};
+
+/// A page that OpenCV would read without a word.
+void writeOdd(const QString& file, const Tags& tags) {
+    TIFF* tiff = TIFFOpen(QFile::encodeName(file).constData(), "w");
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 8);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, tags.samples);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, tags.photometric);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    if (tags.description)
+        TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, tags.description);
+    unsigned char row[16] = {};
+    TIFFWriteScanline(tiff, row, 0);
+    TIFFClose(tiff);
+}
+
+void writeCut(const QString& from, const QString& to, int percent) {
+    QFile whole(from), cut(to);
+    if (whole.open(QIODevice::ReadOnly) && cut.open(QIODevice::WriteOnly))
+        cut.write(whole.readAll().left(static_cast<int>(whole.size() * percent / 100)));
+}
+
+/// `count` fields of two channels; the odd ones are darker.
+void writePlate(const QString& folder, int count) {
+    QDir().mkpath(folder);
+    for (int i = 0; i < count; ++i) {
+        const QString field = QStringLiteral("%1/f%2_").arg(folder).arg(i, 2, 10, QLatin1Char('0'));
+        for (int channel = 0; channel < 2; ++channel) {
+            const cv::Mat samples = plane({200, 160}, CV_16UC1, 2 * i + channel);
+            const cv::Mat darker = i % 2 ? cv::Mat(samples / 2) : samples;
+            apps::writePicture(field + (channel ? "actin.tif" : "dapi.tif"), darker);
+        }
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2 || !QDir::setCurrent(QFile::decodeName(argv[1])))
+        return 2;
+    apps::writePicture("a.tif", plane({64, 48}, CV_16UC1, 1));
+    apps::writePicture("b.png", plane({64, 48}, CV_8UC1, 2));
+    apps::writePicture("c.tif", plane({64, 48}, CV_16UC1, 3));
+    apps::writePicture("small.png", plane({32, 48}, CV_8UC1, 3));
+    apps::writePicture("colour.png", plane({192, 48}, CV_8UC1, 4).reshape(3));
+    apps::writePicture("colour.jpg", plane({192, 48}, CV_8UC1, 4).reshape(3));
+    writeStack("stack.tif", 4, 10);
+    writeStack("other.tif", 4, 20);
+    writeStack("three.tif", 3, 30);
+    writeCut("stack.tif", "cut-stack.tif", 60);
+    writeCut("a.tif", "cut.tif", 50);
+    writeCut("b.png", "cut.png", 50);
+    writeCut("colour.jpg", "cut.jpg", 50);
+    writeOdd("two-samples.tif", {2, PHOTOMETRIC_MINISBLACK, nullptr});
+    writeOdd("white-is-zero.tif", {1, PHOTOMETRIC_MINISWHITE, nullptr});
+    writeOdd("behind-one.tif", {1, PHOTOMETRIC_MINISBLACK, "ImageJ=1.53c\nimages=9\nslices=9\n"});
+    writePlate("plate", 10);
+    return 0;
+}

@@ -1,0 +1,190 @@
+# One picture: dyes, info, dye, pseudo, merge.
+
+bats_require_minimum_version 1.5.0
+load setup.bash
+
+@test "version and help are there, each with an example" {
+  run --separate-stderr lumetra --version
+  [ "$status" = 0 ]
+  [ "$output" = "lumetra $LUMETRA_VERSION" ]
+  [ -z "$stderr" ]
+  for command in dyes info dye pseudo merge levels batch; do
+    run --separate-stderr lumetra $command --help
+    [ "$status" = 0 ]
+    [[ $output == *"example: lumetra $command "* ]]
+  done
+}
+
+@test "bad usage has status 2" {
+  fails 2 "subcommand" lumetra
+  fails 2 "--nonsense" lumetra merge a.tif=DAPI -o x.png --nonsense
+  fails 2 "FILE=DYE" lumetra merge a.tif -o x.png
+  fails 2 "clip" lumetra merge a.tif=DAPI -o x.png --levels clip:70
+  fails 2 "gamma" lumetra merge a.tif=DAPI -o x.png --levels none --gamma 2
+  fails 2 "2 times for 3" lumetra merge a.tif=DAPI b.png=FITC c.tif=Cy3 -o x.png --levels auto --levels auto
+  fails 2 "--hide 2" lumetra merge a.tif=DAPI -o x.png --hide 2
+  fails 2 "exclude" lumetra pseudo a.tif -o x.png --range 1:2 --levels auto
+  [ ! -e x.png ]
+}
+
+@test "dyes are found by name and wavelength" {
+  run lumetra dyes ALEXA --emission 520
+  [[ ${lines[1]} == *"Alexa 488" ]]
+  run lumetra dyes --excitation 749
+  [[ ${lines[1]} == *"Alexa Fluor 750" ]]
+  [ "$(lumetra dyes | wc -l)" = 330 ]
+  [ "$(lumetra dyes --json | grep -c '"name"')" = 329 ]
+  fails 3 '"DAPI"' lumetra dyes DAPY
+}
+
+@test "custom dyes are dyes" {
+  printf '[General]\nNumber=1\n\n[DyeType1]\nName=Heliotrope\nColor=#c474ff\n' >own.ini
+  run lumetra dyes helio --custom own.ini
+  [[ ${lines[1]} == *"#c474ff  Heliotrope" ]]
+  lumetra dye a.tif=Heliotrope --custom own.ini -o named.png
+  lumetra dye a.tif=#c474ff -o coloured.png
+  cmp named.png coloured.png
+  fails 1 "own2.ini" lumetra dye a.tif=DAPI --custom own2.ini -o x.png
+  fails 1 "no custom dyes" lumetra dye a.tif=DAPI --custom a.tif -o x.png
+  fails 1 'nearest names are "DAPI"' lumetra dye a.tif=DAPY -o x.png
+}
+
+@test "info tells pages, size, depth, range and percentiles" {
+  run lumetra info b.png stack.tif
+  [[ ${lines[0]} == "b.png: 1 page of 64 x 48 pixels, 8 bits, gray, samples "* ]]
+  [[ ${lines[1]} == "stack.tif: 4 pages of 64 x 48 pixels, 16 bits, gray, samples "*"50 % up to"* ]]
+  run --separate-stderr lumetra info --json b.png missing.png colour.png
+  [ "$status" = 1 ]
+  [[ $stderr == *missing.png* ]]
+  [ "$(grep -c '"percentiles"' <<<"$output")" = 2 ]
+}
+
+@test "a picture on the standard output is the one in the file" {
+  lumetra merge a.tif=DAPI b.png=FITC+3-2 -o x.png
+  lumetra merge a.tif=DAPI b.png=FITC+3-2 -o - | cmp - x.png
+}
+
+@test "16 bits stay 16 bits without levels, and become 8 with them" {
+  lumetra merge a.tif=DAPI c.tif=FITC -o deep.tif --levels none --quiet
+  lumetra merge a.tif=DAPI c.tif=FITC -o flat.tif --quiet
+  [[ $(lumetra info deep.tif) == *"16 bits, colour"* ]]
+  [[ $(lumetra info flat.tif) == *"8 bits, colour"* ]]
+  fails 1 "8 bits only" lumetra merge a.tif=DAPI -o deep.jpg --levels none
+}
+
+@test "levels given are the levels measured, in every way to give them" {
+  lumetra merge a.tif=DAPI -o measured.png --levels auto
+  range=$(lumetra info a.tif --json | tr -d ' \n' | sed 's/.*"range":\[\([0-9]*\),\([0-9]*\)\].*/\1:\2/')
+  lumetra merge a.tif=DAPI -o given.png --levels "$range"
+  lumetra levels '{channel}.tif' --channel a=DAPI --levels auto -o set.json
+  lumetra merge a.tif --settings set.json -o set.png
+  cmp measured.png given.png
+  cmp measured.png set.png
+  lumetra merge a.tif=DAPI -o gamma.png --levels "$range" --gamma 0.5
+  run ! cmp -s measured.png gamma.png
+}
+
+@test "a stack gives a stack, under one set of levels" {
+  lumetra merge stack.tif=DAPI other.tif=FITC+1+1 --all-pages -o all.tif
+  [[ $(lumetra info all.tif) == *"4 pages of 63 x 47"* ]]
+  lumetra merge 'stack.tif[3]=DAPI' 'other.tif[3]=FITC+1+1' -o third.tif --levels 1:60000
+  lumetra merge stack.tif=DAPI other.tif=FITC+1+1 --page 3 -o page.tif --levels 1:60000
+  cmp third.tif page.tif
+  fails 1 "4 pages; choose one" lumetra merge stack.tif=DAPI -o x.png
+  fails 1 "no page 5" lumetra merge 'stack.tif[5]=DAPI' -o x.png
+  fails 1 "different numbers of pages" lumetra merge stack.tif=DAPI three.tif=FITC --all-pages -o x.tif
+  fails 1 "a stack of 4 pages" lumetra merge stack.tif=DAPI --all-pages -o x.png
+  fails 2 "named beside" lumetra merge 'stack.tif[1]=DAPI' --all-pages -o x.tif
+  [ ! -e x.png ]
+  [ ! -e x.tif ]
+}
+
+@test "hidden channels keep the size of the picture" {
+  lumetra merge a.tif=DAPI b.png=FITC+9-9 --hide 2 -o hidden.png --quiet
+  [[ $(lumetra info hidden.png) == *"55 x 39"* ]]
+}
+
+@test "colour is taken by dye and pseudo, and refused by name where gray is needed" {
+  lumetra dye colour.png=DAPI -o plain.png --levels none
+  lumetra dye colour.png=DAPI -o dominant.png --levels none --dominant
+  lumetra pseudo colour.png -o pseudo.png --table magma
+  run ! cmp -s plain.png dominant.png
+  fails 1 "colour.png: has colours" lumetra merge a.tif=DAPI colour.png=FITC -o x.png
+  fails 1 "colour.png: has colours" lumetra pseudo colour.png --range 1:9 -o x.png
+}
+
+@test "tables have names, ranges and files, and can be reversed" {
+  lumetra pseudo a.tif -o named.png --table gray
+  lumetra pseudo a.tif -o ranged.png --table gray --range 30000:31000
+  lumetra pseudo a.tif -o reversed.png --table gray --reversed
+  for i in $(seq 0 255); do echo "$i $i $i"; done >gray.lut
+  lumetra pseudo a.tif -o file.png --table gray.lut
+  cmp named.png file.png
+  run ! cmp -s named.png ranged.png
+  run ! cmp -s named.png reversed.png
+  fails 1 "viridis" lumetra pseudo a.tif -o x.png --table virdis
+  fails 1 "b.png: is no colour table" lumetra pseudo a.tif -o x.png --table b.png
+}
+
+@test "legend and scale bar change the picture, and a bar must fit" {
+  lumetra merge a.tif=DAPI b.png=FITC -o plain.png
+  lumetra merge a.tif=DAPI b.png=FITC -o legend.png --legend
+  lumetra merge a.tif=DAPI b.png=FITC -o bar.png --scale-bar 10 --pixel-size 0.5
+  run ! cmp -s plain.png legend.png
+  run ! cmp -s plain.png bar.png
+  fails 1 "scale bar" lumetra merge a.tif=DAPI -o x.png --scale-bar 100 --pixel-size 0.5
+  fails 2 "--pixel-size" lumetra merge a.tif=DAPI -o x.png --scale-bar 100
+}
+
+@test "bad files are refused by name, in one line, and nothing is written" {
+  while IFS='|' read -r file text; do
+    fails 1 "$file" lumetra merge "$file=DAPI" -o x.png
+    [[ $stderr == *"$text"* ]]
+    fails 1 "$file" lumetra pseudo "$file" -o x.png
+  done <<'LIST'
+missing.tif|no such file
+plate|not a file
+cut.tif|cut short
+cut-stack.tif|cut short
+cut.png|cannot be read
+cut.jpg|cut short
+two-samples.tif|two samples
+white-is-zero.tif|zero as white
+behind-one.tif|says that it has 9 pages
+LIST
+  echo "no picture" >text.png
+  fails 1 "text.png" lumetra merge text.png=DAPI -o x.png
+  fails 1 "a.tif has 64 x 48 pixels, small.png has 32 x 48" lumetra merge a.tif=DAPI small.png=FITC -o x.png
+  fails 1 "share no pixel" lumetra merge a.tif=DAPI b.png=FITC+64+0 -o x.png
+  [ ! -e x.png ]
+  [ -z "$(find . -name '.*.part*')" ]
+}
+
+@test "outputs are not replaced unasked, nor inputs at all" {
+  cp a.tif before.tif
+  fails 1 "--overwrite" lumetra merge a.tif=DAPI -o b.png
+  fails 1 "is an input" lumetra merge a.tif=DAPI -o a.tif --overwrite
+  ln a.tif hard.tif
+  fails 1 "is an input" lumetra merge a.tif=DAPI -o hard.tif --overwrite
+  cmp a.tif before.tif
+  fails 1 ".png, .tif" lumetra merge a.tif=DAPI -o x.bmp
+  lumetra merge a.tif=DAPI -o b.png --overwrite --quiet
+  [[ $(lumetra info b.png) == *colour* ]]
+}
+
+@test "settings are refused by the name of what is wrong" {
+  echo '{"channels":[{"dye":"DAPI","levls":[1,2]}]}' >bad.json
+  fails 1 'bad.json: channel 1 has an unknown key "levls"' lumetra merge a.tif --settings bad.json -o x.png
+  echo '{"channels":[{"dye":"DAPI"},{"dye":"FITC"}]}' >two.json
+  fails 2 "1 files for the 2 channels" lumetra merge a.tif --settings two.json -o x.png
+}
+
+@test "names may hold spaces, quotes, new lines and any letters, in any locale" {
+  name=$'ä \'q\' "d"\n é.tif'
+  cp a.tif "$name"
+  for locale in C C.UTF-8; do
+    LC_ALL=$locale lumetra merge "$name=DAPI" -o "out $name" --overwrite --quiet
+    [ -s "out $name" ]
+  done
+  fails 1 '\n' lumetra merge "not $name=DAPI" -o x.png
+}
