@@ -1,0 +1,107 @@
+// Beside the command: a data set to work on, the bare reading and writing of its files, and a plain
+// program on OpenCV for the same job.
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int side = 2048, distinct = 8;
+
+std::string input(const std::string& folder, int field, const char* channel) {
+    return folder + "/f" + std::to_string(1000 + field) + '_' + channel + ".tif";
+}
+
+/// A dim background with spots and the noise of a camera, 12 bits of 16.
+cv::Mat cameraPlane(int seed) {
+    cv::RNG random(static_cast<uint64>(seed) + 1);
+    cv::Mat light(side, side, CV_32F, cv::Scalar(200));
+    for (int spot = 0; spot < 150; ++spot)
+        cv::circle(light, {random.uniform(0, side), random.uniform(0, side)},
+                   random.uniform(10, 60), cv::Scalar(random.uniform(500, 3500)), cv::FILLED);
+    cv::GaussianBlur(light, light, {}, 5);
+    cv::Mat noise(side, side, CV_32F);
+    random.fill(noise, cv::RNG::NORMAL, 0, 15);
+    cv::Mat plane;
+    cv::Mat(light + noise).convertTo(plane, CV_16U);
+    return plane;
+}
+
+/// Every file is one of few, under names of its own: what is read lies in the system's memory, so
+/// that the disk is not what is measured.
+void makeFields(const std::string& folder, int count) {
+    std::filesystem::create_directories(folder);
+    const std::vector<int> uncompressed{cv::IMWRITE_TIFF_COMPRESSION, 1};
+    for (int field = 0; field < count; ++field) {
+        for (const char* channel : {"dapi", "actin"}) {
+            const std::string file = input(folder, field, channel);
+            if (field < distinct)
+                cv::imwrite(file, cameraPlane(2 * field + (channel[0] == 'a')), uncompressed);
+            else
+                std::filesystem::create_hard_link(input(folder, field % distinct, channel), file);
+        }
+    }
+}
+
+void runThreads(int threads, int count, const std::function<void(int)>& work) {
+    std::atomic<int> next{0};
+    std::vector<std::thread> pool;
+    for (int i = 0; i < threads; ++i)
+        pool.emplace_back([&] {
+            for (int field = next++; field < count; field = next++)
+                work(field);
+        });
+    for (std::thread& thread : pool)
+        thread.join();
+}
+
+constexpr int asItIs = cv::IMREAD_ANYDEPTH | cv::IMREAD_GRAYSCALE;
+
+/// What one would write: levels to 8 bits, a colour for each, the sum.
+cv::Mat plainPicture(const cv::Mat& dapi, const cv::Mat& actin) {
+    const auto tinted = [](const cv::Mat& plane, const cv::Scalar& colour) {
+        cv::Mat eightBits, colours;
+        plane.convertTo(eightBits, CV_8U, 255.0 / 3000, -200 * 255.0 / 3000);
+        cv::cvtColor(eightBits, colours, cv::COLOR_GRAY2BGR);
+        cv::multiply(colours, colour, colours, 1 / 255.0);
+        return colours;
+    };
+    return tinted(dapi, {255, 107, 0}) + tinted(actin, {0, 255, 29});
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string mode = argc > 1 ? argv[1] : "";
+    if (mode == "make" && argc == 4) {
+        makeFields(argv[2], std::atoi(argv[3]));
+        return 0;
+    }
+    if (argc != 7 || (mode != "floor" && mode != "plain")) {
+        std::fputs("usage: fields_bench make FOLDER COUNT\n"
+                   "       fields_bench floor|plain FOLDER COUNT OUT EXTENSION THREADS\n",
+                   stderr);
+        return 2;
+    }
+    const std::string folder = argv[2], out = argv[4], extension = argv[5];
+    cv::setNumThreads(1);
+    std::filesystem::create_directories(out);
+    const cv::Mat finished = plainPicture(cv::imread(input(folder, 0, "dapi"), asItIs),
+                                          cv::imread(input(folder, 0, "actin"), asItIs));
+    runThreads(std::atoi(argv[6]), std::atoi(argv[3]), [&](int field) {
+        const cv::Mat dapi = cv::imread(input(folder, field, "dapi"), asItIs);
+        const cv::Mat actin = cv::imread(input(folder, field, "actin"), asItIs);
+        cv::imwrite(out + '/' + std::to_string(field) + extension,
+                    mode == "floor" ? finished : plainPicture(dapi, actin));
+    });
+}
