@@ -42,3 +42,16 @@ install(FILES CHANGELOG.md DESTINATION ${doc_dir} COMPONENT development)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html # there once the target docs has been built
   DESTINATION ${doc_dir} COMPONENT development OPTIONAL)
 install(DIRECTORY examples DESTINATION ${doc_dir} COMPONENT examples)
+
+if(LUMETRA_BUILD_APPS)
+  # Finds the library beside it, wherever the tree lies; system folders are searched anyway.
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    file(RELATIVE_PATH lib_from_bin /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(lumetra_command PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
+  endif()
+  install(TARGETS lumetra_command RUNTIME COMPONENT tools)
+  install(FILES packaging/tools/lumetra.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES packaging/tools/lumetra.bash RENAME lumetra
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
+endif()

@@ -14,8 +14,10 @@
 
 #include <lumetra>
 
-#include "channel.h"
-#include "colour_table.h"
+#include "apps/common/colour_table.h"
+#include "apps/common/display_table.h"
+#include "apps/common/histogram.h"
+#include "apps/common/stack.h"
 #include "drawing.h"
 #include "program.h"
 
@@ -119,11 +121,28 @@ void saveCustomDyes(const std::string& file) {
     Lumetra::SaveCustomDyeType(dyes, QString::fromStdString(file));
 }
 
+/// Gray of 16 bits for the eye.
+cv::Mat toEightBits(cv::Mat const& gray) {
+    apps::Histogram histogram;
+    histogram.add(gray);
+    apps::DisplayTable table;
+    table.set(histogram.bits(), histogram.range(), 1);
+    cv::Mat eightBits;
+    table.apply(gray, eightBits);
+    return eightBits;
+}
+
+cv::Mat readGray(std::string const& file) {
+    return apps::Stack(QString::fromStdString(file)).grayPage(1);
+}
+
 QImage pseudoColour(cv::Mat gray) {
     constexpr int ribbon = 20;
-    const auto table = evenColours();
+    auto const table = apps::evenColours();
+    //! [pseudo-colour]
     cv::Mat picture;
-    Lumetra::Pseudo(gray, picture, table);
+    Lumetra::Pseudo(gray, picture, table); // QVector<QColor>, 255 or 256 of them
+    //! [pseudo-colour]
 
     QImage chart = chartOf({{"The channel", "16 bits, gray", toEightBits(gray)},
                             {"Pseudo-colour", "each value a colour of the table below", picture}},

@@ -1,6 +1,6 @@
 /// @file
 /// How every example ends: with status 0, with one line on stderr and status 1, or with its usage
-/// and status 2.
+/// and status 2; and how it writes pictures.
 
 #ifndef LUMETRA_EXAMPLES_PROGRAM_H
 #define LUMETRA_EXAMPLES_PROGRAM_H
@@ -9,9 +9,11 @@
 #include <exception>
 #include <iostream>
 #include <stdexcept>
+#include <string>
 
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
+#include <opencv2/imgcodecs.hpp>
 
 /// Why a program cannot go on, in one line for its user.
 struct Failure : std::runtime_error {
@@ -20,6 +22,12 @@ struct Failure : std::runtime_error {
 
 /// The arguments make no sense; the usage text says what would.
 struct BadUsage : std::exception {};
+
+/// Writes a picture in the format that the file's extension asks for.
+inline void writePicture(std::string const& file, cv::Mat const& picture) {
+    if (!cv::haveImageWriter(file) || !cv::imwrite(file, picture))
+        throw Failure("cannot write a picture to " + file);
+}
 
 /// Runs `program` and turns how it ends into an exit status.
 template<typename Program>

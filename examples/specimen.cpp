@@ -12,7 +12,8 @@
 
 #include <opencv2/core.hpp>
 
-#include "channel.h"
+#include <QString>
+
 #include "program.h"
 
 namespace {

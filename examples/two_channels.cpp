@@ -1,56 +1,58 @@
-// A host of libLumetra, small enough to read in a minute: it tints the gray channels of one
+// A host of libLumetra, small enough to read in a minute: it tints two gray channels of one
 // specimen with the colours of their dyes and merges them into one picture.
 
-#include <iostream>
 #include <memory>
 
 #include <QLoggingCategory>
 
+#include <opencv2/imgcodecs.hpp>
+
 #include <lumetra>
 
-#include "channel.h"
 #include "program.h"
 
 namespace {
 
-constexpr auto usage = R"(usage: two_channels OUTPUT FILE=DYE[+X+Y] FILE=DYE[+X+Y]...
+constexpr auto usage = R"(usage: two_channels OUTPUT NUCLEI ACTIN [X Y]
 
-Tints each gray picture FILE (8 or 16 bits) with the colour of DYE, moves it X pixels to the left
-and Y up (-X and -Y: to the right and down), and writes the sum of all pictures to OUTPUT.
+Tints the gray pictures NUCLEI as DAPI and ACTIN as FITC, 8 or 16 bits each, moves the second one X
+pixels to the left and Y up, and writes their sum to OUTPUT.
 
-example: two_channels cells.png nuclei.tif=DAPI actin.tif=FITC+3-2
+example: two_channels cells.png nuclei.tif actin.tif 3 -2
 )";
 
-/// The picture `gray` in the display colour of the channel's dye.
-cv::Mat tinted(const cv::Mat& gray, const Channel& channel) {
+cv::Mat readGray(std::string const& file) {
+    cv::Mat gray = cv::imread(file, cv::IMREAD_GRAYSCALE | cv::IMREAD_ANYDEPTH);
+    if (gray.empty())
+        throw Failure("cannot read a picture from " + file);
+    return gray;
+}
+
+/// The picture `gray` in the display colour of a dye.
+cv::Mat tinted(cv::Mat const& gray, QString const& name) {
     //! [dye]
-    FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[channel.dye];
-    cv::Mat levels = toEightBits(gray), picture;
+    FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[name];
+    cv::Mat levels = gray, picture;
+    if (gray.depth() == CV_16U) // a camera fills a part of 16 bits only: as it is, nearly black
+        cv::normalize(gray, levels, 0, 255, cv::NORM_MINMAX, CV_8U);
     Lumetra::Dye(levels, picture, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
     //! [dye]
-
-    std::cout << channel.file << ": " << gray.cols << " x " << gray.rows << " pixels"
-              << (gray.depth() == CV_8U ? "" : ", brought to 8 bits over its own value range")
-              << ", tinted as " << channel.dye.toStdString() << " (" << dye.nColorR << ", "
-              << dye.nColorG << ", " << dye.nColorB << ")\n";
     return picture;
 }
 
-/// All channels in one picture.
-std::unique_ptr<cv::Mat> merged(const std::vector<Channel>& channels) {
-    std::vector<cv::Mat> pictures = readChannels(channels);
+/// Both channels in one picture, the second one moved.
+std::unique_ptr<cv::Mat> merged(cv::Mat nuclei, cv::Mat actin, QPoint offset) {
+    if (nuclei.size() != actin.size())
+        throw Failure("the pictures have different sizes");
+    nuclei = tinted(nuclei, "DAPI");
+    actin = tinted(actin, "FITC");
     //! [composite]
-    QList<cv::Mat*> images;
-    QList<QPoint> offsets;
-    for (size_t i = 0; i < channels.size(); ++i) {
-        pictures[i] = tinted(pictures[i], channels[i]);
-        images << &pictures[i];
-        offsets << channels[i].offset;
-    }
+    QList<cv::Mat*> images{&nuclei, &actin};
+    QList<QPoint> offsets{{0, 0}, offset};
     std::unique_ptr<cv::Mat> canvas(Lumetra::Composite(&images, &offsets));
     //! [composite]
-    if (!canvas) // the sizes are equal, so only the offsets can be at fault
-        throw Failure("the offsets are so far apart that the pictures share no pixel");
+    if (!canvas) // the sizes are equal, so only the offset can be at fault
+        throw Failure("the offset is so large that the pictures share no pixel");
     return canvas;
 }
 
@@ -58,17 +60,13 @@ std::unique_ptr<cv::Mat> merged(const std::vector<Channel>& channels) {
 
 int main(int argc, char** argv) {
     return runProgram(usage, [&] {
-        if (argc < 2)
+        if (argc != 4 && argc != 6)
             throw BadUsage{};
+        QPoint const offset = argc == 6 ? QPoint(std::stoi(argv[4]), std::stoi(argv[5])) : QPoint();
         QLoggingCategory::setFilterRules("*.debug=false"); // what fails is said in our own words
         //! [catalogue]
         Lumetra::InitFluoDyeType();
         //! [catalogue]
-
-        auto const channels = parseChannels(argc, argv, 2);
-        auto const picture = merged(channels);
-        writePicture(argv[1], *picture);
-        std::cout << argv[1] << ": the " << channels.size() << " channels in one picture of "
-                  << picture->cols << " x " << picture->rows << " pixels\n";
+        writePicture(argv[1], *merged(readGray(argv[2]), readGray(argv[3]), offset));
     });
 }

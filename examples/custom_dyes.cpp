@@ -1,0 +1,32 @@
+// Keeps a dye of one's own in a file.
+
+#include <lumetra>
+
+#include "program.h"
+
+namespace {
+
+constexpr auto usage = R"(usage: custom_dyes FILE
+
+Writes a custom dye, Heliotrope, to FILE, as 'lumetra dye --custom FILE' reads it.
+)";
+
+void keepDyes(QString const& file) {
+    //! [custom dyes]
+    QMap<QString, QColor> ours{{"Heliotrope", QColor(196, 116, 255)}}, loaded;
+    Lumetra::SaveCustomDyeType(ours, file);
+    Lumetra::LoadCustomDyeType(loaded, file);
+    //! [custom dyes]
+    if (loaded != ours)
+        throw Failure("cannot keep custom dyes in " + file.toStdString());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return runProgram(usage, [&] {
+        if (argc != 2)
+            throw BadUsage{};
+        keepDyes(argv[1]);
+    });
+}
