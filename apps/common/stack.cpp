@@ -8,7 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -59,8 +59,13 @@ cv::Mat Stack::page(int number) const {
             read.push_back(cv::imread(name, asItIs));
         else
             cv::imreadmulti(name, read, number - 1, 1, asItIs);
-    } catch (const std::exception&) {
-        throw failure(file_, currentReason());
+    } catch (const std::exception& error) {
+        // OpenCV names its own limits in its own words.
+        const bool isLimit = std::strstr(error.what(), "CV_IO_MAX_IMAGE") != nullptr;
+        throw failure(file_, isLimit ? QStringLiteral("has more pixels than are read (the "
+                                                      "environment variable "
+                                                      "OPENCV_IO_MAX_IMAGE_PIXELS says how many)")
+                                     : currentReason());
     }
     if (read.empty() || read.front().empty())
         throw failure(file_, QStringLiteral("cannot be read as a picture; it may be damaged, cut "

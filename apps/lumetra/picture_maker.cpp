@@ -4,8 +4,11 @@
 #include "apps/common/writing.h"
 #include "apps/lumetra/signals.h"
 
+#include <opencv2/core.hpp>
+
 #include <algorithm>
 #include <memory>
+#include <new>
 
 namespace apps {
 
@@ -97,8 +100,19 @@ QString PictureMaker::make(const PictureFiles& files) {
 
 void writePictures(const QString& output, int count,
                    const std::function<const cv::Mat&(int)>& draw) {
+    const auto drawn = [&](int i) -> const cv::Mat& {
+        try {
+            return draw(i);
+        } catch (const cv::Exception&) {
+            throw Failure(
+                QStringLiteral("%1: cannot be made: %2").arg(shown(output), currentReason()));
+        } catch (const std::bad_alloc&) {
+            throw Failure(
+                QStringLiteral("%1: cannot be made: %2").arg(shown(output), currentReason()));
+        }
+    };
     if (count == 1) {
-        const cv::Mat& picture = draw(0);
+        const cv::Mat& picture = drawn(0);
         throwIfInterrupted();
         return writePicture(output, picture);
     }
@@ -108,7 +122,7 @@ void writePictures(const QString& output, int count,
                           .arg(count));
     std::unique_ptr<StackWriter> writer;
     for (int i = 0; i < count; ++i) {
-        const cv::Mat& page = draw(i);
+        const cv::Mat& page = drawn(i);
         if (!writer)
             writer = std::make_unique<StackWriter>(output, page.total() * page.elemSize() *
                                                                static_cast<std::size_t>(count));

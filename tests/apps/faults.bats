@@ -104,3 +104,15 @@ many_stopped_by() {
   run --separate-stderr bash -c 'set -o pipefail; lumetra merge plate/f00_dapi.tif=DAPI -o - | true'
   [ "$status" -le 1 ]
 }
+
+@test "pictures too large for OpenCV or for the memory are refused by name" {
+  # Files with holes: their zeros take no room.
+  printf 'P5\n100000 100000\n255\n' >limit.pgm
+  truncate -s 10000000018 limit.pgm
+  fails 1 "limit.pgm: has more pixels than are read" lumetra merge limit.pgm=DAPI -o x.png
+  ! ldd "$LUMETRA" | grep -qE 'lib[at]san' || skip "sanitizers need the memory"
+  printf 'P5\n30000 30000\n255\n' >memory.pgm
+  truncate -s 900000019 memory.pgm
+  (ulimit -v 2000000; fails 1 "x.png: cannot be made: there is not enough memory" lumetra merge memory.pgm=DAPI -o x.png)
+  [ ! -e x.png ]
+}
