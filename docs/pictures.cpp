@@ -122,7 +122,7 @@ void saveCustomDyes(const std::string& file) {
 }
 
 /// Gray of 16 bits for the eye.
-cv::Mat toEightBits(cv::Mat const& gray) {
+cv::Mat toEightBits(const cv::Mat& gray) {
     apps::Histogram histogram;
     histogram.add(gray);
     apps::DisplayTable table;
@@ -132,13 +132,13 @@ cv::Mat toEightBits(cv::Mat const& gray) {
     return eightBits;
 }
 
-cv::Mat readGray(std::string const& file) {
+cv::Mat readGray(const std::string& file) {
     return apps::Stack(QString::fromStdString(file)).grayPage(1);
 }
 
 QImage pseudoColour(cv::Mat gray) {
     constexpr int ribbon = 20;
-    auto const table = apps::evenColours();
+    const auto table = apps::evenColours();
     //! [pseudo-colour]
     cv::Mat picture;
     Lumetra::Pseudo(gray, picture, table); // QVector<QColor>, 255 or 256 of them

@@ -11,7 +11,7 @@ constexpr auto usage = R"(usage: custom_dyes FILE
 Writes a custom dye, Heliotrope, to FILE, as 'lumetra dye --custom FILE' reads it.
 )";
 
-void keepDyes(QString const& file) {
+void keepDyes(const QString& file) {
     //! [custom dyes]
     QMap<QString, QColor> ours{{"Heliotrope", QColor(196, 116, 255)}}, loaded;
     Lumetra::SaveCustomDyeType(ours, file);

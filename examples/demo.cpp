@@ -22,7 +22,7 @@ Draws overview.png in the directory OUTDIR, in which the command lumetra has mad
 pseudo-colour.png, custom-dye.png and, of each FILE in the colour of DYE, tinted-1.png and so on.
 )";
 
-cv::Mat picture(std::string const& file) {
+cv::Mat picture(const std::string& file) {
     cv::Mat read = cv::imread(file);
     if (read.empty())
         throw Failure("cannot read a picture from " + file);
@@ -31,11 +31,11 @@ cv::Mat picture(std::string const& file) {
 
 std::string tintedFile(size_t channel) { return "tinted-" + std::to_string(channel + 1) + ".png"; }
 
-LabelledPicture tintedChannel(std::string const& argument, size_t channel) {
-    size_t const equals = argument.rfind('=');
+LabelledPicture tintedChannel(const std::string& argument, size_t channel) {
+    const size_t equals = argument.rfind('=');
     if (equals == std::string::npos)
         throw BadUsage{};
-    auto const file = std::filesystem::path(argument.substr(0, equals)).filename().string();
+    const auto file = std::filesystem::path(argument.substr(0, equals)).filename().string();
     return {QString::fromStdString(file),
             "tinted as " + QString::fromStdString(argument.substr(equals + 1)),
             picture(tintedFile(channel))};
@@ -56,7 +56,7 @@ LabelledPicture synthesis(size_t channels) {
     return {"Synthesis", QString("%1 files, as they are").arg(channels), sum};
 }
 
-void drawOverview(std::vector<std::string> const& channels) {
+void drawOverview(const std::vector<std::string>& channels) {
     std::vector<LabelledPicture> pictures{
         {"Composite", QString("the sum of %1 tinted channels").arg(channels.size()),
          picture("composite.png")}};

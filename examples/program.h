@@ -24,7 +24,7 @@ struct Failure : std::runtime_error {
 struct BadUsage : std::exception {};
 
 /// Writes a picture in the format that the file's extension asks for.
-inline void writePicture(std::string const& file, cv::Mat const& picture) {
+inline void writePicture(const std::string& file, const cv::Mat& picture) {
     if (!cv::haveImageWriter(file) || !cv::imwrite(file, picture))
         throw Failure("cannot write a picture to " + file);
 }

@@ -21,7 +21,7 @@ pixels to the left and Y up, and writes their sum to OUTPUT.
 example: two_channels cells.png nuclei.tif actin.tif 3 -2
 )";
 
-cv::Mat readGray(std::string const& file) {
+cv::Mat readGray(const std::string& file) {
     cv::Mat gray = cv::imread(file, cv::IMREAD_GRAYSCALE | cv::IMREAD_ANYDEPTH);
     if (gray.empty())
         throw Failure("cannot read a picture from " + file);
@@ -29,7 +29,7 @@ cv::Mat readGray(std::string const& file) {
 }
 
 /// The picture `gray` in the display colour of a dye.
-cv::Mat tinted(cv::Mat const& gray, QString const& name) {
+cv::Mat tinted(const cv::Mat& gray, const QString& name) {
     //! [dye]
     FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[name];
     cv::Mat levels = gray, picture;
