@@ -71,37 +71,13 @@ std::string line(const Parts&... parts) {
 cv::Mat testImage(cv::Size size, int type) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-    static const double edges[] = {0,
-                                   -0.0,
-                                   0.5,
-                                   1.5,
-                                   2.5,
-                                   -0.5,
-                                   126.5,
-                                   127.5,
-                                   254.5,
-                                   255.5,
-                                   32767.5,
-                                   65534.5,
-                                   65535.5,
-                                   16777217,
-                                   2147483583,
-                                   2147483646.5,
-                                   2147483647,
-                                   2147483648,
-                                   -2147483648.5,
-                                   -2147483649,
-                                   4294967295,
-                                   4294967551,
-                                   9223372036854775808.,
-                                   1e19,
-                                   -1e19,
-                                   1e300,
-                                   -1e300,
-                                   1e-310,
-                                   infinity,
-                                   -infinity,
-                                   nan};
+    // clang-format off
+    static const double edges[] = {
+        0, -0.0, 0.5, 1.5, 2.5, -0.5, 126.5, 127.5, 254.5, 255.5, 32767.5, 65534.5, 65535.5,
+        16777217, 2147483583, 2147483646.5, 2147483647, 2147483648, -2147483648.5, -2147483649,
+        4294967295, 4294967551, 9223372036854775808., 1e19, -1e19, 1e300, -1e300, 1e-310,
+        infinity, -infinity, nan};
+    // clang-format on
     cv::Mat image(size, type);
     std::mt19937_64 random(static_cast<unsigned>(size.width * 100 + type));
     const auto store = [](auto sample, uchar* at) { std::memcpy(at, &sample, sizeof sample); };
