@@ -56,6 +56,22 @@ TEST(Files, ThatAreGivenUpLeaveNothing) {
     EXPECT_TRUE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).isEmpty());
 }
 
+TEST(Files, AreClearedOfLeftoversAndOfNothingElse) {
+    const QTemporaryDir folder;
+    const QStringList left{".a.png.part", ".a.png.part.AbCdEf"};
+    const QStringList kept{".a.png.part.AbCdE",  ".a.png.part.AbCdEfG",
+                           ".b.png.part.AbCdEf", "a.png",
+                           "a.png.backup",       "x.a.png.part.AbCdEf"};
+    for (const QString& name : left + kept) {
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    removeLeftovers({folder.filePath("a.png"), folder.filePath("nowhere/a.png")});
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name).size(), 6);
+    for (const QString& name : kept)
+        EXPECT_TRUE(QFile::exists(folder.filePath(name))) << name.toStdString();
+}
+
 TEST(Files, AreNotReplacedUnasked) {
     const QTemporaryDir folder;
     const QString file = folder.filePath("a.png"), link = folder.filePath("link.png");
