@@ -66,11 +66,11 @@ void DyeList::add(const QMap<QString, QColor>& custom) {
 
 std::vector<Dye> DyeList::inSliderOrder() const {
     std::vector<Dye> ordered;
-    const auto& names = Lumetra::m_vecSldFluo;
-    for (const QString& name : names)
+    for (const QString& name : Lumetra::m_vecSldFluo)
         ordered.push_back(at(name));
-    std::copy_if(dyes_.begin(), dyes_.end(), std::back_inserter(ordered),
-                 [&](const Dye& dye) { return dye.custom && !names.contains(dye.name); });
+    std::copy_if(dyes_.begin(), dyes_.end(), std::back_inserter(ordered), [](const Dye& dye) {
+        return dye.custom && !Lumetra::m_vecSldFluo.contains(dye.name);
+    });
     return ordered;
 }
 

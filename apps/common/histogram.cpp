@@ -12,12 +12,13 @@ namespace apps {
 namespace {
 
 template<class Sample>
-void count(const cv::Mat& plane, std::uint64_t* counts) {
+void count(const cv::Mat& plane, std::vector<std::uint64_t>& countOf) {
+    std::uint64_t* const counts = countOf.data();
     const int columns = plane.cols;
     for (int y = 0; y < plane.rows; ++y) {
         const auto* row = plane.ptr<Sample>(y);
         for (int x = 0; x < columns; ++x)
-            ++counts[row[x]];
+            counts[row[x]] += 1;
     }
 }
 
@@ -35,9 +36,9 @@ void Histogram::add(const cv::Mat& plane) {
     const bool deep = plane.depth() == CV_16U;
     setDepth(deep ? 65536 : 256);
     if (deep)
-        count<std::uint16_t>(plane, counts_.data());
+        count<std::uint16_t>(plane, counts_);
     else
-        count<unsigned char>(plane, counts_.data());
+        count<unsigned char>(plane, counts_);
     total_ += plane.total();
 }
 

@@ -60,7 +60,7 @@ struct Entry {
                 Entry{where, array[1]}.integer(least, most)};
     }
     QColor colour() const {
-        const QColor parsed(string());
+        QColor parsed(string());
         if (!parsed.isValid() || string().size() != 7)
             refuse(QStringLiteral("a colour #rrggbb"));
         return parsed;
