@@ -1,5 +1,4 @@
-// Makes the pictures of the documentation out of the specimen that examples/specimen.cpp draws, and
-// the custom dye file that it shows.
+// Makes the pictures of the documentation out of the specimen that examples/specimen.cpp draws.
 
 #include <algorithm>
 #include <array>
@@ -25,7 +24,7 @@ namespace {
 
 constexpr auto usage = R"(usage: pictures SPECIMENDIR OUTDIR
 
-Makes the pictures of the documentation out of the channels in SPECIMENDIR, and a custom dye file.
+Makes the pictures of the documentation out of the channels in SPECIMENDIR.
 )";
 
 constexpr int side = 256, gap = 12;
@@ -43,7 +42,7 @@ QImage chartOf(const std::vector<LabelledPicture>& pictures, int room = 0) {
 }
 
 cv::Mat dyed(cv::Mat gray, const QString& name) {
-    FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[name];
+    const FLUO_DYE_TYPE dye = Lumetra::g_mapFluo.value(name);
     cv::Mat picture;
     Lumetra::Dye(gray, picture, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
     return picture;
@@ -115,12 +114,6 @@ QImage levels(const cv::Mat& gray) {
     return chart;
 }
 
-void saveCustomDyes(const std::string& file) {
-    QMap<QString, QColor> dyes{{"Heliotrope", QColor(196, 116, 255)},
-                               {"Seaweed, new", QColor(0, 200, 150)}};
-    Lumetra::SaveCustomDyeType(dyes, QString::fromStdString(file));
-}
-
 /// Gray of 16 bits for the eye.
 cv::Mat toEightBits(const cv::Mat& gray) {
     apps::Histogram histogram;
@@ -157,6 +150,26 @@ QImage pseudoColour(cv::Mat gray) {
     return chart;
 }
 
+/// A frame as a camera of 12 bits gives it, dyed as it is and by way of 8 bits.
+QImage camera(const cv::Mat& gray) {
+    const FLUO_DYE_TYPE dye = Lumetra::g_mapFluo.value("Cy3");
+    cv::Mat frame, dark;
+    gray.convertTo(frame, CV_16U, 3000.0 / 65535, 150);
+    Lumetra::Dye(frame, dark, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
+    //! [camera]
+    double black = 0, white = 0;
+    cv::minMaxLoc(frame, &black, &white); // or one pair for all frames: 0 and 4095 for 12 bits
+    const double scale = 255 / std::max(white - black, 1.0);
+    cv::Mat eightBits, picture;
+    frame.convertTo(eightBits, CV_8U, scale, -black * scale);
+    Lumetra::Dye(eightBits, picture, dye.nColorR, dye.nColorG, dye.nColorB, false, false);
+    //! [camera]
+    cv::Mat shown;
+    dark.convertTo(shown, CV_8U, 1.0 / 256); // what a screen shows of 16 bits
+    return chartOf({{"Dyed as it is", "12 bits in 16, on a screen", shown},
+                    {"By way of 8 bits", "over its own range", picture}});
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -172,9 +185,9 @@ int main(int argc, char** argv) {
         saveChart(dyeing(filaments), out + "/dyeing.png");
         saveChart(compositing(nuclei, filaments), out + "/compositing.png");
         saveChart(levels(nuclei), out + "/levels.png");
-        saveChart(pseudoColour(readGray(specimen + "/mitochondria.tif")),
-                  out + "/pseudo_colour.png");
-        saveCustomDyes(out + "/custom_dyes.ini");
+        cv::Mat const mitochondria = readGray(specimen + "/mitochondria.tif");
+        saveChart(pseudoColour(mitochondria), out + "/pseudo_colour.png");
+        saveChart(camera(mitochondria), out + "/camera.png");
         cv::Mat const blue = dyed(nuclei, "DAPI"), green = dyed(filaments, "FITC");
         saveChart(
             chartOf({{"Channel", "as the camera gives it", nuclei},

@@ -12,7 +12,7 @@ constexpr int large = 2 * tile + label + gap;
 void drawCatalogue(QPainter& painter, QPoint corner, double width) {
     const auto dyes = static_cast<int>(Lumetra::m_vecSldFluo.size());
     for (int i = 0; i < dyes; ++i) {
-        FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[Lumetra::m_vecSldFluo[i]];
+        const FLUO_DYE_TYPE dye = Lumetra::g_mapFluo[Lumetra::m_vecSldFluo[i]];
         const double left = i * width / dyes, right = (i + 1) * width / dyes;
         painter.fillRect(QRectF(corner.x() + left, corner.y(), right - left, ribbon),
                          QColor(dye.nColorR, dye.nColorG, dye.nColorB));

@@ -31,7 +31,7 @@ cv::Mat readGray(const std::string& file) {
 /// The picture `gray` in the display colour of a dye.
 cv::Mat tinted(const cv::Mat& gray, const QString& name) {
     //! [dye]
-    FLUO_DYE_TYPE const dye = Lumetra::g_mapFluo[name];
+    const FLUO_DYE_TYPE dye = Lumetra::g_mapFluo.value(name);
     cv::Mat levels = gray, picture;
     if (gray.depth() == CV_16U) // a camera fills a part of 16 bits only: as it is, nearly black
         cv::normalize(gray, levels, 0, 255, cv::NORM_MINMAX, CV_8U);

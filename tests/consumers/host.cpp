@@ -4,7 +4,8 @@
 
 int main() {
     Lumetra::InitFluoDyeType();
-    const FLUO_DYE_TYPE dapi = Lumetra::g_mapFluo["DAPI"], fitc = Lumetra::g_mapFluo["FITC"];
+    const FLUO_DYE_TYPE dapi = Lumetra::g_mapFluo.value("DAPI");
+    const FLUO_DYE_TYPE fitc = Lumetra::g_mapFluo.value("FITC");
     cv::Mat nuclei = cv::imread("nuclei.png", cv::IMREAD_GRAYSCALE);
     cv::Mat actin = cv::imread("actin.png", cv::IMREAD_GRAYSCALE);
     Lumetra::Dye(nuclei, nuclei, dapi.nColorR, dapi.nColorG, dapi.nColorB, true, false);

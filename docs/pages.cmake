@@ -1,0 +1,21 @@
+# Makes the pages in the working folder by the Doxyfile there. Looks for Doxygen only now, so that it
+# may be installed at any time.
+find_program(doxygen doxygen NO_CACHE)
+if(NOT doxygen)
+  message(FATAL_ERROR "docs: doxygen is not installed")
+endif()
+file(REMOVE_RECURSE html) # or pages that are no more would stay
+execute_process(COMMAND ${doxygen} Doxyfile COMMAND_ERROR_IS_FATAL ANY)
+
+# Lists that nothing leads to, and Doxygen's scripts, styles and icons, for which we have our own.
+file(GLOB lists html/annotated.html html/classes.html html/functions*.html html/pages.html
+     html/dir_*.html html/*-members.html)
+file(REMOVE ${lists})
+file(GLOB files html/*.js html/*.css html/*.png html/*.svg)
+foreach(file IN LISTS files)
+  get_filename_component(name ${file} NAME)
+  if(NOT EXISTS ${CMAKE_CURRENT_LIST_DIR}/theme/${name} AND
+     NOT EXISTS ${CMAKE_CURRENT_LIST_DIR}/images/${name})
+    file(REMOVE ${file})
+  endif()
+endforeach()
