@@ -39,6 +39,7 @@ install(FILES ${PROJECT_BINARY_DIR}/lumetra${qt_suffix}.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 install(FILES CHANGELOG.md DESTINATION ${doc_dir} COMPONENT development)
+install(FILES LICENSE DESTINATION ${doc_dir} COMPONENT licence) # packages bring it in their own way
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html # there once the target docs has been built
   DESTINATION ${doc_dir} COMPONENT development OPTIONAL)
 install(DIRECTORY examples DESTINATION ${doc_dir} COMPONENT examples)

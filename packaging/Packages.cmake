@@ -2,7 +2,8 @@
 # examples are the same for either generation of Qt and come with the build for Qt 5.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lumetra${qt_suffix})
-set(CPACK_PACKAGE_CONTACT "The libLumetra developers <developers@lumetra.invalid>")
+# Debian's tools want an address. This one is of a domain that never exists; README tells the ways.
+set(CPACK_PACKAGE_CONTACT "The libLumetra authors <authors@lumetra.invalid>")
 if(LUMETRA_QT_MAJOR EQUAL 5)
   set(CPACK_COMPONENTS_ALL runtime development examples)
   set(runtime_package liblumetra${PROJECT_VERSION_MAJOR})
@@ -16,13 +17,16 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
 
-set(description "libLumetra tints the gray channels of a fluorescence microscope with the colours of
-their dyes, stretches levels, applies colour tables and merges shifted channels.")
+set(description "libLumetra tints the gray channels of a fluorescence microscope with the
+colours of their dyes, stretches levels, applies colour tables and merges
+shifted channels.")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${description}\nThis is the library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=") # newer ones of the same name will do
 
@@ -41,12 +45,22 @@ set(CPACK_DEBIAN_EXAMPLES_PACKAGE_DEPENDS "liblumetra-dev (>= ${PROJECT_VERSION}
 if(LUMETRA_BUILD_APPS)
   list(APPEND CPACK_COMPONENTS_ALL tools)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME lumetra-tools)
-  set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${description}\nThis is the command lumetra, which does it for pictures, stacks and data sets.")
+  set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${description}\nThis is the command lumetra, for pictures, stacks and data sets.")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
       "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION}), fonts-dejavu-core")
 endif()
+
+# Every package brings the licence and its changes, where and as Debian expects them.
+execute_process(COMMAND gzip --best --no-name --stdout ${PROJECT_SOURCE_DIR}/packaging/changelog
+                OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.gz)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${component} name)
+  install(FILES packaging/copyright ${PROJECT_BINARY_DIR}/changelog.gz
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}
+    COMPONENT ${component} EXCLUDE_FROM_ALL)
+endforeach()
 
 include(CPack)
