@@ -68,6 +68,7 @@ Batch prepare(const BatchOptions& options) {
     if (batch.fields.empty())
         return batch;
 
+    keepInputs(batch.fields, {options.log, options.progress});
     say(options, fieldList(batch.fields));
     shareLevels(batch, options);
     batch.fields = shardOf(batch.fields, text(options.shard));

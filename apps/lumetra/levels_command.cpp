@@ -9,6 +9,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace apps {
@@ -23,6 +25,7 @@ int measure(const BatchOptions& options) {
     std::vector<Field> fields = requestedFields(options, settings.channels);
     if (fields.empty())
         return nothingMatched;
+    keepInputs(fields, {options.output, options.progress});
 
     DataSetLevels levels;
     {
@@ -80,6 +83,16 @@ std::vector<Field> requestedFields(const BatchOptions& options,
     if (fields.empty())
         tell(QStringLiteral("lumetra: no file matches %1\n").arg(shown(text(options.pattern))));
     return fields;
+}
+
+void keepInputs(const std::vector<Field>& fields, const std::vector<std::string>& written) {
+    QStringList inputs;
+    for (const Field& field : fields)
+        for (const ChannelFile& input : field.files.inputs)
+            inputs << input.file;
+    for (const std::string& file : written)
+        if (QFileInfo(text(file)).isFile()) // a pipe is nobody's picture
+            checkOutput(text(file), inputs, true);
 }
 
 void tellProblems(const std::vector<Field>& fields) {

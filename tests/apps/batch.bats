@@ -93,6 +93,12 @@ load setup.bash
   fails 2 "there twice" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel a=FITC -o '{field}.png'
   fails 2 "no channels" lumetra batch 'plate/{field}.tif' -o '{field}.png'
   fails 2 "is an input and the output" lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o 'plate/{field}_dapi.tif' --overwrite --quiet
+  before=$(sum plate)
+  for option in --log --progress; do
+    fails 1 "plate/f03_dapi.tif: is an input" plate -o '{field}.png' --quiet $option plate/f03_dapi.tif
+  done
+  fails 1 "plate/f03_dapi.tif: is an input" lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o plate/f03_dapi.tif
+  [ "$(sum plate)" = "$before" ]
   fails 2 "--log" plate -o '{field}.png' --resume
   fails 1 ".png, .tif" plate -o '{field}.bmp' --quiet
   [ -z "$(find . -name '*.png' -newer plate)" ]
