@@ -51,8 +51,8 @@ if(LUMETRA_BUILD_APPS)
     set_target_properties(lumetra_command PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
   endif()
   install(TARGETS lumetra_command RUNTIME COMPONENT tools)
-  install(FILES packaging/tools/lumetra.1
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES packaging/tools/lumetra.1 # packages bring it, like the licence, in their own way
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT manual)
   install(FILES packaging/tools/lumetra.bash RENAME lumetra
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
 endif()

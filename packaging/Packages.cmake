@@ -54,8 +54,13 @@ if(LUMETRA_BUILD_APPS)
 endif()
 
 # Every package brings the licence and its changes, where and as Debian expects them.
-execute_process(COMMAND gzip --best --no-name --stdout ${PROJECT_SOURCE_DIR}/packaging/changelog
-                OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.gz)
+foreach(file IN ITEMS changelog tools/lumetra.1)
+  get_filename_component(name ${file} NAME)
+  execute_process(COMMAND gzip --best --no-name --stdout ${CMAKE_CURRENT_LIST_DIR}/${file}
+                  OUTPUT_FILE ${PROJECT_BINARY_DIR}/${name}.gz)
+endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/lumetra.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+  COMPONENT tools EXCLUDE_FROM_ALL)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} name)
   install(FILES packaging/copyright ${PROJECT_BINARY_DIR}/changelog.gz
