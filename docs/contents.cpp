@@ -53,14 +53,14 @@ const QMap<QString, QString> remarks{
 };
 
 /// Whether a dye has another colour than its emission wavelength gives.
-bool hasOwnColour(FLUO_DYE_TYPE const& dye) {
+bool hasOwnColour(const FLUO_DYE_TYPE& dye) {
     if (dye.nEmission < 380 || dye.nEmission > 799)
         return true;
     const auto usual = lumetra::displayColour(dye.nEmission);
     return dye.nColorR != usual.red || dye.nColorG != usual.green || dye.nColorB != usual.blue;
 }
 
-QString remarkOn(const QString& name, FLUO_DYE_TYPE const& dye) {
+QString remarkOn(const QString& name, const FLUO_DYE_TYPE& dye) {
     QStringList all;
     if (remarks.contains(name))
         all << remarks[name];
@@ -89,7 +89,7 @@ std::string dyeTable() {
 
 std::string textOf(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
-    std::string const text{std::istreambuf_iterator<char>(in), {}};
+    std::string text{std::istreambuf_iterator<char>(in), {}};
     if (!in)
         throw Failure("cannot read " + file.string());
     return text;
@@ -125,10 +125,10 @@ void settle(const std::filesystem::path& page, const std::string& first, const s
 
 int main(int argc, char** argv) {
     return runProgram(usage, [&] {
-        bool const renew = argc == 3 && argv[1] == std::string("--renew");
+        const bool renew = argc == 3 && argv[1] == std::string("--renew");
         if (argc != 2 && !renew)
             throw BadUsage{};
-        std::filesystem::path const pages = argv[argc - 1];
+        const std::filesystem::path pages = argv[argc - 1];
         Lumetra::InitFluoDyeType();
         settle(pages / "dyes.md", "| Dye |", "", dyeTable(), renew);
         settle(pages / "custom_dyes.md", "```ini\n", "```", "```ini\n" + customDyeFile(), renew);
