@@ -3,6 +3,7 @@
 #include <opencv2/core.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -37,7 +38,7 @@ To nearest(From sample) {
     constexpr double largest = std::numeric_limits<To>::max();
     // Next to 1.5 · 2⁵² a `double` has no bits left for a fraction, so the sum is rounded.
     constexpr double noFraction = 0x1.8p52;
-    const double number = sample == sample ? static_cast<double>(sample) : 0.0;
+    const double number = std::isnan(sample) ? 0.0 : static_cast<double>(sample);
     const double fromBelow = number > smallest ? number : smallest;
     const double inside = fromBelow < largest ? fromBelow : largest;
     return static_cast<To>(inside + noFraction - noFraction);

@@ -30,7 +30,8 @@ cv::Mat resultImage(const cv::Mat& source, int type, const cv::Mat& dst) {
     if (dst.dims == 2 && dst.size() == source.size() && dst.type() == type && isSoleOwner(dst) &&
         !overlap(source, dst))
         return dst;
-    return cv::Mat(source.rows, source.cols, type);
+    cv::Mat fresh(source.rows, source.cols, type);
+    return fresh;
 }
 
 } // namespace lumetra
