@@ -10,6 +10,8 @@
 #include <cmath>
 #include <memory>
 
+#include <time.h>
+
 namespace apps {
 namespace {
 
@@ -41,6 +43,25 @@ cv::Rect commonPart(cv::Size size, const std::vector<Channel>& channels) {
 
 } // namespace
 
+std::int64_t threadNanoseconds() {
+    timespec now = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return std::int64_t{1000000000} * now.tv_sec + now.tv_nsec;
+}
+
+/// Adds the time since it was last asked to a stage.
+class Renderer::StageClock {
+public:
+    void addTo(std::int64_t& stage) {
+        const std::int64_t now = threadNanoseconds();
+        stage += now - last_;
+        last_ = now;
+    }
+
+private:
+    std::int64_t last_ = threadNanoseconds();
+};
+
 /// What a picture is made of, and where in each plane.
 struct Renderer::Canvas {
     const std::vector<cv::Mat>& planes;
@@ -70,15 +91,18 @@ void Renderer::prepare(const std::vector<cv::Mat>& planes, const std::vector<Cha
 
 cv::Mat& Renderer::tint(const cv::Mat& part, const Channel& channel, Lane& lane, bool isLast) {
     cv::Mat source = part;
+    StageClock clock;
     if (channel.levels) {
         if (lane.eightBits.rows < part.rows || lane.eightBits.cols != part.cols)
             lane.eightBits.create(part.rows, part.cols, CV_8UC1);
         source = lane.eightBits.rowRange(0, part.rows);
         lane.table.apply(part, source);
+        clock.addTo(times_.eightBits);
     }
     cv::Mat& tinted = isLast ? lane.lastTinted : lane.tinted;
     const QColor& colour = channel.colour;
     Lumetra::Dye(source, tinted, colour.red(), colour.green(), colour.blue(), false, false);
+    clock.addTo(times_.dye);
     return tinted;
 }
 
@@ -93,18 +117,21 @@ void Renderer::renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, boo
             tinted.convertTo(tinted, part.depth(), 257); // equal shares of full scale
         images_ << &tinted;
     }
+    StageClock clock;
     if (images_.size() < 2) { // the sum of one
         images_.front()->copyTo(part);
-        return;
+    } else {
+        const std::unique_ptr<cv::Mat> sum(Lumetra::Composite(&images_, &noOffsets_));
+        CV_Assert(sum);
+        sum->copyTo(part);
     }
-    const std::unique_ptr<cv::Mat> sum(Lumetra::Composite(&images_, &noOffsets_));
-    CV_Assert(sum);
-    sum->copyTo(part);
+    clock.addTo(times_.composite);
 }
 
 void Renderer::render(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels,
                       cv::Mat& picture) {
     constexpr int stripPixels = 1 << 16;
+    times_ = {};
     prepare(planes, channels);
     const Canvas canvas{planes, channels, commonPart(planes.front().size(), channels)};
     const bool deep = std::any_of(visible_.begin(), visible_.end(), [&](std::size_t i) {

@@ -18,6 +18,16 @@
 
 namespace apps {
 
+/// Nanoseconds of its thread that the stages of one picture took.
+struct StageTimes {
+    std::int64_t eightBits = 0; ///< Samples through levels and gamma.
+    std::int64_t dye = 0;
+    std::int64_t composite = 0;
+};
+
+/// The clock of the stages. It stands still while other threads and programs have the processor.
+std::int64_t threadNanoseconds();
+
 /// Makes pictures, and keeps the memory that it needs from one to the next.
 ///
 /// Planes are gray: CV_8UC1 or CV_16UC1. They are worked on in strips of rows that stay in the
@@ -49,6 +59,9 @@ public:
     void renderPseudo(const cv::Mat& plane, std::optional<LevelRange> levels, double gamma,
                       const QVector<QColor>& slotColours, cv::Mat& picture);
 
+    /// How long the last call of `render` took.
+    const StageTimes& times() const { return times_; }
+
 private:
     /// The memory of one channel. Strips have one height, and the last of them another.
     struct Lane {
@@ -56,6 +69,7 @@ private:
         cv::Mat eightBits, tinted, lastTinted;
     };
     struct Canvas;
+    class StageClock;
 
     void prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels);
     static cv::Mat& tint(const cv::Mat& part, const Channel& channel, Lane& lane, bool isLast);
@@ -66,6 +80,7 @@ private:
     std::deque<Lane> lanes_;
     QList<cv::Mat*> images_;
     QList<QPoint> noOffsets_;
+    StageTimes times_;
 
     std::vector<std::uint16_t> rangeTable_;
     LevelRange tableLevels_;

@@ -2,12 +2,12 @@
 
 #include "apps/common/failure.h"
 #include "apps/common/messages.h"
+#include "apps/common/shell.h"
 #include "apps/common/writing.h"
 #include "apps/lumetra/batch_log.h"
 #include "apps/lumetra/batch_options.h"
 #include "apps/lumetra/commands.h"
 #include "apps/lumetra/measuring.h"
-#include "apps/lumetra/shell.h"
 #include "apps/lumetra/signals.h"
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,4 @@
-#include "apps/lumetra/shell.h"
+#include "apps/common/shell.h"
 
 #include <QRegularExpression>
 
