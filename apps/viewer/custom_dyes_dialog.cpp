@@ -1,0 +1,188 @@
+#include "apps/viewer/custom_dyes_dialog.h"
+
+#include "apps/common/dyes.h"
+#include "apps/common/failure.h"
+
+#include <lumetra>
+
+#include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+namespace apps {
+namespace {
+
+enum Column { nameColumn, colourColumn, columns };
+
+const QString filter = QStringLiteral("Dyes (*.ini);;All files (*)");
+
+} // namespace
+
+void writeCustomDyes(const QMap<QString, QColor>& dyes, const QString& file) {
+    const QString part = file + QStringLiteral(".part"); // what is there stays until it is whole
+    QMap<QString, QColor> written = dyes;
+    Lumetra::SaveCustomDyeType(written, part);
+    QMap<QString, QColor> read;
+    Lumetra::LoadCustomDyeType(read, part);
+    const bool isWhole = QFileInfo(part).isFile() && read == dyes;
+    if (!isWhole || std::rename(QFile::encodeName(part), QFile::encodeName(file)) != 0) {
+        QFile::remove(part);
+        throw Failure(QStringLiteral("%1: the dyes cannot be written there").arg(shown(file)));
+    }
+}
+
+CustomDyesDialog::CustomDyesDialog(const QMap<QString, QColor>& dyes, QWidget* parent)
+    : QDialog(parent), table_(new QTableWidget(0, columns, this)), message_(new QLabel(this)) {
+    setWindowTitle(QStringLiteral("Own Dyes"));
+    resize(440, 360);
+    table_->setHorizontalHeaderLabels({QStringLiteral("Name"), QStringLiteral("Colour")});
+    table_->horizontalHeader()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
+    table_->verticalHeader()->hide();
+    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table_->setTabKeyNavigation(false);
+    message_->setWordWrap(true);
+    auto* buttons = new QHBoxLayout;
+    addButtons(*buttons);
+    auto* closing = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    connect(closing, &QDialogButtonBox::rejected, this, &QDialog::accept);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(table_, 1);
+    layout->addLayout(buttons);
+    layout->addWidget(message_);
+    layout->addWidget(closing);
+    setDyes(dyes);
+    connect(table_, &QTableWidget::cellChanged, this, [this] {
+        checkNames();
+        emit changed();
+    });
+    connect(table_, &QTableWidget::cellDoubleClicked, this, [this](int row, int column) {
+        if (column == colourColumn)
+            chooseColour(row);
+    });
+}
+
+void CustomDyesDialog::addButtons(QHBoxLayout& row) {
+    const auto addButton = [&](const char* text, auto action) {
+        auto* button = new QPushButton(QString::fromUtf8(text), this);
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, action);
+        row.addWidget(button);
+    };
+    addButton("&Add", [this] { add(QStringLiteral("New dye"), Qt::cyan); });
+    addButton("&Colour…", [this] { chooseColour(table_->currentRow()); });
+    addButton("&Remove", [this] { removeCurrent(); });
+    addButton("&Load…", [this] {
+        const QString file = QFileDialog::getOpenFileName(this, {}, {}, filter);
+        if (!file.isEmpty())
+            load(file);
+    });
+    addButton("&Save…", [this] {
+        const QString file =
+            QFileDialog::getSaveFileName(this, {}, QStringLiteral("dyes.ini"), filter);
+        if (!file.isEmpty())
+            save(file);
+    });
+}
+
+QMap<QString, QColor> CustomDyesDialog::dyes() const {
+    QMap<QString, QColor> dyes;
+    for (int row = 0; row < table_->rowCount(); ++row) {
+        const QString name = table_->item(row, nameColumn)->text().trimmed();
+        if (!name.isEmpty())
+            dyes[name] = table_->item(row, colourColumn)->data(Qt::UserRole).value<QColor>();
+    }
+    return dyes;
+}
+
+void CustomDyesDialog::setDyes(const QMap<QString, QColor>& dyes) {
+    const QSignalBlocker blocker(table_);
+    table_->setRowCount(0);
+    for (auto dye = dyes.begin(); dye != dyes.end(); ++dye)
+        addRow(dye.key(), dye.value());
+}
+
+void CustomDyesDialog::addRow(const QString& name, const QColor& colour) {
+    const int row = table_->rowCount();
+    table_->insertRow(row);
+    table_->setItem(row, nameColumn, new QTableWidgetItem(name));
+    auto* cell = new QTableWidgetItem(colour.name());
+    cell->setData(Qt::UserRole, colour);
+    cell->setData(Qt::DecorationRole, colour);
+    cell->setFlags(cell->flags() & ~Qt::ItemIsEditable);
+    table_->setItem(row, colourColumn, cell);
+}
+
+void CustomDyesDialog::add(const QString& name, const QColor& colour) {
+    QString unused = name;
+    for (int n = 2; dyes().contains(unused); ++n)
+        unused = QStringLiteral("%1 %2").arg(name).arg(n);
+    {
+        const QSignalBlocker blocker(table_);
+        addRow(unused, colour);
+    }
+    table_->setCurrentCell(table_->rowCount() - 1, nameColumn);
+    emit changed();
+}
+
+void CustomDyesDialog::removeCurrent() {
+    if (table_->currentRow() < 0)
+        return;
+    table_->removeRow(table_->currentRow());
+    emit changed();
+}
+
+void CustomDyesDialog::chooseColour(int row) {
+    if (row < 0)
+        return;
+    QTableWidgetItem* cell = table_->item(row, colourColumn);
+    const QColor colour = QColorDialog::getColor(cell->data(Qt::UserRole).value<QColor>(), this);
+    if (!colour.isValid())
+        return;
+    const QSignalBlocker blocker(table_);
+    cell->setData(Qt::UserRole, colour);
+    cell->setData(Qt::DecorationRole, colour);
+    cell->setText(colour.name());
+    table_->viewport()->update();
+    emit changed();
+}
+
+void CustomDyesDialog::checkNames() {
+    const bool isLost = dyes().size() < table_->rowCount();
+    say(isLost ? QStringLiteral("A dye without a name, or with the name of another, is not kept.")
+               : QString());
+}
+
+void CustomDyesDialog::load(const QString& file) {
+    try {
+        setDyes(readCustomDyes(file));
+        say(QStringLiteral("%1 dyes loaded.").arg(table_->rowCount()));
+        emit changed();
+    } catch (const Failure& failure) {
+        say(failure.text());
+    }
+}
+
+void CustomDyesDialog::save(const QString& file) {
+    try {
+        writeCustomDyes(dyes(), file);
+        say(QStringLiteral("%1 dyes saved.").arg(dyes().size()));
+    } catch (const Failure& failure) {
+        say(failure.text());
+    }
+}
+
+void CustomDyesDialog::say(const QString& words) { message_->setText(words); }
+
+QString CustomDyesDialog::message() const { return message_->text(); }
+
+} // namespace apps
