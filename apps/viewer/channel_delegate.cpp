@@ -41,6 +41,15 @@ QWidget* ChannelDelegate::createEditor(QWidget* parent, const QStyleOptionViewIt
     return editor;
 }
 
+/// Once only: frames change the model all the time, and what the user is writing must stay.
+void ChannelDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+    constexpr auto filled = "filled";
+    if (editor->property(filled).toBool())
+        return;
+    QStyledItemDelegate::setEditorData(editor, index);
+    editor->setProperty(filled, true);
+}
+
 bool ChannelDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,
                                   const QStyleOptionViewItem& option, const QModelIndex& index) {
     if (index.column() == ChannelModel::colourColumn &&

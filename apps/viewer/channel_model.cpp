@@ -79,6 +79,8 @@ QVariant ChannelModel::headerData(int section, Qt::Orientation orientation, int 
 }
 
 Qt::ItemFlags ChannelModel::flags(const QModelIndex& index) const {
+    if (!index.isValid())
+        return Qt::NoItemFlags;
     Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
     if (index.column() == visibleColumn)
         flags |= Qt::ItemIsUserCheckable;

@@ -58,7 +58,9 @@ Window::Window() {
     sinceFrame_.start();
 }
 
-Window::~Window() = default;
+Window::~Window() {
+    hide(); // fields that lose the focus may still have something to say to the model
+}
 
 QWidget* Window::makeMessageBar() {
     messageBar_ = new QFrame(this);

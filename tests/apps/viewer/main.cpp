@@ -1,0 +1,28 @@
+// Runs one suite of the viewer's tests, with settings of its own.
+
+#include "tests/apps/viewer/stage.h"
+
+#include "apps/common/messages.h"
+
+#include <QApplication>
+
+/// Qt's platforms do not release all they hold when the application ends.
+extern "C" __attribute__((visibility("default"))) const char*
+__lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the sanitizer's name
+    return "leak:libqoffscreen.so\nleak:libfontconfig.so";
+}
+
+/// OpenCV's image formats bring a library that takes two locks of its own in either order.
+extern "C" __attribute__((visibility("default"))) const char*
+__tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the sanitizer's name
+    return "deadlock:libgdal.so\nrace:tzset_internal";
+}
+
+int main(int argc, char** argv) {
+    const QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("lumetra"));
+    QApplication::setApplicationName(QStringLiteral("lumetra-viewer-test"));
+    return QTest::qExec(apps::makeSuite().get(), argc, argv);
+}

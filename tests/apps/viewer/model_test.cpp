@@ -1,0 +1,226 @@
+// The channel model, and what is measured of channels.
+
+#include "tests/apps/viewer/stage.h"
+
+#include <QAbstractItemModelTester>
+
+namespace apps {
+namespace {
+
+const std::vector<Measure> eightBitMeasures(int count) {
+    Measure measure;
+    measure.bits = 8;
+    return std::vector<Measure>(static_cast<size_t>(count), measure);
+}
+
+} // namespace
+
+class ModelTest : public QObject {
+    Q_OBJECT
+private slots:
+    void isASoundTable();
+    void levelsStayInOrder_data();
+    void levelsStayInOrder();
+    void automaticLevelsAreTakenOnceOrFollowed();
+    void aClickShowsOneChannelAndTheNextAll();
+    void aNudgeMovesAsFarAsNumbersGo();
+    void dyesAreNamedInAnyCaseOrRefused();
+    void ownDyesColourTheirChannels();
+    void levelsAndSettingsAreHandedOn();
+    void measuresTellRangeConverterAndSaturation_data();
+    void measuresTellRangeConverterAndSaturation();
+    void aLiveMeasureLooksAtSomeRowsOnly();
+};
+
+void ModelTest::isASoundTable() {
+    ChannelModel model;
+    const QAbstractItemModelTester tester(&model,
+                                          QAbstractItemModelTester::FailureReportingMode::QtTest);
+    model.setChannels({channelOf(Qt::red), channelOf(Qt::green)});
+    model.adopt({{1, 2}, {3, 4}}, eightBitMeasures(2));
+    model.solo(1);
+    model.setChannels({channelOf(Qt::blue)});
+    QCOMPARE(model.rowCount(), 1);
+    QCOMPARE(model.index(0, ChannelModel::colourColumn).data(Qt::DecorationRole).value<QColor>(),
+             QColor(Qt::blue));
+    model.setChannels({});
+    QCOMPARE(model.rowCount(), 0);
+    model.solo(0); // rows that are not there
+    model.setLevels(-1, {0, 1});
+    model.nudge(3, {1, 1});
+    model.useFullRange(0);
+    model.copyLevelsToAll(0);
+}
+
+void ModelTest::levelsStayInOrder_data() {
+    QTest::addColumn<int>("column");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<int>("low");
+    QTest::addColumn<int>("high");
+    QTest::newRow("black") << int(ChannelModel::blackColumn) << 30 << 30 << 200;
+    QTest::newRow("black beyond white") << int(ChannelModel::blackColumn) << 220 << 220 << 221;
+    QTest::newRow("black at the end") << int(ChannelModel::blackColumn) << 255 << 254 << 255;
+    QTest::newRow("white below black") << int(ChannelModel::whiteColumn) << 5 << 4 << 5;
+    QTest::newRow("white at nothing") << int(ChannelModel::whiteColumn) << 0 << 0 << 1;
+    QTest::newRow("white beyond 8 bits") << int(ChannelModel::whiteColumn) << 4095 << 10 << 255;
+}
+
+void ModelTest::levelsStayInOrder() {
+    QFETCH(int, column);
+    QFETCH(int, value);
+    QFETCH(int, low);
+    QFETCH(int, high);
+    ChannelModel model;
+    model.setChannels({channelOf(Qt::red)});
+    model.adopt({{10, 200}}, eightBitMeasures(1));
+    QVERIFY(model.setData(model.index(0, column), value, Qt::EditRole));
+    QCOMPARE(model.channel(0).levels->low, low);
+    QCOMPARE(model.channel(0).levels->high, high);
+}
+
+void ModelTest::automaticLevelsAreTakenOnceOrFollowed() {
+    ChannelModel model;
+    model.setChannels({channelOf(Qt::red), channelOf(Qt::green, LevelRange{7, 8})});
+    QVERIFY(!model.requested()[0].levels);
+    QVERIFY(model.requested()[1].levels);
+    QVERIFY(model.adopt({{10, 20}, {30, 40}}, eightBitMeasures(2)));
+    QVERIFY((model.channel(0).levels == LevelRange{10, 20}));
+    QVERIFY((model.channel(1).levels == LevelRange{7, 8}));
+    QVERIFY(model.requested()[0].levels); // from now on they are the user's
+
+    model.followLevels(true);
+    QVERIFY(!model.adopt({{11, 21}, {31, 41}}, eightBitMeasures(2)));
+    QVERIFY((model.channel(1).levels == LevelRange{31, 41}));
+    QVERIFY(!model.requested()[0].levels && !model.requested()[1].levels);
+    model.setLevels(0, {1, 2}); // what is set by hand stays
+    model.adopt({{12, 22}, {32, 42}}, eightBitMeasures(2));
+    QVERIFY((model.channel(0).levels == LevelRange{1, 2}));
+
+    QVERIFY(!model.adopt({{1, 2}}, eightBitMeasures(1))); // of a picture before
+}
+
+void ModelTest::aClickShowsOneChannelAndTheNextAll() {
+    ChannelModel model;
+    model.setChannels({channelOf(Qt::red), channelOf(Qt::green), channelOf(Qt::blue)});
+    const auto visible = [&] {
+        QString text;
+        for (const Channel& channel : model.channels())
+            text += channel.visible ? QLatin1Char('x') : QLatin1Char('-');
+        return text;
+    };
+    model.solo(1);
+    QCOMPARE(visible(), QStringLiteral("-x-"));
+    model.solo(2);
+    QCOMPARE(visible(), QStringLiteral("--x"));
+    model.solo(2);
+    QCOMPARE(visible(), QStringLiteral("xxx"));
+    const auto box = model.index(0, ChannelModel::visibleColumn);
+    QVERIFY(model.setData(box, Qt::Unchecked, Qt::CheckStateRole));
+    QCOMPARE(visible(), QStringLiteral("-xx"));
+}
+
+void ModelTest::aNudgeMovesAsFarAsNumbersGo() {
+    ChannelModel model;
+    model.setChannels({channelOf(Qt::red)});
+    model.nudge(0, {3, -2}); // to the right and up
+    QCOMPARE(model.channel(0).offset, QPoint(-3, 2));
+    QCOMPARE(model.index(0, ChannelModel::offsetColumn).data().toString(), QStringLiteral("→3 ↑2"));
+    constexpr int most = std::numeric_limits<int>::max();
+    model.nudge(0, {most, most});
+    model.nudge(0, {most, most});
+    QCOMPARE(model.channel(0).offset.x(), std::numeric_limits<int>::min());
+}
+
+void ModelTest::dyesAreNamedInAnyCaseOrRefused() {
+    ChannelModel model;
+    model.setChannels({channelOf(Qt::red)});
+    const auto cell = model.index(0, ChannelModel::dyeColumn);
+    QVERIFY(model.setData(cell, "dapi", Qt::EditRole));
+    QCOMPARE(model.channel(0).dye, QStringLiteral("DAPI"));
+    QVERIFY(model.setData(cell, "#12ab34", Qt::EditRole));
+    QCOMPARE(model.channel(0).colour, QColor("#12ab34"));
+    const QSignalSpy refused(&model, &ChannelModel::refused);
+    QVERIFY(!model.setData(cell, "DAPPI", Qt::EditRole));
+    QCOMPARE(model.channel(0).colour, QColor("#12ab34"));
+    QCOMPARE(refused.size(), 1);
+    QVERIFY(refused[0][0].toString().contains("\"DAPI\""));
+}
+
+void ModelTest::ownDyesColourTheirChannels() {
+    ChannelModel model;
+    model.setCustomDyes({{"Mine", QColor("#010203")}});
+    model.setChannels({channelOf(Qt::red)});
+    QVERIFY(model.setData(model.index(0, ChannelModel::dyeColumn), "mine", Qt::EditRole));
+    QCOMPARE(model.channel(0).colour, QColor("#010203"));
+    model.setCustomDyes({{"Mine", QColor("#0a0b0c")}});
+    QCOMPARE(model.channel(0).colour, QColor("#0a0b0c"));
+    model.setCustomDyes({});
+    QVERIFY(!model.dyes().find("Mine"));
+    QCOMPARE(distinctColours(2), (std::vector<QColor>{"#ff00ff", "#00ff00"}));
+    QCOMPARE(distinctColours(6).size(), size_t(6));
+}
+
+void ModelTest::levelsAndSettingsAreHandedOn() {
+    ChannelModel model;
+    model.setChannels({channelOf(Qt::red), channelOf(Qt::green), channelOf(Qt::blue)});
+    model.setLevels(0, {100, 4000});
+    model.setGamma(0, 0.5);
+    model.copyLevelsToAll(0);
+    QVERIFY((model.channel(2).levels == LevelRange{100, 4000}));
+    QCOMPARE(model.channel(2).gamma, 0.5);
+    model.useFullRange(1, 12);
+    QVERIFY((model.channel(1).levels == LevelRange{0, 4095}));
+    model.useFullRange(1);
+    QVERIFY((model.channel(1).levels == LevelRange{0, 65535}));
+    model.applySettings({channelOf(Qt::cyan, LevelRange{1, 9})});
+    QCOMPARE(model.channel(0).colour, QColor(Qt::cyan));
+    QCOMPARE(model.channel(1).colour, QColor(Qt::green));
+}
+
+void ModelTest::measuresTellRangeConverterAndSaturation_data() {
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("largest");
+    QTest::addColumn<int>("axis");
+    QTest::addColumn<double>("saturated");
+    QTest::newRow("8 bits") << CV_8UC1 << 200 << 255 << 0.0;
+    QTest::newRow("8 bits, full") << CV_8UC1 << 255 << 255 << 0.01;
+    QTest::newRow("12 bits") << CV_16UC1 << 4094 << 4095 << 0.0;
+    QTest::newRow("12 bits, full") << CV_16UC1 << 4095 << 4095 << 0.01;
+    QTest::newRow("just 14 bits") << CV_16UC1 << 4096 << 16383 << 0.0;
+    QTest::newRow("16 bits, full") << CV_16UC1 << 65535 << 65535 << 0.01;
+}
+
+void ModelTest::measuresTellRangeConverterAndSaturation() {
+    QFETCH(int, type);
+    QFETCH(int, largest);
+    cv::Mat plane(10, 10, type, cv::Scalar::all(3));
+    plane(cv::Rect(4, 5, 1, 1)).setTo(largest);
+    Measure measure;
+    Measurer().measure(plane, false, measure);
+    QVERIFY((measure.range == LevelRange{3, largest}));
+    QTEST(measure.axis, "axis");
+    QTEST(measure.saturated, "saturated");
+    const auto bin = static_cast<size_t>(3 * Measure::bins / (measure.axis + 1));
+    QCOMPARE(measure.curve[bin], 1.F); // 99 of 100 samples
+    const auto sum = std::accumulate(measure.curve.begin(), measure.curve.end(), 0.0);
+    QVERIFY(sum > 1.1 && sum < 1.2); // log(1 + 1) beside log(1 + 99)
+}
+
+void ModelTest::aLiveMeasureLooksAtSomeRowsOnly() {
+    cv::Mat plane(4096, 512, CV_16UC1, cv::Scalar::all(500));
+    plane.row(8).setTo(900); // among every eighth, or ninth, row
+    plane.row(9).setTo(901);
+    plane.row(11).setTo(60000);
+    Measure measure;
+    Measurer measurer;
+    measurer.measure(plane, true, measure);
+    QVERIFY(measure.range.high == 900 || measure.range.high == 901);
+    measurer.measure(plane, false, measure);
+    QCOMPARE(measure.range.high, 60000);
+}
+
+std::unique_ptr<QObject> makeSuite() { return std::make_unique<ModelTest>(); }
+
+} // namespace apps
+
+#include "model_test.moc"

@@ -1,0 +1,102 @@
+// What the tests of the viewer stand on: a window of its own for each, pictures in a folder that
+// goes away, and cameras that do what real ones do on bad days.
+#pragma once
+
+#include "apps/viewer/simulated_camera.h"
+#include "apps/viewer/window.h"
+#include "tests/apps/planes.h"
+
+#include <opencv2/imgcodecs.hpp>
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+
+namespace apps {
+
+/// The suite of this program.
+std::unique_ptr<QObject> makeSuite();
+
+/// A folder of pictures.
+class Folder {
+public:
+    QString path(const QString& name) const { return dir_.filePath(name); }
+
+    /// Writes a picture, or a stack, and gives its path.
+    QString write(const QString& name, const cv::Mat& picture) const {
+        cv::imwrite(path(name).toStdString(), picture);
+        return path(name);
+    }
+    QString writeStack(const QString& name, const std::vector<cv::Mat>& pages) const {
+        cv::imwritemulti(path(name).toStdString(), pages);
+        return path(name);
+    }
+    QString writeBytes(const QString& name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        if (file.open(QIODevice::WriteOnly))
+            file.write(bytes);
+        return path(name);
+    }
+    QByteArray read(const QString& name) const {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private:
+    QTemporaryDir dir_;
+};
+
+/// A camera whose every frame is written in the test.
+class ScriptedCamera : public FrameSource {
+public:
+    using Script = std::function<void(int exposure, Frame& frame)>;
+    explicit ScriptedCamera(Script script) : script_(std::move(script)) {}
+
+    void grab(Frame& frame) override { script_(++exposures_, frame); }
+    void cancel() override {
+        const std::lock_guard lock(mutex_);
+        isCancelled_ = true;
+        changed_.notify_all();
+    }
+    /// Waits as a camera does whose cable was pulled out.
+    void stall() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return isCancelled_; });
+    }
+
+private:
+    Script script_;
+    int exposures_ = 0;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    bool isCancelled_ = false;
+};
+
+/// Planes of one value each.
+inline std::vector<cv::Mat> flatPlanes(int count, cv::Size size, int value) {
+    std::vector<cv::Mat> planes;
+    for (int i = 0; i < count; ++i)
+        planes.emplace_back(size, CV_16UC1, cv::Scalar::all(value));
+    return planes;
+}
+
+inline Channel channelOf(const QColor& colour, std::optional<LevelRange> levels = {}) {
+    Channel channel;
+    channel.colour = colour;
+    channel.levels = levels;
+    return channel;
+}
+
+/// Waits until files are open and their picture is shown.
+inline bool waitForPicture(Window& window) {
+    return QTest::qWaitFor([&] {
+        return !window.viewer().isBusy() && !window.viewer().shown().screen.empty() &&
+               window.viewer().shown().revision >= 0;
+    });
+}
+
+} // namespace apps

@@ -1,0 +1,355 @@
+// Sources, threads and results: files good and bad, cameras on good and bad days.
+
+#include "tests/apps/viewer/stage.h"
+
+#include "apps/common/failure.h"
+#include "apps/common/settings.h"
+#include "apps/viewer/mailbox.h"
+
+#include <QProcess>
+
+namespace apps {
+
+class ViewerTest : public QObject {
+    Q_OBJECT
+private slots:
+    void theNewestWinsAndNothingIsTakenTwice();
+    void badFilesAreNamedAndChangeNothing_data();
+    void badFilesAreNamedAndChangeNothing();
+    void stacksTurnForthAndBack();
+    void aSavedPictureEqualsTheCommands_data();
+    void aSavedPictureEqualsTheCommands();
+    void aSlowWindowDropsFramesAndShowsTheNewest();
+    void camerasMayFail_data();
+    void camerasMayFail();
+    void aCameraMayChangeItsSize();
+    void closingNeverWaitsForAStalledCamera();
+    void samplesAreThoseBelowThePicture();
+    void settingsGoOutAndIn();
+    void theSimulatedCameraDriftsAndHasHotPixels();
+};
+
+namespace {
+
+bool waitFor(Viewer& viewer) {
+    return QTest::qWaitFor([&] { return !viewer.isBusy() && !viewer.shown().screen.empty(); });
+}
+
+QByteArray settingsOf(const Viewer& viewer) {
+    return settingsJson({viewer.model().channels(), std::nullopt});
+}
+
+} // namespace
+
+void ViewerTest::theNewestWinsAndNothingIsTakenTwice() {
+    Mailbox<int> box;
+    int mine = 1, taken = 0;
+    QVERIFY(!box.take(taken));
+    QVERIFY(!box.put(mine));
+    mine = 2;
+    QVERIFY(box.put(mine));
+    QCOMPARE(mine, 1); // what was lost comes back for its memory
+    QVERIFY(box.take(taken));
+    QCOMPARE(taken, 2);
+    QVERIFY(!box.take(taken));
+}
+
+void ViewerTest::badFilesAreNamedAndChangeNothing_data() {
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("not there") << "missing.tif"
+                               << "missing.tif";
+    QTest::newRow("no picture") << "text.tif"
+                                << "text.tif";
+    QTest::newRow("cut short") << "cut.tif"
+                               << "cut.tif";
+    QTest::newRow("colour") << "colour.png"
+                            << "must be gray";
+    QTest::newRow("another size") << "small.tif"
+                                  << "32 x 20";
+    QTest::newRow("unknown dye") << "good.tif=DAPPI"
+                                 << "\"DAPI\"";
+    QTest::newRow("no such page") << "good.tif[3]"
+                                  << "page 3";
+    QTest::newRow("broken settings") << "broken.json"
+                                     << "broken.json";
+    QTest::newRow("a folder") << "."
+                              << "not a file";
+}
+
+void ViewerTest::badFilesAreNamedAndChangeNothing() {
+    QFETCH(QString, words);
+    QFETCH(QString, expected);
+    const Folder folder;
+    const cv::Mat plane = noisePlane({40, 20}, CV_16UC1, 1);
+    const QString good = folder.write("good.tif", plane);
+    folder.write("small.tif", noisePlane({32, 20}, CV_16UC1, 2));
+    folder.write("colour.png", cv::Mat(20, 40, CV_8UC3, cv::Scalar(1, 2, 3)));
+    folder.writeBytes("text.tif", "no picture");
+    folder.writeBytes("cut.tif", folder.read("good.tif").left(600));
+    folder.writeBytes("broken.json", "{\"channels\": [");
+    Viewer viewer;
+    viewer.open({good});
+    QVERIFY(waitFor(viewer));
+    const auto channels = settingsOf(viewer);
+    const QSignalSpy problems(&viewer, &Viewer::problem);
+    viewer.open({folder.path(words)}, true);
+    QTRY_COMPARE(problems.size(), 1);
+    QVERIFY2(problems[0][0].toString().contains(expected), qPrintable(problems[0][0].toString()));
+    QVERIFY(!problems[0][0].toString().contains('\n'));
+    QCOMPARE(settingsOf(viewer), channels);
+    QCOMPARE(viewer.title(), QStringLiteral("good.tif"));
+}
+
+void ViewerTest::stacksTurnForthAndBack() {
+    const Folder folder;
+    std::vector<cv::Mat> pages;
+    for (int i = 1; i <= 3; ++i)
+        pages.emplace_back(8, 8, CV_8UC1, cv::Scalar::all(i));
+    const QString stack = folder.writeStack("stack.tif", pages);
+    const QString still = folder.write("still.tif", pages[1]);
+    StackSource source({parseFile(stack), parseFile(still), parseFile(stack + "[3]")});
+    QCOMPARE(source.pages(), 3);
+    Frame frame;
+    QString order;
+    for (int i = 0; i < 7; ++i) {
+        source.grab(frame);
+        order += QString::number(frame.page);
+        QCOMPARE(int(frame.planes[0].at<unsigned char>(0, 0)), frame.page);
+        QCOMPARE(int(frame.planes[1].at<unsigned char>(0, 0)), 2);
+        QCOMPARE(int(frame.planes[2].at<unsigned char>(0, 0)), 3);
+    }
+    QCOMPARE(order, QStringLiteral("1232123"));
+    source.seek(99);
+    source.grab(frame);
+    QCOMPARE(frame.page, 3);
+    QCOMPARE(fileWords(source.filesAt(2)[0]), stack + "[2]");
+    QCOMPARE(fileWords(source.filesAt(2)[1]), still);
+}
+
+void ViewerTest::aSavedPictureEqualsTheCommands_data() {
+    QTest::addColumn<int>("variant");
+    QTest::newRow("composite") << 0;
+    QTest::newRow("offsets, gamma and a hidden channel") << 1;
+    QTest::newRow("legend, scale bar, own dye, one in gray") << 2;
+    QTest::newRow("pseudo-colour") << 3;
+    QTest::newRow("page of a stack") << 4;
+}
+
+void ViewerTest::aSavedPictureEqualsTheCommands() {
+    QFETCH(int, variant);
+    const Folder folder;
+    const cv::Size size(320, 200);
+    QStringList files{folder.write("it's one.tif", noisePlane(size, CV_16UC1, 1)),
+                      folder.write("zwei ü.png", noisePlane(size, CV_8UC1, 2)),
+                      folder.write("3.tif", noisePlane(size, CV_16UC1, 3))};
+    if (variant == 4)
+        files[0] = folder.writeStack(
+            "stack.tif", {noisePlane(size, CV_16UC1, 4), noisePlane(size, CV_16UC1, 5)});
+    Viewer viewer;
+    viewer.model().setCustomDyes({{"Own dye", QColor("#9f3b77")}});
+    viewer.open(files);
+    QVERIFY(waitFor(viewer));
+    ChannelModel& model = viewer.model();
+    ViewOptions options;
+    if (variant == 1) {
+        model.nudge(0, {7, -3});
+        model.nudge(1, {-2, 4});
+        model.setGamma(2, 0.45);
+        model.setVisible(1, false);
+        model.setLevels(0, {1000, 30000});
+    } else if (variant == 2) {
+        options.annotation.legend = true;
+        options.annotation.scaleBar = ScaleBar{5, 0.1};
+        options.graySingle = true;
+        model.setData(model.index(2, ChannelModel::dyeColumn), "Own dye", Qt::EditRole);
+        model.solo(2);
+    } else if (variant == 3) {
+        options.table = TableChoice{"magma", true};
+        options.pseudoChannel = 2;
+        model.setGamma(2, 1.5);
+    } else if (variant == 4) {
+        viewer.turnTo(2);
+        QTRY_COMPARE(viewer.shown().page, 2);
+    }
+    viewer.setOptions(options);
+    const QSignalSpy said(&viewer, &Viewer::said);
+    viewer.save(folder.path("viewer.png"));
+    QTRY_COMPARE_WITH_TIMEOUT(said.size(), 1, 20000);
+
+    QProcess shell;
+    shell.setWorkingDirectory(folder.path("."));
+    QString line = viewer.command();
+    QVERIFY(line.startsWith("lumetra "));
+    line.replace(0, 7, qEnvironmentVariable("LUMETRA"));
+    shell.start("/bin/sh", {"-c", line});
+    QVERIFY(shell.waitForFinished());
+    QVERIFY2(shell.exitCode() == 0, shell.readAllStandardError().constData());
+    QVERIFY(!folder.read("viewer.png").isEmpty());
+    QVERIFY(folder.read("viewer.png") == folder.read("picture.png"));
+}
+
+void ViewerTest::aSlowWindowDropsFramesAndShowsTheNewest() {
+    RenderLoop loop;
+    View view;
+    view.channels = {channelOf(Qt::white, LevelRange{0, 65535})};
+    loop.setView(view);
+    const QSignalSpy ready(&loop, &RenderLoop::ready);
+    Frame frame;
+    constexpr int frames = 50;
+    for (int i = 1; i <= frames; ++i) {
+        frame.planes = flatPlanes(1, {4, 4}, i * 257);
+        frame.number = static_cast<std::uint64_t>(i);
+        loop.offer(frame);
+        QTest::qSleep(1);
+    }
+    Shown shown;
+    QTRY_VERIFY((loop.take(shown), shown.frame == frames));
+    QCOMPARE(int(shown.screen.at<cv::Vec4b>(0, 0)[0]), frames);
+    QVERIFY(ready.size() <= 2); // signals do not pile up
+    QVERIFY(loop.dropped() >= frames - 2 && loop.dropped() < frames);
+}
+
+void ViewerTest::camerasMayFail_data() {
+    QTest::addColumn<int>("fault");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("stops") << 0 << "the cable";
+    QTest::newRow("unknown exception") << 1 << "out of luck";
+    QTest::newRow("planes of unlike sizes") << 2 << "different sizes";
+    QTest::newRow("a channel fewer") << 3 << "1 channels in place of 2";
+    QTest::newRow("samples of another kind") << 4 << "plane";
+}
+
+void ViewerTest::camerasMayFail() {
+    QFETCH(int, fault);
+    QFETCH(QString, expected);
+    auto camera = std::make_shared<ScriptedCamera>([fault](int exposure, Frame& frame) {
+        frame.planes = flatPlanes(2, {16, 16}, 100 * exposure);
+        if (exposure < 3)
+            return;
+        if (fault == 0)
+            throw Failure("the cable was pulled out");
+        if (fault == 1)
+            throw std::runtime_error("out of luck");
+        if (fault == 2)
+            frame.planes[1] = flatPlanes(1, {15, 16}, 1)[0];
+        if (fault == 3)
+            frame.planes.pop_back();
+        if (fault == 4)
+            frame.planes[0] = cv::Mat(16, 16, CV_32FC1, cv::Scalar::all(0));
+    });
+    Viewer viewer;
+    QString problem;
+    connect(&viewer, &Viewer::problem, [&](const QString& reason) { problem = reason; });
+    connect(&viewer, &Viewer::pictureChanged, [&] { problem += viewer.shown().problem; });
+    viewer.connectCamera(camera, {channelOf(Qt::red), channelOf(Qt::green)});
+    viewer.setRate(200);
+    viewer.start();
+    QTRY_VERIFY2(problem.contains(expected), qPrintable(problem));
+    QCOMPARE(viewer.isRunning(), fault > 1); // it goes on as soon as frames are right again
+}
+
+void ViewerTest::aCameraMayChangeItsSize() {
+    std::atomic<int> width{32};
+    auto camera = std::make_shared<ScriptedCamera>([&](int, Frame& frame) {
+        frame.planes = flatPlanes(2, {width, 16}, 5000);
+    });
+    Viewer viewer;
+    viewer.connectCamera(camera, {channelOf(Qt::red), channelOf(Qt::green)});
+    viewer.setRate(200);
+    viewer.start();
+    for (const int next : {32, 64, 8, 33}) {
+        width = next;
+        QTRY_COMPARE(viewer.shown().screen.cols, next);
+        QVERIFY(viewer.shown().problem.isEmpty());
+    }
+    viewer.close(); // before what the camera refers to goes
+}
+
+void ViewerTest::closingNeverWaitsForAStalledCamera() {
+    std::atomic<bool> isStalled{false};
+    ScriptedCamera* self = nullptr;
+    auto camera = std::make_shared<ScriptedCamera>([&](int exposure, Frame& frame) {
+        frame.planes = flatPlanes(1, {16, 16}, 7);
+        isStalled = exposure == 2;
+        if (exposure == 2)
+            self->stall();
+        isStalled = false;
+    });
+    self = camera.get();
+    auto viewer = std::make_unique<Viewer>();
+    viewer->connectCamera(camera, {channelOf(Qt::red)});
+    viewer->start();
+    QTRY_VERIFY(isStalled);
+    viewer->stop(); // none of these may hang
+    viewer->single();
+    QVERIFY(isStalled);
+    viewer.reset();
+    QVERIFY(!isStalled);
+}
+
+void ViewerTest::samplesAreThoseBelowThePicture() {
+    const Folder folder;
+    cv::Mat plane(30, 40, CV_16UC1);
+    for (int y = 0; y < plane.rows; ++y)
+        for (int x = 0; x < plane.cols; ++x)
+            plane.at<std::uint16_t>(y, x) = static_cast<std::uint16_t>(100 * y + x);
+    const QString file = folder.write("a.tif", plane);
+    Viewer viewer;
+    viewer.open({file + "=DAPI", file + "=FITC+3-2"}); // FITC: 3 to the left, 2 down
+    QVERIFY(waitFor(viewer));
+    QCOMPARE(viewer.shown().screen.size(), cv::Size(37, 28));
+    QCOMPARE(viewer.samplesAt({5, 10}), (std::vector<int>{1205, 1008}));
+    QVERIFY(viewer.samplesAt({-1, 0}).empty());
+    QVERIFY(viewer.samplesAt({37, 0}).empty());
+}
+
+void ViewerTest::settingsGoOutAndIn() {
+    const Folder folder;
+    const QString file = folder.write("a.tif", noisePlane({20, 20}, CV_16UC1, 1));
+    {
+        Viewer viewer;
+        viewer.open({file + "=Cy5", file + "=FITC"});
+        QVERIFY(waitFor(viewer));
+        viewer.model().setLevels(0, {11, 2222});
+        viewer.model().setGamma(1, 2);
+        const QSignalSpy said(&viewer, &Viewer::said);
+        viewer.saveSettings(folder.path("s.json"));
+        QTRY_COMPARE(said.size(), 1);
+    }
+    Viewer viewer;
+    viewer.open({folder.path("s.json"), file, file});
+    QVERIFY(waitFor(viewer));
+    QCOMPARE(viewer.model().channel(0).dye, QStringLiteral("Cy5"));
+    QVERIFY((viewer.model().channel(0).levels == LevelRange{11, 2222}));
+    QCOMPARE(viewer.model().channel(1).gamma, 2.0);
+    const QSignalSpy problems(&viewer, &Viewer::problem);
+    viewer.save(file); // would replace what is looked at
+    QCOMPARE(problems.size(), 1);
+    viewer.saveSettings(folder.path("no/such/folder/s.json"));
+    QTRY_COMPARE(problems.size(), 2);
+}
+
+void ViewerTest::theSimulatedCameraDriftsAndHasHotPixels() {
+    SimulatedCamera camera({3, 128, {}});
+    Frame frame;
+    camera.grab(frame);
+    QCOMPARE(frame.planes.size(), size_t(3));
+    QCOMPARE(frame.planes[2].size(), cv::Size(128, 128));
+    const void* const memory = frame.planes[0].data;
+    const cv::Mat first = frame.planes[0].clone();
+    QVERIFY(cv::countNonZero(first == 65535) > 10);
+    for (int i = 0; i < 30; ++i)
+        camera.grab(frame);
+    QCOMPARE(static_cast<const void*>(frame.planes[0].data), memory); // used again
+    QVERIFY(cv::norm(first, frame.planes[0], cv::NORM_L1) > 128 * 128 * 100.0);
+    SimulatedCamera filming({2, 64, {noisePlane({20, 20}, CV_8UC1, 1)}});
+    filming.grab(frame);
+    QCOMPARE(frame.planes.size(), size_t(1));
+}
+
+std::unique_ptr<QObject> makeSuite() { return std::make_unique<ViewerTest>(); }
+
+} // namespace apps
+
+#include "viewer_test.moc"

@@ -1,0 +1,368 @@
+// The window: every action with its keys, files dropped onto it, closing while frames come.
+
+#include "tests/apps/viewer/stage.h"
+
+#include "apps/viewer/canvas.h"
+#include "apps/viewer/channel_panel.h"
+#include "apps/viewer/custom_dyes_dialog.h"
+#include "apps/viewer/dye_controls.h"
+#include "apps/viewer/level_editor.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCompleter>
+#include <QDropEvent>
+#include <QInputDialog>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QSet>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTableView>
+
+namespace apps {
+
+class WindowTest : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void everyActionIsInAMenuAndNoKeyIsTakenTwice();
+    void everyActionCanBeUsedAtAnyTime();
+    void keysSwitchAndMoveChannels();
+    void fieldsKeepTheirKeys();
+    void dyesAreFoundAsTheyAreTyped();
+    void handlesMoveLevels();
+    void theTableSolosAndEdits();
+    void thePictureFitsZoomsAndPans();
+    void droppedFilesAreAddedOrRefused();
+    void aStalledCameraIsSpokenOf();
+    void closesWhileFramesCome();
+    void ownDyesAreKept();
+    void choicesAreKeptBetweenRuns();
+    void scaleBarsAreRound();
+
+private:
+    void openTwo();
+    QAction& act(Act which) { return window_->actions()[which]; }
+    ChannelModel& model() { return window_->viewer().model(); }
+
+    std::unique_ptr<Folder> folder_;
+    std::unique_ptr<Window> window_;
+};
+
+namespace {
+
+/// Closes whatever dialog an action opens.
+class DialogCloser : public QObject {
+public:
+    DialogCloser() { startTimer(10); }
+
+protected:
+    void timerEvent(QTimerEvent* /*event*/) override {
+        if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+            dialog->reject();
+    }
+};
+
+/// A move that does not depend on where the platform has its cursor.
+void moveMouse(QWidget& widget, QPoint to, Qt::MouseButtons buttons) {
+    QMouseEvent move(QEvent::MouseMove, to, widget.mapToGlobal(to), Qt::NoButton, buttons, {});
+    QApplication::sendEvent(&widget, &move);
+}
+
+void drop(Window& window, const QStringList& files) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString& file : files)
+        urls << QUrl::fromLocalFile(file);
+    data.setUrls(urls);
+    QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent event(QPointF(9, 9), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &event);
+}
+
+} // namespace
+
+void WindowTest::init() {
+    QSettings().clear();
+    folder_ = std::make_unique<Folder>();
+    window_ = std::make_unique<Window>();
+    window_->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+}
+
+void WindowTest::cleanup() { window_.reset(); }
+
+void WindowTest::openTwo() {
+    window_->viewer().open({folder_->write("a.tif", noisePlane({64, 48}, CV_16UC1, 1)) + "=DAPI",
+                            folder_->write("b.png", noisePlane({64, 48}, CV_8UC1, 2)) + "=FITC"});
+    QVERIFY(waitForPicture(*window_));
+}
+
+void WindowTest::everyActionIsInAMenuAndNoKeyIsTakenTwice() {
+    QSet<QString> keys;
+    int actions = 0;
+    for (const QAction* menu : window_->menuBar()->actions())
+        for (const QAction* action : menu->menu()->actions()) {
+            actions += action->isSeparator() ? 0 : 1;
+            for (const QKeySequence& key : action->shortcuts()) {
+                QVERIFY2(!keys.contains(key.toString()), qPrintable(key.toString()));
+                keys << key.toString();
+            }
+        }
+    QCOMPARE(actions, int(Act::about) + 1);
+    for (const char* key : {"0", "1", "9", "Ctrl+,", "Ctrl+.", "Shift+C", "Shift+Z", "Shift+Left"})
+        QVERIFY2(keys.contains(key), key);
+}
+
+void WindowTest::everyActionCanBeUsedAtAnyTime() {
+    const DialogCloser closer;
+    const auto useAll = [this] {
+        for (int i = 0; i <= int(Act::about); ++i)
+            if (Act(i) != Act::quit && Act(i) != Act::closeAll)
+                act(Act(i)).trigger();
+        QTest::qWait(50);
+    };
+    useAll(); // without a picture, then with files and with a camera
+    window_->viewer().close();
+    openTwo();
+    useAll();
+    QVERIFY(window_->viewer().isCamera()); // one of the actions was its start
+    act(Act::closeAll).trigger();
+    QVERIFY(!window_->viewer().hasSource());
+    QVERIFY(!act(Act::saveAs).isEnabled());
+}
+
+void WindowTest::keysSwitchAndMoveChannels() {
+    openTwo();
+    Canvas& canvas = window_->canvas();
+    canvas.setFocus();
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) {
+        QTest::keyClick(&canvas, key, with);
+    };
+    press(Qt::Key_2);
+    QVERIFY(model().channel(0).visible && !model().channel(1).visible);
+    press(Qt::Key_2);
+    QVERIFY(model().channel(1).visible);
+    press(Qt::Key_9); // there is none
+    window_->panel().setCurrentRow(1);
+    press(Qt::Key_Left); // the channel moves to the left, which are positive offsets
+    press(Qt::Key_Up, Qt::ShiftModifier);
+    QCOMPARE(model().channel(1).offset, QPoint(1, 10));
+    QTRY_COMPARE(window_->viewer().shown().screen.size(), cv::Size(63, 38));
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    QCOMPARE(model().channel(1).offset, QPoint());
+    press(Qt::Key_3, Qt::AltModifier);
+    QVERIFY((model().channel(1).levels == LevelRange{0, 255})); // 12 bits of a channel of 8
+    press(Qt::Key_C, Qt::ShiftModifier);
+    QCOMPARE(window_->focusWidget()->accessibleName(), QStringLiteral("Black level"));
+    press(Qt::Key_Z, Qt::ShiftModifier);
+    QCOMPARE(window_->focusWidget()->accessibleName(), QStringLiteral("Channels"));
+}
+
+void WindowTest::fieldsKeepTheirKeys() {
+    openTwo();
+    auto* black = window_->findChildren<QSpinBox*>().first();
+    black->setFocus();
+    black->selectAll();
+    QTest::keyClicks(black, "120");
+    QTest::keyClick(black, Qt::Key_Return);
+    QCOMPARE(model().channel(0).levels->low, 120);
+    QVERIFY(model().channel(0).visible); // 1 was a digit
+    QTest::keyClick(black, Qt::Key_Up);
+    QCOMPARE(model().channel(0).levels->low, 121);
+    QVERIFY(model().channel(0).offset.isNull());
+}
+
+void WindowTest::dyesAreFoundAsTheyAreTyped() {
+    openTwo();
+    auto* field = window_->panel().findChild<DyeField*>();
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, "oregon");
+    QCompleter* completer = field->completer();
+    QVERIFY(completer->completionCount() > 1);
+    QVERIFY(completer->currentCompletion().contains("Oregon Green"));
+    field->selectAll();
+    QTest::keyClicks(field, "cy5");
+    completer->popup()->hide();
+    QTest::keyClick(field, Qt::Key_Return);
+    QCOMPARE(model().channel(0).dye, QStringLiteral("Cy5"));
+    field->selectAll();
+    QTest::keyClicks(field, "nonsense");
+    completer->popup()->hide();
+    QTest::keyClick(field, Qt::Key_Return);
+    QCOMPARE(model().channel(0).dye, QStringLiteral("Cy5"));
+    QVERIFY(window_->problem().contains("nonsense"));
+    auto* slider = window_->panel().findChild<DyeSlider*>();
+    slider->setValue(20);
+    QCOMPARE(model().channel(0).dye, slider->dye().name);
+}
+
+void WindowTest::handlesMoveLevels() {
+    openTwo();
+    auto* editor = window_->panel().findChild<LevelEditor*>();
+    model().setLevels(0, {10000, 50000});
+    const int y = editor->height() - 5;
+    const auto drag = [&](int from, int to) {
+        const QPoint start(qRound(editor->xOf(from)), y), end(qRound(editor->xOf(to)), y);
+        QTest::mousePress(editor, Qt::LeftButton, {}, start);
+        moveMouse(*editor, end, Qt::LeftButton);
+        QTest::mouseRelease(editor, Qt::LeftButton, {}, end);
+    };
+    const int pixel = editor->sampleAt(100) - editor->sampleAt(99) + 1;
+    drag(10000, 20000);
+    QVERIFY(std::abs(model().channel(0).levels->low - 20000) <= pixel);
+    drag(50000, 1000); // not beyond the other
+    QCOMPARE(model().channel(0).levels->high, model().channel(0).levels->low + 1);
+}
+
+void WindowTest::theTableSolosAndEdits() {
+    openTwo();
+    auto* table = window_->panel().findChild<QTableView*>();
+    const auto centre = [&](int row, int column) {
+        return table->visualRect(model().index(row, column)).center();
+    };
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre(1, ChannelModel::colourColumn));
+    QVERIFY(!model().channel(0).visible && model().channel(1).visible);
+    table->edit(model().index(0, ChannelModel::whiteColumn));
+    auto* editor = table->viewport()->findChild<QSpinBox*>();
+    QVERIFY(editor);
+    editor->setValue(4000);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_COMPARE(model().channel(0).levels->high, 4000);
+}
+
+void WindowTest::thePictureFitsZoomsAndPans() {
+    openTwo();
+    Canvas& canvas = window_->canvas();
+    canvas.actualSize();
+    QCOMPARE(canvas.scale(), 1.0);
+    const QPointF centre = QRectF(canvas.rect()).center();
+    QCOMPARE(canvas.pixelAt(centre + QPointF(0.5, 0.5)), QPoint(32, 24));
+    QCOMPARE(canvas.pixelAt({0, 0}), QPoint(-1, -1));
+    const QPoint point = centre.toPoint() + QPoint(10, -5);
+    const auto turnWheel = [&](int notches) {
+        for (int i = 0; i < notches; ++i) {
+            QWheelEvent wheel(point, canvas.mapToGlobal(point), {}, {0, 120}, Qt::NoButton,
+                              Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(&canvas, &wheel);
+        }
+    };
+    turnWheel(15); // until it is larger than the widget
+    QVERIFY(canvas.scale() > 28);
+    const QPoint pixel = canvas.pixelAt(point);
+    turnWheel(2);
+    const QPoint left = canvas.pixelAt(point);
+    QCOMPARE(left, pixel);
+    QTest::mousePress(&canvas, Qt::LeftButton, {}, {100, 100});
+    moveMouse(canvas, {100 + qRound(3 * canvas.scale()), 100}, Qt::LeftButton);
+    QTest::mouseRelease(&canvas, Qt::LeftButton, {}, {100, 100});
+    QCOMPARE(canvas.pixelAt(point), left - QPoint(3, 0));
+    QTest::keyClick(&canvas, Qt::Key_0);
+    QVERIFY(canvas.isFitted());
+    const QSignalSpy hovered(&canvas, &Canvas::hovered);
+    moveMouse(canvas, centre.toPoint(), Qt::NoButton);
+    QCOMPARE(hovered[0][0].toPoint(), QPoint(32, 24));
+}
+
+void WindowTest::droppedFilesAreAddedOrRefused() {
+    openTwo();
+    drop(*window_, {folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3))});
+    QTRY_COMPARE(model().size(), 3);
+    QCOMPARE(model().channel(0).dye, QStringLiteral("DAPI")); // what was there stays as it was
+    drop(*window_, {folder_->write("d.tif", noisePlane({65, 48}, CV_16UC1, 3))});
+    QTRY_VERIFY(window_->problem().contains("65 x 48"));
+    QVERIFY(window_->problem().contains("64 x 48"));
+    QCOMPARE(model().size(), 3);
+    QVERIFY(!QApplication::activeModalWidget()); // a word in the window, never a box
+}
+
+void WindowTest::aStalledCameraIsSpokenOf() {
+    ScriptedCamera* self = nullptr;
+    auto camera = std::make_shared<ScriptedCamera>([&self](int exposure, Frame& frame) {
+        frame.planes = flatPlanes(1, {16, 16}, 9);
+        if (exposure == 3)
+            self->stall();
+    });
+    self = camera.get();
+    window_->viewer().connectCamera(camera, {channelOf(Qt::red)});
+    window_->viewer().start();
+    QTRY_VERIFY_WITH_TIMEOUT(window_->problem().contains("no frame"), 6000);
+}
+
+void WindowTest::closesWhileFramesCome() {
+    for (int i = 0; i < 3; ++i) {
+        window_->startCamera(3, 256);
+        QTRY_VERIFY(window_->viewer().shown().frame > 1);
+        window_->setAttribute(Qt::WA_DeleteOnClose, false);
+        window_->close();
+        init();
+    }
+}
+
+void WindowTest::ownDyesAreKept() {
+    CustomDyesDialog dialog({{"One", QColor("#111111")}});
+    const QSignalSpy changed(&dialog, &CustomDyesDialog::changed);
+    dialog.add("One", Qt::red);
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(dialog.dyes().size(), 2);
+    QCOMPARE(dialog.dyes()["One 2"], QColor(Qt::red));
+    dialog.save(folder_->path("dyes.ini"));
+    dialog.removeCurrent();
+    QCOMPARE(dialog.dyes().keys(), QStringList{"One"});
+    dialog.load(folder_->path("dyes.ini"));
+    QCOMPARE(dialog.dyes().size(), 2);
+
+    const QByteArray before = folder_->read("dyes.ini");
+    dialog.load(folder_->path("missing.ini"));
+    QVERIFY(dialog.message().contains("missing.ini"));
+    dialog.load(
+        folder_->writeBytes("odd.ini", "[General]\nNumber=1\n[DyeType1]\nName=x\nColor=9\n"));
+    QVERIFY(dialog.message().contains("cannot be understood"));
+    dialog.save(folder_->path("dyes.ini/below_a_file.ini"));
+    QVERIFY(dialog.message().contains("cannot be written"));
+    QCOMPARE(dialog.dyes().size(), 2);
+    QCOMPARE(folder_->read("dyes.ini"), before);
+
+    window_->setOwnDyes(dialog.dyes());
+    window_ = std::make_unique<Window>();
+    QVERIFY(model().dyes().find("one 2"));
+    window_->setOwnDyes({});
+}
+
+void WindowTest::choicesAreKeptBetweenRuns() {
+    act(Act::legend).setChecked(true);
+    window_->resize(1000, 700);
+    window_->close();
+    window_ = std::make_unique<Window>();
+    QVERIFY(act(Act::legend).isChecked());
+    QVERIFY(window_->viewer().options().annotation.legend);
+    QCOMPARE(window_->width(), 1000);
+}
+
+void WindowTest::scaleBarsAreRound() {
+    QCOMPARE(roundLength(100), 20.0);
+    QCOMPARE(roundLength(249), 20.0);
+    QCOMPARE(roundLength(250), 50.0);
+    QCOMPARE(roundLength(0.0499), 0.005);
+    openTwo();
+    QTimer::singleShot(100, [] {
+        auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+        dialog->setDoubleValue(0.5);
+        dialog->accept();
+    });
+    act(Act::scaleBar).trigger();
+    QCOMPARE(window_->viewer().options().annotation.scaleBar->micrometres, 5.0); // of 32
+    QCOMPARE(window_->viewer().options().annotation.scaleBar->pixelSize, 0.5);
+}
+
+std::unique_ptr<QObject> makeSuite() { return std::make_unique<WindowTest>(); }
+
+} // namespace apps
+
+#include "window_test.moc"
