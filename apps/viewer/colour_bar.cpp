@@ -5,10 +5,19 @@
 #include <cmath>
 
 namespace apps {
+namespace {
+
+constexpr int margin = 8, barWidth = 16;
+
+} // namespace
 
 ColourBar::ColourBar(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     setAccessibleName(QStringLiteral("Colours and the samples they stand for"));
+}
+
+QSize ColourBar::sizeHint() const {
+    return {4 * margin + barWidth + fontMetrics().horizontalAdvance(QStringLiteral("65535")), 200};
 }
 
 void ColourBar::setTable(const QVector<QColor>& colours) {
@@ -23,18 +32,18 @@ void ColourBar::setRange(LevelRange range, double gamma) {
 }
 
 void ColourBar::paintEvent(QPaintEvent* /*event*/) {
-    constexpr int marks = 5, barWidth = 16;
+    constexpr int marks = 5;
     QPainter painter(this);
     const int letter = painter.fontMetrics().height();
-    const QRect bar(8, letter, barWidth, height() - 2 * letter);
+    const QRect bar(margin, letter, barWidth, height() - 2 * letter);
     painter.drawImage(bar, tablePreview(colours_, {256, 1}).transformed(QTransform().rotate(-90)));
     for (int i = 0; i < marks; ++i) {
         const double share = double(i) / (marks - 1);
         const double sample = range_.low + (range_.high - range_.low) * std::pow(share, 1 / gamma_);
         const int y = bar.bottom() - static_cast<int>(std::lround(share * bar.height()));
         painter.drawLine(bar.right() + 1, y, bar.right() + 5, y);
-        painter.drawText(QRect(bar.right() + 8, y - letter / 2, width(), letter), Qt::AlignVCenter,
-                         QString::number(std::lround(sample)));
+        painter.drawText(QRect(bar.right() + margin, y - letter / 2, width(), letter),
+                         Qt::AlignVCenter, QString::number(std::lround(sample)));
     }
 }
 

@@ -17,7 +17,7 @@ public:
     void setTable(const QVector<QColor>& colours);
     void setRange(LevelRange range, double gamma);
 
-    QSize sizeHint() const override { return {76, 200}; }
+    QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -140,6 +140,7 @@ void Window::makeDocks() {
     auto* times =
         addDock(QStringLiteral("Course of times"), course_, Qt::BottomDockWidgetArea, Act::course);
     times->hide();
+    (*actions_)[Act::course].setChecked(false);
     resizeDocks({channels}, {380}, Qt::Horizontal);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
 }
@@ -148,16 +149,16 @@ void Window::makeToolBar() {
     auto* bar = addToolBar(QStringLiteral("Tools"));
     bar->setObjectName(QStringLiteral("Tools"));
     bar->setMovable(false);
-    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    const auto add = [&](Act act, QStyle::StandardPixmap icon) {
-        (*actions_)[act].setIcon(style()->standardIcon(icon));
+    bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    const auto add = [&](Act act, const char* text) {
+        (*actions_)[act].setIconText(QString::fromLatin1(text));
         bar->addAction(&(*actions_)[act]);
     };
-    add(Act::open, QStyle::SP_DialogOpenButton);
-    add(Act::saveAs, QStyle::SP_DialogSaveButton);
+    add(Act::open, "Open");
+    add(Act::saveAs, "Save");
     bar->addSeparator();
-    add(Act::run, QStyle::SP_MediaPlay);
-    add(Act::single, QStyle::SP_MediaSkipForward);
+    add(Act::run, "Run");
+    add(Act::single, "Single");
     rate_ = new QDoubleSpinBox(bar);
     rate_->setRange(0.1, 100);
     rate_->setDecimals(1);
@@ -169,6 +170,7 @@ void Window::makeToolBar() {
     bar->addSeparator();
     for (const Act act : {Act::fit, Act::actualSize, Act::legend, Act::scaleBar, Act::pseudo})
         bar->addAction(&(*actions_)[act]);
+    bar->addSeparator();
     table_ = new QComboBox(bar);
     table_->setIconSize({72, 14});
     table_->setAccessibleName(QStringLiteral("Table of colours"));
