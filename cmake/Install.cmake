@@ -48,11 +48,19 @@ if(LUMETRA_BUILD_APPS)
   # Finds the library beside it, wherever the tree lies; system folders are searched anyway.
   if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
     file(RELATIVE_PATH lib_from_bin /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-    set_target_properties(lumetra_command PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
+    set_target_properties(lumetra_command lumetra_viewer PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
   endif()
   install(TARGETS lumetra_command RUNTIME COMPONENT tools)
   install(FILES packaging/tools/lumetra.1 # packages bring it, like the licence, in their own way
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT manual)
   install(FILES packaging/tools/lumetra.bash RENAME lumetra
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
+  install(TARGETS lumetra_viewer RUNTIME COMPONENT viewer)
+  set(viewer_data apps/viewer/data)
+  install(FILES ${viewer_data}/lumetra-viewer.desktop
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/applications COMPONENT viewer)
+  install(FILES ${viewer_data}/lumetra-viewer.svg
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/icons/hicolor/scalable/apps COMPONENT viewer)
+  install(FILES ${viewer_data}/invalid.lumetra.Viewer.metainfo.xml
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/metainfo COMPONENT viewer)
 endif()

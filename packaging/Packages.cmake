@@ -51,6 +51,14 @@ if(LUMETRA_BUILD_APPS)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
       "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION}), fonts-dejavu-core")
+
+  list(APPEND CPACK_COMPONENTS_ALL viewer)
+  set(CPACK_DEBIAN_VIEWER_PACKAGE_NAME lumetra-viewer)
+  set(CPACK_DEBIAN_VIEWER_DESCRIPTION "${description}\nThis is the viewer, which shows them live and from files.")
+  set(CPACK_DEBIAN_VIEWER_PACKAGE_SECTION science)
+  set(CPACK_DEBIAN_VIEWER_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS
+      "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION}), fonts-dejavu-core")
 endif()
 
 # Every package brings the licence and its changes, where and as Debian expects them.

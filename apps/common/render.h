@@ -72,7 +72,7 @@ private:
     class StageClock;
 
     void prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels);
-    static cv::Mat& tint(const cv::Mat& part, const Channel& channel, Lane& lane, bool isLast);
+    cv::Mat& tint(const cv::Mat& part, const Channel& channel, Lane& lane, bool isLast);
     void renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast);
     void setRangeTable(int bits, LevelRange levels, double gamma);
 

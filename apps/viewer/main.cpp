@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QIcon>
 
 namespace {
 
@@ -99,6 +100,8 @@ int main(int argc, char** argv) {
     QApplication::setOrganizationName(QStringLiteral("lumetra"));
     QApplication::setApplicationName(QStringLiteral("lumetra-viewer"));
     QApplication::setApplicationVersion(QStringLiteral(LUMETRA_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("lumetra-viewer"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lumetra-viewer")));
     apps::silenceLibraries();
     cv::setNumThreads(1); // one core is for the camera
     return run(application);
