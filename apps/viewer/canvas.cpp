@@ -98,9 +98,9 @@ void Canvas::paintEvent(QPaintEvent* /*event*/) {
         painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
                          hint_);
     } else {
-        const QRectF picture(corner_, pictureSize());
-        if (!picture.contains(QRectF(rect())))
-            painter.fillRect(rect(), ground);
+        const QRect covered = QRectF(corner_, pictureSize()).toAlignedRect();
+        for (const QRect& bare : QRegion(rect()).subtracted(covered.adjusted(1, 1, -1, -1)))
+            painter.fillRect(bare, ground);
         paintPicture(painter);
     }
 }

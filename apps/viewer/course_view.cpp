@@ -9,13 +9,17 @@ namespace apps {
 namespace {
 
 const QColor stageColours[Pace::stages] = {"#7a5cc4", "#3d7fc9", "#33a089", "#d9a441", "#c9605a"};
-constexpr int legendWidth = 130;
+constexpr int legendWidth = 180;
 
 } // namespace
 
 CourseView::CourseView(const Statistics& statistics, QWidget* parent)
     : QWidget(parent), statistics_(statistics) {
     setAccessibleName(QStringLiteral("Milliseconds of each stage over the last minute"));
+}
+
+QSize CourseView::minimumSizeHint() const {
+    return {2 * legendWidth, (Pace::stages + 2) * fontMetrics().height()};
 }
 
 void CourseView::setBudget(double milliseconds) {

@@ -16,8 +16,8 @@ public:
     /// @param milliseconds  What one frame may take.
     void setBudget(double milliseconds);
 
-    QSize sizeHint() const override { return {600, 110}; }
-    QSize minimumSizeHint() const override { return {200, 70}; }
+    QSize sizeHint() const override { return minimumSizeHint(); }
+    QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
