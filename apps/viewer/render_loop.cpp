@@ -14,10 +14,14 @@ namespace {
 
 /// The pixel of a plane below the first pixel of the picture, for a channel with this offset.
 QPoint firstPixel(const std::vector<Channel>& channels, QPoint offset) {
-    QPoint least(std::numeric_limits<int>::max(), std::numeric_limits<int>::max());
-    for (const Channel& channel : channels)
-        least = {std::min(least.x(), channel.offset.x()), std::min(least.y(), channel.offset.y())};
-    return offset - least;
+    const auto distance = [&](auto part) {
+        std::int64_t least = part(offset);
+        for (const Channel& channel : channels)
+            least = std::min<std::int64_t>(least, part(channel.offset));
+        constexpr std::int64_t most = std::numeric_limits<int>::max();
+        return static_cast<int>(std::min(part(offset) - least, most));
+    };
+    return {distance([](QPoint p) { return p.x(); }), distance([](QPoint p) { return p.y(); })};
 }
 
 void drawView(Renderer& renderer, const std::vector<cv::Mat>& planes, const View& view,
@@ -116,9 +120,11 @@ std::vector<int> RenderLoop::samplesAt(QPoint pixel, const std::vector<Channel>&
         return samples;
     for (std::size_t i = 0; i < channels.size(); ++i) {
         const cv::Mat& plane = frame_.planes[i];
-        const QPoint at = pixel + firstPixel(channels, channels[i].offset);
-        if (!QRect(0, 0, plane.cols, plane.rows).contains(at))
+        const QPoint first = firstPixel(channels, channels[i].offset);
+        const QRect covered(0, 0, plane.cols, plane.rows);
+        if (!covered.contains(first) || !covered.contains(first + pixel))
             return {};
+        const QPoint at = first + pixel;
         samples.push_back(plane.depth() == CV_8U ? plane.at<unsigned char>(at.y(), at.x())
                                                  : plane.at<std::uint16_t>(at.y(), at.x()));
     }

@@ -154,6 +154,7 @@ void Viewer::setSource(std::shared_ptr<FrameSource> source, const std::vector<Ch
     options_.pseudoChannel =
         std::min(options_.pseudoChannel, static_cast<int>(channels.size()) - 1);
     model_.setChannels(channels);
+    oldest_ = revision_;
     feed_ = std::make_unique<FrameFeed>(std::move(source),
                                         [this](Frame& frame) { loop_.offer(frame); });
     connect(feed_.get(), &FrameFeed::failed, this, [this](const QString& reason) {
@@ -262,8 +263,12 @@ void Viewer::updateView() {
 }
 
 void Viewer::takePicture() {
-    if (!loop_.take(shown_) || !hasSource())
+    if (!loop_.take(shown_))
         return;
+    if (!hasSource() || shown_.revision < oldest_) { // of what was shown before
+        shown_ = {};
+        return;
+    }
     constexpr int often = 100; // milliseconds: numbers that change faster cannot be read
     const bool isDue = !isRunning() || revision_ != adopted_ || sinceAdoption_.hasExpired(often);
     if (shown_.revision == revision_ && isDue) {

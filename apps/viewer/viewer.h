@@ -109,7 +109,7 @@ private:
     QVector<QColor> slotColours_;
     Shown shown_;
     double rate_ = 30;
-    int revision_ = 0, adopted_ = -1;
+    int revision_ = 0, adopted_ = -1, oldest_ = 0;
     QElapsedTimer sinceAdoption_;
     bool keepsSettings_ = true;
 

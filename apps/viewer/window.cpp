@@ -197,7 +197,10 @@ void Window::setOwnDyes(const QMap<QString, QColor>& dyes) {
     ownDyes_ = dyes;
     viewer_.model().setCustomDyes(dyes);
     try {
-        writeCustomDyes(dyes, ownDyesFile());
+        if (dyes.isEmpty())
+            QFile::remove(ownDyesFile());
+        else
+            writeCustomDyes(dyes, ownDyesFile());
     } catch (const Failure& failure) {
         showProblem(failure.text());
     }
@@ -221,7 +224,8 @@ void Window::restore() {
     try {
         ownDyes_ = readCustomDyes(ownDyesFile());
         viewer_.model().setCustomDyes(ownDyes_);
-    } catch (const Failure&) { // the last one was removed
+    } catch (const Failure& failure) {
+        showProblem(failure.text());
     }
 }
 
