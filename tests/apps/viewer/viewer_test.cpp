@@ -194,7 +194,9 @@ void ViewerTest::aSlowWindowDropsFramesAndShowsTheNewest() {
     View view;
     view.channels = {channelOf(Qt::white, LevelRange{0, 65535})};
     loop.setView(view);
-    const QSignalSpy ready(&loop, &RenderLoop::ready);
+    std::atomic<int> signalled{0};
+    connect(
+        &loop, &RenderLoop::ready, &loop, [&] { ++signalled; }, Qt::DirectConnection);
     Frame frame;
     constexpr int frames = 50;
     for (int i = 1; i <= frames; ++i) {
@@ -206,7 +208,7 @@ void ViewerTest::aSlowWindowDropsFramesAndShowsTheNewest() {
     Shown shown;
     QTRY_VERIFY((loop.take(shown), shown.frame == frames));
     QCOMPARE(int(shown.screen.at<cv::Vec4b>(0, 0)[0]), frames);
-    QVERIFY(ready.size() <= 2); // signals do not pile up
+    QVERIFY(signalled <= 2); // signals do not pile up
     QVERIFY(loop.dropped() >= frames - 2 && loop.dropped() < frames);
 }
 
