@@ -55,7 +55,7 @@ public:
     void setGamma(int row, double gamma);
     void useAutomaticLevels(int row);         ///< Measured once, in the next picture.
     void useFullRange(int row, int bits = 0); ///< Of so many bits; 0 for those of the samples.
-    void nudge(int row, QPoint moved);        ///< Pixels to the right and down.
+    void nudge(int row, QPoint by);           ///< Pixels to the right and down.
     void copyLevelsToAll(int row);
     /// Shows this channel alone; or all of them, if it is alone already.
     void solo(int row);

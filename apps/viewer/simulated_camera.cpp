@@ -91,7 +91,8 @@ SimulatedCamera::SimulatedCamera(SimulatedCameraOptions options) : options_(std:
 cv::Rect SimulatedCamera::driftingPart() const {
     const double t = exposures_ / 60.0;
     const auto wander = [&](double rate) {
-        return driftMargin / 2 + cvRound((driftMargin / 2 - 1) * std::sin(rate * t));
+        constexpr int reach = driftMargin / 2;
+        return reach + cvRound((reach - 1) * std::sin(rate * t));
     };
     return {wander(0.9), wander(0.7), options_.side, options_.side};
 }

@@ -35,6 +35,10 @@ Channel guessedChannel(const QString& file, int number, const DyeList& dyes) {
 
 Viewer::Viewer() {
     pool_.setMaxThreadCount(1);
+    qRegisterMetaType<std::function<void()>>("std::function<void()>");
+    connect(
+        this, &Viewer::done, this, [](const std::function<void()>& outcome) { outcome(); },
+        Qt::QueuedConnection);
     connect(&model_, &ChannelModel::edited, this, &Viewer::updateView);
     connect(&model_, &ChannelModel::refused, this, &Viewer::problem);
     connect(&loop_, &RenderLoop::ready, this, &Viewer::takePicture, Qt::QueuedConnection);
@@ -72,7 +76,7 @@ void Viewer::inBackground(const std::function<std::function<void()>()>& work) {
         } catch (...) {
             outcome = [this, reason = currentReason()] { emit problem(reason); };
         }
-        QMetaObject::invokeMethod(this, outcome, Qt::QueuedConnection);
+        emit done(outcome);
     });
 }
 

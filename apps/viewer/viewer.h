@@ -93,6 +93,9 @@ signals:
     void problem(const QString& reason);
     void said(const QString& words);
 
+    /// Work in another thread has come to an end, of which this is to be done here.
+    void done(const std::function<void()>& outcome);
+
 private:
     void takePicture();
     void updateView();

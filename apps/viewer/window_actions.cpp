@@ -29,6 +29,7 @@ const QString pictureFilter =
 /// Dyes that tell a simulated camera's channels apart.
 std::vector<Channel> cameraChannels(int count, const DyeList& dyes) {
     std::vector<Channel> channels;
+    channels.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
         channels.push_back(guessedChannel({}, i, dyes));
     return channels;

@@ -79,6 +79,7 @@ private:
 /// Planes of one value each.
 inline std::vector<cv::Mat> flatPlanes(int count, cv::Size size, int value) {
     std::vector<cv::Mat> planes;
+    planes.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
         planes.emplace_back(size, CV_16UC1, cv::Scalar::all(value));
     return planes;
