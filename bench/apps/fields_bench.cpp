@@ -56,6 +56,7 @@ void makeFields(const std::string& folder, int count) {
 void runThreads(int threads, int count, const std::function<void(int)>& work) {
     std::atomic<int> next{0};
     std::vector<std::thread> pool;
+    pool.reserve(static_cast<std::size_t>(threads));
     for (int i = 0; i < threads; ++i)
         pool.emplace_back([&] {
             for (int field = next++; field < count; field = next++)
