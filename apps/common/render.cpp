@@ -8,9 +8,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ctime>
 #include <memory>
-
-#include <time.h>
 
 namespace apps {
 namespace {
