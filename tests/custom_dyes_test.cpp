@@ -27,7 +27,7 @@ namespace {
 /// somebody has written them by hand.
 constexpr bool writesUtf8 = QT_VERSION >= QT_VERSION_CHECK(6, 0, 0);
 
-const QColor red(255, 0, 0), green(0, 255, 128);
+const QColor plainRed(255, 0, 0), plainGreen(0, 255, 128);
 
 class CustomDyes : public testing::Test {
 protected:
@@ -78,7 +78,7 @@ TEST_F(CustomDyes, AnyNameAndAnyColourSurvive) {
     if (!writesUtf8)
         names += {QChar(0xD800), QChar(0xFEFF)}; // no text, but Qt 5 keeps it
     const QColor colours[] = {QColor(),
-                              red,
+                              plainRed,
                               QColor(1, 2, 3, 4),
                               QColor(Qt::transparent),
                               QColor::fromRgba64(1, 2, 65535, 257),
@@ -103,9 +103,10 @@ TEST_F(CustomDyes, AnyNameAndAnyColourSurvive) {
 
 TEST_F(CustomDyes, AreNumberedInTheirOrderAndReplaceTheFile) {
     const QString path = freshPath();
-    save({{"e", red}, {"d", red}, {"c", red}, {"b", red}, {"a", red}}, path);
+    save({{"e", plainRed}, {"d", plainRed}, {"c", plainRed}, {"b", plainRed}, {"a", plainRed}},
+         path);
     QSettings(path, QSettings::IniFormat).setValue("Other", 1);
-    save({{"DAPI", green}, {"Cy5", QColor()}, {"Alexa 488", red}}, path);
+    save({{"DAPI", plainGreen}, {"Cy5", QColor()}, {"Alexa 488", plainRed}}, path);
     {
         const QSettings settings(path, QSettings::IniFormat);
         EXPECT_EQ(settings.value("Number").toInt(), 3);
@@ -113,7 +114,7 @@ TEST_F(CustomDyes, AreNumberedInTheirOrderAndReplaceTheFile) {
         EXPECT_EQ(settings.value("DyeType1/Name"), "Alexa 488");
         EXPECT_EQ(settings.value("DyeType2/Name"), "Cy5");
         EXPECT_EQ(settings.value("DyeType3/Name"), "DAPI");
-        EXPECT_EQ(settings.value("DyeType3/Color"), green);
+        EXPECT_EQ(settings.value("DyeType3/Color"), plainGreen);
     }
     save({}, path);
     QFile file(path);
@@ -129,7 +130,7 @@ TEST_F(CustomDyes, AreExchangedBetweenQt5AndQt6) {
         "Color=@Variant(\\0\\0\\0\\x43\\x1\\xff\\xff\\xff\\xff\\0\\0\\0\\0\\0\\0)\n";
     const QByteArray qt5 = header + R"(Name="Gr\xf6\xdf\x65, \x3b1\x3b2 \xd83d\xdd2c\x1")" + "\n",
                      qt6 = header + "Name=\"Größe, αβ 🔬\\x1\"\n";
-    const Dyes dyes = {{QString::fromUtf8("Größe, αβ 🔬\x01"), red}};
+    const Dyes dyes = {{QString::fromUtf8("Größe, αβ 🔬\x01"), plainRed}};
     EXPECT_EQ(load(fileOf(qt5)), dyes);
     EXPECT_EQ(load(fileOf(qt6)), dyes);
     EXPECT_EQ(load(fileOf("\xef\xbb\xbf" + qt6)), dyes);
@@ -143,14 +144,16 @@ TEST_F(CustomDyes, AreExchangedBetweenQt5AndQt6) {
 
     if (writesUtf8) { // so what is no text does not survive
         const QString ends = freshPath();
-        save({{QString(QChar(0xDFFF)) + "a", red}, {QString(QChar(0xFEFF)) + "b", red}}, ends);
-        EXPECT_EQ(loadCopy(ends), (Dyes{{QString(QChar(0xFFFD)) + "a", red}, {"b", red}}));
+        save({{QString(QChar(0xDFFF)) + "a", plainRed}, {QString(QChar(0xFEFF)) + "b", plainRed}},
+             ends);
+        EXPECT_EQ(loadCopy(ends),
+                  (Dyes{{QString(QChar(0xFFFD)) + "a", plainRed}, {"b", plainRed}}));
         return;
     }
     for (const char* ending :
          {"\xe9", "\xe9\n", "\xc3\xa9 \xe9", "\xc3", "\xed\xa0\x80", "\xc1\x81"})
         EXPECT_EQ(load(fileOf("Number=1\n[DyeType1]\nColor=red\nName=" + QByteArray(ending))),
-                  (Dyes{{QString::fromLatin1(ending).trimmed(), red}}));
+                  (Dyes{{QString::fromLatin1(ending).trimmed(), plainRed}}));
 }
 
 TEST_F(CustomDyes, FilesWrittenByOthersAreRead) {
@@ -161,15 +164,16 @@ TEST_F(CustomDyes, FilesWrittenByOthersAreRead) {
     const QByteArray a = "[DyeType1]~Name=a~Color=red~", b = "[DyeType2]~Name=b~Color=#00ff80~",
                      c = "[DyeType3]~Name=c~Color=nonsense~";
     const Case cases[] = {
-        {"Number=3~" + a + b + c, {{"a", red}, {"b", green}, {"c", {}}}},
-        {"Number=2~" + c + b + a, {{"a", red}, {"b", green}}},
-        {"Number=4~" + a + b + c, {{"a", red}, {"b", green}, {"c", {}}, {"", {}}}},
-        {"Number=3~" + a + c, {{"a", red}, {"c", {}}, {"", {}}}},
-        {"Number=2~" + a + "[DyeType2]~Name=a~Color=#00ff80~", {{"a", green}}},
+        {"Number=3~" + a + b + c, {{"a", plainRed}, {"b", plainGreen}, {"c", {}}}},
+        {"Number=2~" + c + b + a, {{"a", plainRed}, {"b", plainGreen}}},
+        {"Number=4~" + a + b + c, {{"a", plainRed}, {"b", plainGreen}, {"c", {}}, {"", {}}}},
+        {"Number=3~" + a + c, {{"a", plainRed}, {"c", {}}, {"", {}}}},
+        {"Number=2~" + a + "[DyeType2]~Name=a~Color=#00ff80~", {{"a", plainGreen}}},
         {"Number=2~" + a + "[DyeType2]~Name=a~", {{"a", {}}}},
-        {"Number=2~[DyeType2]~Color=red~", {{"", red}}},
+        {"Number=2~[DyeType2]~Color=red~", {{"", plainRed}}},
         {"Number=3~[DyeType2]~Color=red~", {{"", {}}}},
-        {"Number=2~[DyeType0]~Name=z~[DyeType-1]~Name=m~" + a + b, {{"a", red}, {"b", green}}},
+        {"Number=2~[DyeType0]~Name=z~[DyeType-1]~Name=m~" + a + b,
+         {{"a", plainRed}, {"b", plainGreen}}},
         {"Number=1~[DyeType01]~Name=a~Color=red~", {{"", {}}}},
         {"Number=1~[dyetype1]~Name=a~[DyeType1]~name=b~", {{"", {}}}},
         // No number of dyes.
@@ -180,11 +184,11 @@ TEST_F(CustomDyes, FilesWrittenByOthersAreRead) {
         {"Number=2147483648~" + a, {}},
         {a + b, {}},
         // More than could be read one by one in time.
-        {"Number=2000000000~" + a + b, {{"a", red}, {"b", green}, {"", {}}}},
-        {"Number=2000000000~[DyeType2000000000]~Color=red~" + a, {{"a", red}, {"", red}}},
+        {"Number=2000000000~" + a + b, {{"a", plainRed}, {"b", plainGreen}, {"", {}}}},
+        {"Number=2000000000~[DyeType2000000000]~Color=red~" + a, {{"a", plainRed}, {"", plainRed}}},
         {"Number=2000000000~[DyeType1999999999]~Color=red~", {{"", {}}}},
         {"Number=2147483647~[DyeType2147483648]~Name=z~[DyeType2147483647]~Name=y~" + b,
-         {{"b", green}, {"y", {}}, {"", {}}}},
+         {{"b", plainGreen}, {"y", {}}, {"", {}}}},
         {"Number=2147483647~", {{"", {}}}}};
     for (const Case& known : cases)
         EXPECT_EQ(load(fileOf(QByteArray(known.text).replace('~', '\n'))), known.dyes)
@@ -223,7 +227,7 @@ TEST_F(CustomDyes, PathsThatCannotBeUsedAreEmptyFiles) {
     for (const QString& path : {freshPath(), folder.path(), inFile, QString()})
         EXPECT_EQ(load(path), Dyes()) << qPrintable(path);
     for (const QString& path : {folder.path(), inFile, QString("/proc/dyes.ini")}) {
-        save({{"a", red}}, path);
+        save({{"a", plainRed}}, path);
         EXPECT_EQ(load(path), Dyes());
         EXPECT_FALSE(QFileInfo(path).isFile());
     }
@@ -232,8 +236,8 @@ TEST_F(CustomDyes, PathsThatCannotBeUsedAreEmptyFiles) {
     // A file that may not be written is replaced all the same, as long as its folder may be.
     QFile readOnly(fileOf("Number=0\n"));
     ASSERT_TRUE(readOnly.setPermissions(QFile::ReadOwner));
-    save({{"a", red}}, readOnly.fileName());
-    EXPECT_EQ(load(readOnly.fileName()), (Dyes{{"a", red}}));
+    save({{"a", plainRed}}, readOnly.fileName());
+    EXPECT_EQ(load(readOnly.fileName()), (Dyes{{"a", plainRed}}));
 }
 
 #ifdef Q_OS_UNIX
@@ -275,8 +279,11 @@ TEST_F(CustomDyes, AFailedSaveIsForgotten) {
          [](auto&) { setRoomForFiles(true); }, false},
 #endif
     };
-    const Dyes old = {{"old", red}, {"older", red}},
-               lost = {{"a", green}, {"b", green}, {"c", green}, {"d", green}, {"e", green}};
+    const Dyes old = {{"old", plainRed}, {"older", plainRed}}, lost = {{"a", plainGreen},
+                                                                       {"b", plainGreen},
+                                                                       {"c", plainGreen},
+                                                                       {"d", plainGreen},
+                                                                       {"e", plainGreen}};
     for (const Obstacle& obstacle : obstacles) {
         SCOPED_TRACE(obstacle.name);
         const QString path = freshPath();
@@ -293,8 +300,8 @@ TEST_F(CustomDyes, AFailedSaveIsForgotten) {
         EXPECT_EQ(load(path), during);
         EXPECT_EQ(QFile::exists(path), obstacle.keepsTheFile);
         EXPECT_TRUE(!obstacle.keepsTheFile || bytesOf(path) == bytes);
-        save({{"new", red}}, path);
-        EXPECT_EQ(loadCopy(path), (Dyes{{"new", red}}));
+        save({{"new", plainRed}}, path);
+        EXPECT_EQ(loadCopy(path), (Dyes{{"new", plainRed}}));
     }
 
     // Nor does it write what the host has set on the path and not written yet.

@@ -16,8 +16,6 @@
 namespace apps {
 namespace {
 
-constexpr int colours = 256;
-
 struct NamedMap {
     const char* name;
     cv::ColormapTypes map;
@@ -50,18 +48,18 @@ constexpr NamedMap namedMaps[] = {
 
 QVector<QColor> grayColours() {
     QVector<QColor> table;
-    for (int level = 0; level < colours; ++level)
+    for (int level = 0; level < tableColours; ++level)
         table << QColor(level, level, level);
     return table;
 }
 
 QVector<QColor> mapColours(cv::ColormapTypes map) {
-    std::array<unsigned char, colours> ramp{};
+    std::array<unsigned char, tableColours> ramp{};
     std::iota(ramp.begin(), ramp.end(), static_cast<unsigned char>(0));
     cv::Mat shown;
-    cv::applyColorMap(cv::Mat(1, colours, CV_8UC1, ramp.data()), shown, map);
+    cv::applyColorMap(cv::Mat(1, tableColours, CV_8UC1, ramp.data()), shown, map);
     QVector<QColor> table;
-    for (int i = 0; i < colours; ++i) {
+    for (int i = 0; i < tableColours; ++i) {
         const auto bgr = shown.at<cv::Vec3b>(0, i);
         table << QColor(bgr[2], bgr[1], bgr[0]);
     }
@@ -71,8 +69,8 @@ QVector<QColor> mapColours(cv::ColormapTypes map) {
 QVector<QColor> binaryTable(const QByteArray& bytes) {
     const auto at = [&](int i) { return static_cast<unsigned char>(bytes.at(i)); };
     QVector<QColor> table;
-    for (int i = 0; i < colours; ++i)
-        table << QColor(at(i), at(colours + i), at(2 * colours + i));
+    for (int i = 0; i < tableColours; ++i)
+        table << QColor(at(i), at(tableColours + i), at(2 * tableColours + i));
     return table;
 }
 
@@ -98,7 +96,7 @@ QVector<QColor> textTable(const QByteArray& bytes) {
 
 QVector<QColor> fileTable(const QString& file) {
     constexpr qint64 longest = 65536; // far more than any table has
-    constexpr int header = 32, binary = 3 * colours;
+    constexpr int header = 32, binary = 3 * tableColours;
     QFile device(file);
     if (!QFileInfo(file).isFile() || !device.open(QIODevice::ReadOnly))
         throw Failure(QStringLiteral("%1: cannot be read as a colour table").arg(shown(file)));
@@ -108,7 +106,7 @@ QVector<QColor> fileTable(const QString& file) {
     if (bytes.size() == header + binary && bytes.startsWith("ICOL"))
         return binaryTable(bytes.mid(header));
     const QVector<QColor> table = textTable(bytes);
-    if (table.size() != colours)
+    if (table.size() != tableColours)
         throw Failure(QStringLiteral("%1: is no colour table: neither 768 bytes nor 256 lines of "
                                      "red, green and blue")
                           .arg(shown(file)));

@@ -8,6 +8,9 @@
 
 namespace apps {
 
+/// Colours in a table.
+constexpr int tableColours = 256;
+
 /// 256 colours from black over violet, red and orange to a pale yellow.
 ///
 /// Their perceived lightness (L of the OKLab colour space) rises in equal steps, so equal steps of

@@ -7,7 +7,6 @@
 namespace apps {
 namespace {
 
-constexpr int colours = 256;
 constexpr double pi = 3.14159265358979323846;
 
 using Rgb = std::array<double, 3>;
@@ -50,8 +49,8 @@ int screenValue(double linear) {
 QVector<QColor> evenColours() {
     constexpr double brightest = 0.97, firstHue = 280 * pi / 180, lastHue = (360 + 105) * pi / 180;
     QVector<QColor> table;
-    for (int i = 0; i < colours; ++i) {
-        const double t = i / (colours - 1.0);
+    for (int i = 0; i < tableColours; ++i) {
+        const double t = i / (tableColours - 1.0);
         const double hue = firstHue + (lastHue - firstHue) * t;
         const Rgb colour = shownColour(brightest * t, hue, 0.06 + 0.14 * std::sin(pi * t));
         table << QColor(screenValue(colour[0]), screenValue(colour[1]), screenValue(colour[2]));
