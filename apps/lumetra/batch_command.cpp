@@ -68,7 +68,7 @@ Batch prepare(const BatchOptions& options) {
     if (batch.fields.empty())
         return batch;
 
-    keepInputs(batch.fields, {options.log, options.progress});
+    keepInputs(batch.fields, {text(options.log), text(options.progress)});
     say(options, fieldList(batch.fields));
     shareLevels(batch, options);
     batch.fields = shardOf(batch.fields, text(options.shard));
@@ -98,6 +98,8 @@ QString mergeLine(const Field& field, const Batch& batch, const BatchOptions& op
         if (!input.channel.visible)
             more << QStringLiteral("--hide") << QString::number(i + 1);
     }
+    if (!options.log.empty())
+        more << QStringLiteral("--log") << text(options.log);
     return shellLine(words + more + options.picture.words() +
                      QStringList{"-o", field.files.output});
 }

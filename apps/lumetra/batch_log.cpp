@@ -12,7 +12,8 @@ namespace apps {
 namespace {
 
 const QString outputKey = QStringLiteral("output"), outcomeKey = QStringLiteral("outcome"),
-              reasonKey = QStringLiteral("reason"), bytesKey = QStringLiteral("bytes"),
+              reasonKey = QStringLiteral("reason"), channelsKey = QStringLiteral("channels"),
+              methodKey = QStringLiteral("method"), bytesKey = QStringLiteral("bytes"),
               timeKey = QStringLiteral("milliseconds"), doneOutcome = QStringLiteral("done");
 
 QJsonObject parsed(const QByteArray& json) { return QJsonDocument::fromJson(json).object(); }
@@ -21,23 +22,34 @@ QByteArray lineOf(const QJsonObject& object) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
+[[noreturn]] void fail(const QFile& file) {
+    throw Failure(QStringLiteral("%1: %2").arg(shown(file.fileName()), file.errorString()));
+}
+
+QList<QByteArray> linesOf(const QString& name) {
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        fail(file);
+    return file.readAll().split('\n');
+}
+
 } // namespace
 
 BatchLog::BatchLog(const QString& file, bool resume) {
     if (file.isEmpty())
         return;
     file_.setFileName(file);
-    if (!file_.open(QIODevice::ReadWrite))
-        throw Failure(QStringLiteral("%1: %2").arg(shown(file), file_.errorString()));
-    bool endsInLine = true;
-    while (!file_.atEnd()) {
-        const QByteArray line = file_.readLine();
-        endsInLine = line.endsWith('\n');
-        const QJsonObject object = resume ? parsed(line) : QJsonObject();
-        if (object[outcomeKey].toString() == doneOutcome)
-            doneByOutput_[object[outputKey].toString()] = object;
-    }
-    if (!endsInLine) // a run was killed while it wrote
+    if (!file_.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered))
+        fail(file_);
+    if (resume)
+        for (const QByteArray& line : linesOf(file)) {
+            const QJsonObject object = parsed(line);
+            if (object[outcomeKey].toString() == doneOutcome)
+                doneByOutput_[object[outputKey].toString()] = object;
+        }
+    // A run may have been killed while it wrote.
+    char last = '\n';
+    if (file_.size() > 0 && file_.seek(file_.size() - 1) && file_.getChar(&last) && last != '\n')
         file_.write("\n");
 }
 
@@ -55,8 +67,8 @@ void BatchLog::add(const QJsonObject& line) {
     if (!file_.isOpen())
         return;
     const QByteArray bytes = lineOf(line);
-    if (file_.write(bytes) != bytes.size() || !file_.flush())
-        throw Failure(QStringLiteral("%1: %2").arg(shown(file_.fileName()), file_.errorString()));
+    if (file_.write(bytes) != bytes.size())
+        fail(file_);
 }
 
 void BatchLog::addDone(QJsonObject work, qint64 milliseconds) {
@@ -83,7 +95,7 @@ QJsonObject workOf(const Field& field, const Recipe& recipe) {
             {"bytes", static_cast<double>(info.size())},
             {"modified", static_cast<double>(info.lastModified().toMSecsSinceEpoch())}};
         QJsonObject channel = parsed(channelJson(input.channel));
-        channel["method"] = recipe.levels[i].text();
+        channel[methodKey] = recipe.levels[i].text();
         channels << channel;
     }
     QJsonObject options{{"page", recipe.pages.number},
@@ -91,8 +103,36 @@ QJsonObject workOf(const Field& field, const Recipe& recipe) {
                         {"legend", recipe.annotation.legend}};
     if (const auto& bar = recipe.annotation.scaleBar)
         options["scale bar"] = QJsonArray{bar->micrometres, bar->pixelSize};
-    return {{"field", field.name},  {"inputs", inputs},   {outputKey, field.files.output},
-            {"channels", channels}, {"options", options}, {"version", LUMETRA_VERSION}};
+    return {{"field", field.name},   {"inputs", inputs},   {outputKey, field.files.output},
+            {channelsKey, channels}, {"options", options}, {"version", LUMETRA_VERSION}};
+}
+
+std::vector<LoggedPicture> readLog(const QString& file) {
+    std::vector<LoggedPicture> pictures;
+    const DyeList dyes;
+    for (const QByteArray& line : linesOf(file)) {
+        const QJsonObject object = parsed(line);
+        if (!object[outputKey].isString() || !object[outcomeKey].isString())
+            continue;
+        LoggedPicture picture;
+        picture.output = object[outputKey].toString();
+        if (object[outcomeKey].toString() != doneOutcome)
+            picture.reason = object[reasonKey].toString(QStringLiteral("failed"));
+        QJsonArray channels;
+        for (const QJsonValue channel : object[channelsKey].toArray()) {
+            QJsonObject settings = channel.toObject();
+            picture.methods << settings.take(methodKey).toString();
+            channels << settings;
+        }
+        try {
+            const QByteArray json = QJsonDocument(QJsonObject{{channelsKey, channels}}).toJson();
+            picture.channels = parseSettings(json, dyes).channels;
+        } catch (const Failure&) {
+            picture.methods.clear(); // the line of another version; what became of it still holds
+        }
+        pictures.push_back(std::move(picture));
+    }
+    return pictures;
 }
 
 } // namespace apps

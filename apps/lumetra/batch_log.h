@@ -11,7 +11,8 @@
 
 namespace apps {
 
-/// A file of JSON, one line for each field that was done or failed. Safe from any thread.
+/// A file of JSON, one line for each field that was done or failed. Safe from any thread, and for
+/// several programs at once: a line is appended in one piece.
 class BatchLog {
 public:
     /// @param file    May be empty: then nothing is kept.
@@ -35,5 +36,18 @@ private:
 
 /// Everything that the bytes of a field's picture depend on.
 QJsonObject workOf(const Field& field, const Recipe& recipe);
+
+/// What a log says of a picture.
+struct LoggedPicture {
+    QString output;
+    QString reason;                ///< Why it failed; empty if it is done.
+    std::vector<Channel> channels; ///< With their levels where these were known beforehand.
+    QStringList methods;           ///< How the levels of each channel were found.
+};
+
+/// What a log says, in the order of its lines. What is no line of a log is passed over, since a
+/// program that was killed may have left a part of one.
+/// @throws Failure with the file's name if it cannot be read.
+std::vector<LoggedPicture> readLog(const QString& file);
 
 } // namespace apps

@@ -24,8 +24,9 @@ void addDataSetOptions(BatchOptions& options, CLI::App& command);
 std::vector<Field> requestedFields(const BatchOptions& options,
                                    const std::vector<Channel>& channels);
 
-/// @throws Failure if a file that is to be written, by its name, is a file of one of the fields.
-void keepInputs(const std::vector<Field>& fields, const std::vector<std::string>& written);
+/// @throws Failure if a file that is to be written is one of those that are read.
+void keepInputs(const std::vector<ChannelFile>& inputs, const QStringList& written);
+void keepInputs(const std::vector<Field>& fields, const QStringList& written);
 
 /// Tells the fields with a problem, one in a line, and their number.
 void tellProblems(const std::vector<Field>& fields);

@@ -26,6 +26,7 @@ void addPseudoCommand(CLI::App& program, Action& action);
 void addMergeCommand(CLI::App& program, Action& action);
 void addLevelsCommand(CLI::App& program, Action& action);
 void addBatchCommand(CLI::App& program, Action& action);
+void addGalleryCommand(CLI::App& program, Action& action);
 
 /// Text on pictures needs Qt's fonts; null if there is none to draw.
 std::unique_ptr<QGuiApplication> fontsFor(bool hasText);

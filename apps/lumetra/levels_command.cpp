@@ -25,7 +25,7 @@ int measure(const BatchOptions& options) {
     std::vector<Field> fields = requestedFields(options, settings.channels);
     if (fields.empty())
         return nothingMatched;
-    keepInputs(fields, {options.output, options.progress});
+    keepInputs(fields, {output, text(options.progress)});
 
     DataSetLevels levels;
     {
@@ -85,14 +85,18 @@ std::vector<Field> requestedFields(const BatchOptions& options,
     return fields;
 }
 
-void keepInputs(const std::vector<Field>& fields, const std::vector<std::string>& written) {
-    QStringList inputs;
+void keepInputs(const std::vector<ChannelFile>& inputs, const QStringList& written) {
+    QStringList names;
+    for (const ChannelFile& input : inputs)
+        names << input.file;
+    for (const QString& file : written)
+        if (QFileInfo(file).isFile()) // a pipe is nobody's picture
+            checkOutput(file, names, true);
+}
+
+void keepInputs(const std::vector<Field>& fields, const QStringList& written) {
     for (const Field& field : fields)
-        for (const ChannelFile& input : field.files.inputs)
-            inputs << input.file;
-    for (const std::string& file : written)
-        if (QFileInfo(text(file)).isFile()) // a pipe is nobody's picture
-            checkOutput(text(file), inputs, true);
+        keepInputs(field.files.inputs, written);
 }
 
 void tellProblems(const std::vector<Field>& fields) {

@@ -56,6 +56,7 @@ int parseAndRun(int argc, char** argv) {
     addMergeCommand(program, action);
     addLevelsCommand(program, action);
     addBatchCommand(program, action);
+    addGalleryCommand(program, action);
     try {
         program.parse(argc, argv);
     } catch (const CLI::Success& success) { // help or version

@@ -5,6 +5,8 @@
 #include "apps/common/failure.h"
 #include "apps/common/messages.h"
 #include "apps/common/writing.h"
+#include "apps/lumetra/batch_log.h"
+#include "apps/lumetra/batch_options.h"
 #include "apps/lumetra/commands.h"
 #include "apps/lumetra/options.h"
 #include "apps/lumetra/picture_maker.h"
@@ -16,6 +18,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 
 namespace apps {
@@ -24,7 +27,7 @@ namespace {
 struct CommandOptions {
     PictureOptions picture;
     std::vector<std::string> channels;
-    std::string file, table, range;
+    std::string file, table, range, log;
     bool reversed = false, dominant = false;
 };
 
@@ -63,8 +66,26 @@ std::vector<ChannelFile> channelFiles(const QStringList& words,
     return files;
 }
 
+/// Makes a picture, and keeps what became of it if there is a log.
+QString makeLogged(const PictureFiles& files, const Recipe& recipe, BatchLog& log) {
+    const QJsonObject work =
+        workOf({QFileInfo(files.output).completeBaseName(), {}, files, {}}, recipe);
+    QElapsedTimer timer;
+    timer.start();
+    try {
+        QString size = PictureMaker(recipe).make(files);
+        log.addDone(work, timer.elapsed());
+        return size;
+    } catch (const Interrupted&) {
+        throw;
+    } catch (...) {
+        log.addFailed(work, timer.elapsed(), currentReason());
+        throw;
+    }
+}
+
 /// Makes one picture of files of gray channels.
-int makePicture(const PictureOptions& options, const QStringList& words) {
+int makePicture(const PictureOptions& options, const QStringList& words, const QString& logFile) {
     const DyeList dyes = options.dyes();
     const auto settings = options.settings(dyes);
     PictureFiles files{channelFiles(words, settings, dyes), options.outputFile()};
@@ -77,9 +98,10 @@ int makePicture(const PictureOptions& options, const QStringList& words) {
     for (std::size_t i = 0; i < channels.size(); ++i)
         files.inputs[i].channel = channels[i];
     const auto fonts = fontsFor(!recipe.annotation.isEmpty());
+    keepInputs(files.inputs, {logFile});
     removeLeftovers({files.output});
-    PictureMaker maker(recipe);
-    report(options, maker.make(files));
+    BatchLog log(logFile, false);
+    report(options, makeLogged(files, recipe, log));
     return done;
 }
 
@@ -134,7 +156,7 @@ int dye(const CommandOptions& options) {
     const ChannelStacks stacks({input}, options.picture.pages());
     if (stacks.any(0, 0).channels() > 1)
         return dyeColours(options, input, stacks);
-    return makePicture(options.picture, {text(options.file)});
+    return makePicture(options.picture, {text(options.file)}, QString());
 }
 
 /// The range that a table is spread over: one for all pages; none where it is each picture's own.
@@ -272,9 +294,16 @@ void addMergeCommand(CLI::App& program, Action& action) {
     options->picture.addHidden(command);
     options->picture.addLegend(command);
     options->picture.addCustomDyes(command);
+    command
+        .add_option("--log", options->log,
+                    "Appends a line of JSON as 'lumetra batch' does; several programs may share "
+                    "one file on a disk of their own machine")
+        ->type_name("FILE");
     command.footer("example: lumetra merge nuclei.tif=DAPI actin.tif=FITC+3-2 -o cells.png");
     command.callback([&action, options] {
-        action = [options] { return makePicture(options->picture, texts(options->channels)); };
+        action = [options] {
+            return makePicture(options->picture, texts(options->channels), text(options->log));
+        };
     });
 }
 

@@ -1,0 +1,140 @@
+# Pages of pictures, and the logs that they are made from.
+
+bats_require_minimum_version 1.5.0
+load setup.bash
+
+# Every file that a page names, one in a line, as a browser would find it.
+named_by() {
+  grep -oE '(href|src)="[^"#][^"]*"' "$1" | sed -E 's/^[a-z]+="//; s/"$//; s/\+/%2B/g; s/%/\\x/g' |
+    while read -r name; do
+      printf '%b\n' "$(dirname "$1")/$name"
+    done
+}
+
+pictures() { # usage: pictures NAME...    a picture file under each of the names
+  for name in "$@"; do
+    mkdir -p "$(dirname "$name")"
+    cp b.png "$name"
+  done
+}
+
+@test "a gallery links each picture, whatever its name, and a small one of it" {
+  pictures out/plain.png "out/a b/it's <b>&amp; \"x\" 100%.png" out/a+b#1?.png out/é:ü.png
+  cp a.tif out/deep.tif
+  cp stack.tif out/stack.TIFF
+  cp colour.jpg out/c.jpg
+  touch out/notes.txt
+  lumetra gallery out -o index.html --quiet
+  named_by index.html >named
+  [ "$(wc -l <named)" = 14 ]
+  while read -r file; do
+    echo "$file"
+    [ -s "$file" ]
+  done <named
+  [ "$(grep -c '^\./index_thumbnails/' named)" = 7 ]
+  run ! grep -q '<b>&amp; ' index.html # a name is no markup
+  lumetra info index_thumbnails/deep.tif.jpg | grep -q ' 8 bits'
+  # From another folder, of the page and of the one who asks.
+  mkdir -p pages
+  (cd pages && lumetra gallery ../out -o here.html --quiet)
+  named_by pages/here.html | while read -r file; do [ -s "$file" ]; done
+  # Its own thumbnails, and those of other pages, are no pictures.
+  lumetra gallery out -o out/index.html --quiet
+  lumetra gallery out -o out/index.html --quiet --overwrite
+  [ "$(named_by out/index.html | wc -l)" = 14 ]
+}
+
+@test "a thumbnail is made anew for a picture that is another one, and kept otherwise" {
+  pictures out/one.png out/two.png
+  lumetra gallery out -o index.html --quiet
+  sum=$(sha256sum <index_thumbnails/one.png.jpg)
+  before=$(stat -c %i index_thumbnails/two.png.jpg)
+  lumetra dye c.tif=FITC -o out/one.png --overwrite --quiet
+  touch -d '2001-01-01' out/one.png # older than the thumbnail, and yet another picture
+  lumetra gallery out -o index.html --quiet --overwrite
+  run ! [ "$sum" = "$(sha256sum <index_thumbnails/one.png.jpg)" ]
+  [ "$before" = "$(stat -c %i index_thumbnails/two.png.jpg)" ]
+}
+
+@test "wells are set in rows and columns, plate by plate" {
+  pictures out/P01_B03_F01.png out/P01_B03_F02.png out/P01_C11_F01.png out/P02_AA02_F01.png out/x.png
+  lumetra gallery out -o index.html --quiet
+  grep -q '<h2>P01</h2>' index.html
+  grep -q '<h2>P02</h2>' index.html
+  grep -q '<h2>Without a well</h2>' index.html
+  tr -d '\n' <index.html >page
+  # Nine columns from 3 to 11, two rows; the first well holds two pictures, the last one one.
+  grep -qE '<span>3</span>.*<span>11</span></div><div class="row"><b class="head">B</b><div class="well"><a[^>]*B03_F01\.png".*B03_F02\.png"' page
+  grep -qE '<b class="head">C</b>(<div class="well"></div>){8}<div class="well"><a[^>]*C11_F01\.png"' page
+  grep -qE '<b class="head">AA</b><div class="well"><a[^>]*AA02' page
+  lumetra gallery out -o list.html --quiet --list
+  run ! grep -q 'class="well"' list.html
+  pictures names/Well1.png names/T100.png names/B03x.png names/2B03.png # nothing of it is a well
+  lumetra gallery names -o names.html --quiet
+  run ! grep -q 'class="well"' names.html
+}
+
+@test "what a batch logged is told: channels, levels, and broken fields with their reason" {
+  rm plate/f03_actin.tif
+  head -c 9000 plate/f05_dapi.tif >cut
+  mv cut plate/f05_dapi.tif
+  run plate -o 'out/{field}.png' --log log --quiet
+  run --separate-stderr lumetra gallery out -o index.html --log log
+  [ "$status" = 0 ]
+  [ "$stderr" = "lumetra: index.html: 10 pictures, 2 of them broken" ]
+  grep -q 'dapi: DAPI <span class="muted">levels [0-9]* to [0-9]*<' index.html
+  grep -q '>f03</a>: the channel &quot;actin&quot; is missing' index.html
+  grep -q '>f05</a>: plate/f05_dapi.tif' index.html
+  [ "$(grep -c 'class="tile broken"' index.html)" = 2 ]
+  # The last word counts: mended and made again; and what was made may have gone.
+  cp plate/f04_dapi.tif plate/f05_dapi.tif
+  run plate -o 'out/{field}.png' --log log --quiet --resume
+  rm out/f00.png
+  lumetra gallery out -o index.html --log log --quiet --overwrite
+  grep -q '>f00</a>: was made, and is not there any more' index.html
+  run ! grep -q 'f05</a>:' index.html
+  plate -o 'own/{field}.png' --log own.log --quiet --levels-over field || true
+  lumetra gallery own -o own.html --log own.log --quiet
+  grep -q 'levels of each picture (clip:0.1)' own.html
+  lumetra gallery out -o set.html --quiet --settings <(printf \
+    '{"channels":[{"dye":"FITC","levels":[7,9]}],"measured":{"method":"auto","files":20}}')
+  grep -q 'FITC <span class="muted">levels 7 to 9<' set.html
+  grep -q 'Levels measured over 20 files (auto)' set.html
+}
+
+@test "lines of a dry run that work at the same time share a log" {
+  mv plate/f09_actin.tif kept.tif
+  cp small.png plate/f09_actin.tif
+  mkdir out
+  plate --levels 9:60000 -o 'out/{field}.png' --quiet --log 'the log' --dry-run >lines.sh
+  [ "$(wc -l <lines.sh)" = 10 ]
+  printf '{"half a line' >'the log'
+  xargs -d '\n' -P 10 -I{} sh -c {} <lines.sh 2>errors || true
+  [ "$(grep -c '"outcome":"done"' 'the log')" = 9 ]
+  grep -q '"field":"f09".*"outcome":"failed".*different sizes' 'the log'
+  lumetra gallery out -o index.html --log 'the log' --quiet
+  [ "$(grep -c 'class="tile broken"' index.html)" = 1 ]
+  grep -q '>f09</a>: .*different sizes' index.html
+  before=$(sum plate)
+  fails 1 "is an input" lumetra merge plate/f01_dapi.tif=DAPI -o x.png --log plate/f01_dapi.tif
+  [ "$before" = "$(sum plate)" ]
+}
+
+@test "what makes no gallery is refused, and a broken picture is told by name" {
+  mkdir empty
+  pictures out/a.png
+  fails 3 "no picture in empty" lumetra gallery empty -o index.html
+  fails 1 "nowhere: is no folder" lumetra gallery nowhere -o index.html
+  fails 1 "written as .html" lumetra gallery out -o out/a.png --overwrite
+  fails 1 "nolog" lumetra gallery out -o index.html --log nolog
+  echo mine >index.html
+  fails 1 "--overwrite" lumetra gallery out -o index.html
+  [ "$(cat index.html)" = mine ]
+  head -c 300 b.png >out/cut.png
+  run --separate-stderr lumetra gallery out -o index.html --overwrite --quiet
+  [ "$status" = 1 ]
+  [[ $stderr == *"out/cut.png"* ]]
+  grep -q '>cut</a>: out/cut.png' index.html
+  grep -q 'href="out/a.png"' index.html
+  fails 1 "cannot be written" lumetra gallery out -o b.png/index.html
+}
