@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -80,6 +81,23 @@ cv::Mat plainPicture(const cv::Mat& dapi, const cv::Mat& actin) {
     return tinted(dapi, {255, 107, 0}) + tinted(actin, {0, 255, 29});
 }
 
+/// What is done with each field.
+struct Work {
+    bool reads, makes, writes;
+};
+
+std::optional<Work> workNamed(const std::string& name) {
+    if (name == "read")
+        return Work{true, false, false};
+    if (name == "write")
+        return Work{false, false, true};
+    if (name == "floor")
+        return Work{true, false, true};
+    if (name == "plain")
+        return Work{true, true, true};
+    return std::nullopt;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -88,21 +106,29 @@ int main(int argc, char** argv) {
         makeFields(argv[2], std::atoi(argv[3]));
         return 0;
     }
-    if (argc != 7 || (mode != "floor" && mode != "plain")) {
-        std::fputs("usage: fields_bench make FOLDER COUNT\n"
-                   "       fields_bench floor|plain FOLDER COUNT OUT EXTENSION THREADS\n",
-                   stderr);
+    const std::optional<Work> work = workNamed(mode);
+    if (argc != 7 || !work) {
+        std::fputs(
+            "usage: fields_bench make FOLDER COUNT\n"
+            "       fields_bench read|write|floor|plain FOLDER COUNT OUT EXTENSION THREADS\n",
+            stderr);
         return 2;
     }
     const std::string folder = argv[2], out = argv[4], extension = argv[5];
     cv::setNumThreads(1);
     std::filesystem::create_directories(out);
-    const cv::Mat finished = plainPicture(cv::imread(input(folder, 0, "dapi"), asItIs),
-                                          cv::imread(input(folder, 0, "actin"), asItIs));
+    cv::Mat finished;
+    if (work->writes && !work->makes)
+        finished = plainPicture(cv::imread(input(folder, 0, "dapi"), asItIs),
+                                cv::imread(input(folder, 0, "actin"), asItIs));
     runThreads(std::atoi(argv[6]), std::atoi(argv[3]), [&](int field) {
-        const cv::Mat dapi = cv::imread(input(folder, field, "dapi"), asItIs);
-        const cv::Mat actin = cv::imread(input(folder, field, "actin"), asItIs);
-        cv::imwrite(out + '/' + std::to_string(field) + extension,
-                    mode == "floor" ? finished : plainPicture(dapi, actin));
+        cv::Mat dapi, actin;
+        if (work->reads) {
+            dapi = cv::imread(input(folder, field, "dapi"), asItIs);
+            actin = cv::imread(input(folder, field, "actin"), asItIs);
+        }
+        if (work->writes)
+            cv::imwrite(out + '/' + std::to_string(field) + extension,
+                        work->makes ? plainPicture(dapi, actin) : finished);
     });
 }

@@ -12,6 +12,7 @@ import time
 LUMETRA, BENCH, FOLDER = sys.argv[1:4]
 FIELDS = int(sys.argv[4]) if len(sys.argv) > 4 else 200
 JOBS = len(os.sched_getaffinity(0))
+JOBS_TRIED = sorted({1, JOBS})
 LEVELS = "200:3200"  # given, so that one pass is measured beside one pass
 
 
@@ -26,18 +27,18 @@ def run(command):
             usage.ru_maxrss / 1024)
 
 
-def batch(count, extension):
+def batch(count, extension, jobs=JOBS):
     data, out = f"{FOLDER}/{count}", f"{FOLDER}/out"
     shutil.rmtree(out, ignore_errors=True)
     return run([LUMETRA, "batch", data + "/{field}_{channel}.tif", "--channel", "dapi=DAPI",
-                "--channel", "actin=FITC", "--levels", LEVELS, "--quiet", "--jobs", str(JOBS),
+                "--channel", "actin=FITC", "--levels", LEVELS, "--quiet", "--jobs", str(jobs),
                 "-o", out + "/{field}" + extension])
 
 
-def beside(mode, count, extension):
+def beside(mode, count, extension, jobs=JOBS):
     out = f"{FOLDER}/out"
     shutil.rmtree(out, ignore_errors=True)
-    return run([BENCH, mode, f"{FOLDER}/{count}", str(count), out, extension, str(JOBS)])
+    return run([BENCH, mode, f"{FOLDER}/{count}", str(count), out, extension, str(jobs)])
 
 
 def best(measure, *arguments, times=2):
@@ -45,22 +46,48 @@ def best(measure, *arguments, times=2):
     return min(results)
 
 
-few = max(FIELDS // 10, 1)
-for size in (few, FIELDS):
+def against_floor(few):
+    print(f"{FIELDS} fields of 2 x 2048 x 2048 pixels, 16 bits, {JOBS} at once; fields a second, "
+          "the better of two runs")
+    print("| to | lumetra batch | reading and writing alone | share of that "
+          "| share by processor time | plain OpenCV program | MiB for "
+          f"{few} | MiB for {FIELDS} |")
+    print("|---|---|---|---|---|---|---|---|")
+    for extension in (".png", ".tif"):
+        seconds, work, many = best(batch, FIELDS, extension)
+        memory = batch(few, extension)[-1]
+        floor, floor_work, _ = best(beside, "floor", FIELDS, extension)
+        plain = best(beside, "plain", FIELDS, extension)[0]
+        print(f"| {extension[1:].upper()} | {FIELDS / seconds:.1f} | {FIELDS / floor:.1f} "
+              f"| {floor / seconds:.2f} | {floor_work / work:.2f} | {FIELDS / plain:.1f} "
+              f"| {memory:.0f} | {many:.0f} |", flush=True)
+
+
+def by_cores(count):
+    """What a field costs, and how that spreads over cores."""
+    print(f"{count} fields of the same, by cores; milliseconds of a processor for each field")
+    print("| to | " + "".join(f"fields a second, {jobs} at once | MiB | " for jobs in JOBS_TRIED)
+          + "reading | writing | all else |")
+    print("|---|" + "---|---|" * len(JOBS_TRIED) + "---|---|---|")
+    for extension in (".png", ".tif"):
+        row = []
+        for jobs in JOBS_TRIED:
+            seconds, work, memory = best(batch, count, extension, jobs)
+            row += [f"{count / seconds:.1f}", f"{memory:.0f}"]
+            if jobs == 1:
+                total = work
+        reading = best(beside, "read", count, extension, 1)[1]
+        writing = best(beside, "write", count, extension, 1)[1]
+        for part in (reading, writing, total - reading - writing):
+            row.append(f"{1000 * part / count:.0f}")
+        print(f"| {extension[1:].upper()} | " + " | ".join(row) + " |", flush=True)
+
+
+few, some = max(FIELDS // 10, 1), max(FIELDS // 4, 1)
+for size in (few, some, FIELDS):
     if not os.path.isdir(f"{FOLDER}/{size}"):
         subprocess.run([BENCH, "make", f"{FOLDER}/{size}", str(size)], check=True)
-
-print(f"{FIELDS} fields of 2 x 2048 x 2048 pixels, 16 bits, {JOBS} at once; fields a second, "
-      "the better of two runs")
-print("| to | lumetra batch | reading and writing alone | share of that | share by processor time "
-      f"| plain OpenCV program | MiB for {few} | MiB for {FIELDS} |")
-print("|---|---|---|---|---|---|---|---|")
-for extension in (".png", ".tif"):
-    seconds, work, many = best(batch, FIELDS, extension)
-    memory = batch(few, extension)[-1]
-    floor, floor_work, _ = best(beside, "floor", FIELDS, extension)
-    plain = best(beside, "plain", FIELDS, extension)[0]
-    print(f"| {extension[1:].upper()} | {FIELDS / seconds:.1f} | {FIELDS / floor:.1f} "
-          f"| {floor / seconds:.2f} | {floor_work / work:.2f} | {FIELDS / plain:.1f} "
-          f"| {memory:.0f} | {many:.0f} |")
+against_floor(few)
+print()
+by_cores(some)
 shutil.rmtree(f"{FOLDER}/out", ignore_errors=True)
