@@ -41,6 +41,20 @@ many_stopped_by() {
   done
 }
 
+@test "what a killed program left of a picture goes with its next run, and nothing else" {
+  mkdir out
+  ours='.f00.png.part .f00.png.part.AbCdEf'
+  others='.f00.png.part.AbCdEf7 .x.f00.png.part.AbCdEf .f0.png.part.AbCdEf f00.png.part.AbCdEf'
+  (cd out && touch $ours $others)
+  plate -o 'out/{field}.png' --quiet
+  [ -z "$(cd out && ls $ours 2>/dev/null)" ]
+  [ "$(cd out && ls $others | wc -l)" = 4 ]
+  touch .x.png.part.AbCdEf .index.html.part.AbCdEf
+  lumetra merge a.tif=DAPI -o x.png --quiet
+  lumetra gallery out -o index.html --quiet
+  [ -z "$(find . -maxdepth 1 -name '.*.part*')" ]
+}
+
 @test "a signal ends a batch with nothing half done" {
   mkdir many
   many_fields
