@@ -22,10 +22,10 @@ pictures=out
 mkdir -p "$pictures"
 status=0
 lumetra batch "$pattern" --settings plate.json -o "$pictures/{well}_{site}.png" \
-  --overwrite --quiet --dry-run >lines.new || status=$?
+  --log fields.log --overwrite --quiet --dry-run >lines.new || status=$?
 [ $status -le 1 ] && [ -s lines.new ] || exit $status
 
-# The log knows lines by their number alone, so it is kept for the very same lines only.
+# parallel's log knows lines by their number alone, so it is kept for the very same lines only.
 cmp -s lines.new lines.sh || rm -f jobs.tsv
 mv lines.new lines.sh
 parallel --joblog jobs.tsv --resume-failed <lines.sh || status=1
@@ -33,5 +33,6 @@ parallel --joblog jobs.tsv --resume-failed <lines.sh || status=1
 # The last entry of a line counts.
 awk -F '\t' 'NR > 1 { failed[$1] = $7 || $8; line[$1] = $9 }
   END { for (i in failed) if (failed[i]) print "parallel.sh: failed: " line[i] }' jobs.tsv >&2
-lumetra gallery "$pictures" -o index.html --settings plate.json --overwrite --quiet
+lumetra gallery "$pictures" -o index.html --settings plate.json --log fields.log \
+  --overwrite --quiet
 exit $status
