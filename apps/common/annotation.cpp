@@ -36,6 +36,7 @@ QFont letters(int height) {
 template<class Sample>
 void lay(const QImage& drawing, QPoint corner, cv::Mat& picture) {
     constexpr int full = std::is_same_v<Sample, unsigned char> ? 1 : 257;
+    const int samplesOfPixel = picture.channels();
     for (int y = 0; y < drawing.height(); ++y) {
         const int row = corner.y() + y;
         if (row < 0 || row >= picture.rows)
@@ -50,7 +51,7 @@ void lay(const QImage& drawing, QPoint corner, cv::Mat& picture) {
             const int rest = 255 - qAlpha(drawn);
             const int samples[] = {qBlue(drawn), qGreen(drawn), qRed(drawn)};
             for (int c = 0; c < 3; ++c) {
-                auto& pixel = pixels[3 * column + c];
+                auto& pixel = pixels[samplesOfPixel * column + c];
                 pixel = static_cast<Sample>((pixel * rest + 127) / 255 + samples[c] * full);
             }
         }
@@ -147,7 +148,7 @@ void drawWithoutDisplay() {
 
 void annotate(cv::Mat& picture, const std::vector<Channel>& channels,
               const Annotation& annotation) {
-    CV_Assert(picture.channels() == 3 && (picture.depth() == CV_8U || picture.depth() == CV_16U));
+    CV_Assert(picture.channels() >= 3 && (picture.depth() == CV_8U || picture.depth() == CV_16U));
     if (annotation.legend)
         drawLegend(picture, channels);
     if (annotation.scaleBar)

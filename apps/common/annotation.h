@@ -28,7 +28,8 @@ struct Annotation {
 /// of Qt's platforms. To be called before the QGuiApplication is made that text needs.
 void drawWithoutDisplay();
 
-/// Draws onto a picture of three channels of 8 or 16 bits. Needs a QGuiApplication.
+/// Draws onto a picture of three channels of 8 or 16 bits, or of four for the screen. Needs a
+/// QGuiApplication.
 /// @throws Failure if the bar is wider than the picture or narrower than a pixel.
 void annotate(cv::Mat& picture, const std::vector<Channel>& channels, const Annotation& annotation);
 

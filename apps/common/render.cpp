@@ -3,6 +3,7 @@
 #include "apps/common/failure.h"
 
 #include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
 
 #include <lumetra>
 
@@ -15,6 +16,12 @@ namespace apps {
 namespace {
 
 int bitsOf(const cv::Mat& plane) { return plane.depth() == CV_8U ? 8 : 16; }
+
+int typeOf(PixelForm form, bool deep) {
+    if (form == PixelForm::screen)
+        return CV_8UC4;
+    return deep ? CV_16UC3 : CV_8UC3;
+}
 
 int stripRows(const cv::Mat& picture, int pixels) {
     return std::clamp(pixels / std::max(picture.cols, 1), 1, std::max(picture.rows, 1));
@@ -105,6 +112,16 @@ cv::Mat& Renderer::tint(const cv::Mat& part, const Channel& channel, Lane& lane,
     return tinted;
 }
 
+/// Brings a strip into its part of the picture while it is in the cache.
+void Renderer::finish(const cv::Mat& strip, cv::Mat part, StageClock& clock) {
+    if (part.channels() == 4) {
+        cv::cvtColor(strip, part, cv::COLOR_BGR2BGRA);
+        return clock.addTo(times_.screen);
+    }
+    strip.copyTo(part);
+    clock.addTo(times_.composite);
+}
+
 void Renderer::renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast) {
     images_.clear();
     for (const std::size_t i : visible_) {
@@ -117,18 +134,16 @@ void Renderer::renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, boo
         images_ << &tinted;
     }
     StageClock clock;
-    if (images_.size() < 2) { // the sum of one
-        images_.front()->copyTo(part);
-    } else {
-        const std::unique_ptr<cv::Mat> sum(Lumetra::Composite(&images_, &noOffsets_));
-        CV_Assert(sum);
-        sum->copyTo(part);
-    }
+    if (images_.size() < 2) // the sum of one
+        return finish(*images_.front(), part, clock);
+    const std::unique_ptr<cv::Mat> sum(Lumetra::Composite(&images_, &noOffsets_));
+    CV_Assert(sum);
     clock.addTo(times_.composite);
+    finish(*sum, part, clock);
 }
 
 void Renderer::render(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels,
-                      cv::Mat& picture) {
+                      cv::Mat& picture, PixelForm form) {
     constexpr int stripPixels = 1 << 16;
     times_ = {};
     prepare(planes, channels);
@@ -136,9 +151,11 @@ void Renderer::render(const std::vector<cv::Mat>& planes, const std::vector<Chan
     const bool deep = std::any_of(visible_.begin(), visible_.end(), [&](std::size_t i) {
         return planes[i].depth() == CV_16U && !channels[i].levels;
     });
-    picture.create(canvas.common.size(), deep ? CV_16UC3 : CV_8UC3);
+    if (deep && form == PixelForm::screen)
+        throw Failure(QStringLiteral("samples of 16 bits need levels to be seen"));
+    picture.create(canvas.common.size(), typeOf(form, deep));
     if (visible_.empty()) {
-        picture.setTo(cv::Scalar::all(0));
+        picture.setTo(cv::Scalar(0, 0, 0, 255));
         return;
     }
     const int rows = stripRows(picture, stripPixels);
@@ -164,7 +181,7 @@ void Renderer::setRangeTable(int bits, LevelRange levels, double gamma) {
 }
 
 void Renderer::renderPseudo(const cv::Mat& plane, std::optional<LevelRange> levels, double gamma,
-                            const QVector<QColor>& slotColours, cv::Mat& picture) {
+                            const QVector<QColor>& slotColours, cv::Mat& picture, PixelForm form) {
     constexpr int stripPixels = 1 << 20, endRows = 2;
     CV_Assert(plane.type() == CV_8UC1 || plane.type() == CV_16UC1);
     if (!levels) {
@@ -172,8 +189,10 @@ void Renderer::renderPseudo(const cv::Mat& plane, std::optional<LevelRange> leve
         cv::minMaxLoc(plane, &smallest, &largest);
         levels = LevelRange{static_cast<int>(smallest), static_cast<int>(largest)};
     }
+    times_ = {};
+    StageClock clock;
     setRangeTable(bitsOf(plane), *levels, gamma);
-    picture.create(plane.size(), CV_8UC3);
+    picture.create(plane.size(), typeOf(form, false));
 
     // The colours are spread over the range of the samples that are there, so two more rows hold
     // the ends of the range that is wanted. 16 bits, because all slots can be reached with them.
@@ -181,6 +200,7 @@ void Renderer::renderPseudo(const cv::Mat& plane, std::optional<LevelRange> leve
     const int columns = plane.cols;
     const std::uint16_t* const table = rangeTable_.data();
     deep_.create(rows + endRows, plane.cols, CV_16UC1);
+    pixels_.create(rows, plane.cols, CV_8UC3);
     for (int first = 0; first < plane.rows; first += rows) {
         const int count = std::min(rows, plane.rows - first);
         cv::Mat strip = deep_.rowRange(0, count + endRows);
@@ -199,8 +219,10 @@ void Renderer::renderPseudo(const cv::Mat& plane, std::optional<LevelRange> leve
         strip.row(count + 1).setTo(levels->high);
         cv::Mat& coloured = count < rows ? lastColoured_ : coloured_;
         Lumetra::Pseudo(strip, coloured, slotColours);
-        cv::Mat part = picture.rowRange(first, first + count);
-        coloured.rowRange(0, count).convertTo(part, CV_8U, 1 / 256.0);
+        cv::Mat pixels = pixels_.rowRange(0, count);
+        coloured.rowRange(0, count).convertTo(pixels, CV_8U, 1 / 256.0);
+        clock.addTo(times_.dye);
+        finish(pixels, picture.rowRange(first, first + count), clock);
     }
 }
 

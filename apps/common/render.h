@@ -23,6 +23,13 @@ struct StageTimes {
     std::int64_t eightBits = 0; ///< Samples through levels and gamma.
     std::int64_t dye = 0;
     std::int64_t composite = 0;
+    std::int64_t screen = 0; ///< Conversion for the screen.
+};
+
+/// What pixels are made for.
+enum class PixelForm {
+    file,  ///< Blue, green and red of 8 bits, or of 16 where samples keep them.
+    screen ///< CV_8UC4, as QImage::Format_RGB32 has it.
 };
 
 /// The clock of the stages. It stands still while other threads and programs have the processor.
@@ -42,12 +49,12 @@ public:
     /// does not change its size when one is hidden. If none is visible, it is black.
     ///
     /// @param planes    One for each channel, all of one size; only read.
-    /// @param picture   Receives CV_8UC3, or CV_16UC3 where a visible plane of 16 bits has no
-    /// levels.
-    ///                  Its storage is used again if it fits.
-    /// @throws Failure if there is no plane, sizes differ, or the offsets leave no common pixel.
+    /// @param picture   Receives pixels in the form that is wanted. Its storage is used again if it
+    ///                  fits.
+    /// @throws Failure if there is no plane, sizes differ, the offsets leave no common pixel, or a
+    ///         visible plane of 16 bits has no levels for the screen.
     void render(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels,
-                cv::Mat& picture);
+                cv::Mat& picture, PixelForm form = PixelForm::file);
 
     /// One plane through a table of colours.
     ///
@@ -55,11 +62,13 @@ public:
     ///                 the largest sample.
     /// @param gamma    As for channels.
     /// @param slotColours  255 colours, as `pseudoSlots` makes them.
-    /// @param picture  Receives CV_8UC3. Its storage is used again if it fits.
+    /// @param picture  Receives 8 bits in the form that is wanted. Its storage is used again if it
+    ///                 fits.
     void renderPseudo(const cv::Mat& plane, std::optional<LevelRange> levels, double gamma,
-                      const QVector<QColor>& slotColours, cv::Mat& picture);
+                      const QVector<QColor>& slotColours, cv::Mat& picture,
+                      PixelForm form = PixelForm::file);
 
-    /// How long the last call of `render` took.
+    /// How long the last call of `render` or `renderPseudo` took, which colours all at once.
     const StageTimes& times() const { return times_; }
 
 private:
@@ -74,6 +83,7 @@ private:
     void prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels);
     cv::Mat& tint(const cv::Mat& part, const Channel& channel, Lane& lane, bool isLast);
     void renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast);
+    void finish(const cv::Mat& strip, cv::Mat part, StageClock& clock);
     void setRangeTable(int bits, LevelRange levels, double gamma);
 
     std::vector<std::size_t> visible_;
@@ -85,7 +95,7 @@ private:
     std::vector<std::uint16_t> rangeTable_;
     LevelRange tableLevels_;
     double tableGamma_ = 0;
-    cv::Mat deep_, coloured_, lastColoured_;
+    cv::Mat deep_, coloured_, lastColoured_, pixels_;
 };
 
 } // namespace apps

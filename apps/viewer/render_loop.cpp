@@ -4,8 +4,6 @@
 
 #include <QRect>
 
-#include <opencv2/imgproc.hpp>
-
 #include <algorithm>
 #include <limits>
 
@@ -25,16 +23,16 @@ QPoint firstPixel(const std::vector<Channel>& channels, QPoint offset) {
 }
 
 void drawView(Renderer& renderer, const std::vector<cv::Mat>& planes, const View& view,
-              cv::Mat& picture) {
+              cv::Mat& picture, PixelForm form) {
     if (planes.size() != view.channels.size())
         throw Failure(QStringLiteral("the camera gives %1 channels in place of %2")
                           .arg(planes.size())
                           .arg(view.channels.size()));
     if (!view.pseudo)
-        return renderer.render(planes, view.channels, picture);
+        return renderer.render(planes, view.channels, picture, form);
     const Channel& channel = view.channels.at(view.pseudo->channel);
     renderer.renderPseudo(planes.at(view.pseudo->channel), channel.levels, channel.gamma,
-                          view.pseudo->slotColours, picture);
+                          view.pseudo->slotColours, picture, form);
 }
 
 void annotateView(const View& view, cv::Mat& picture) {
@@ -43,11 +41,11 @@ void annotateView(const View& view, cv::Mat& picture) {
 
 template<class Sample>
 void markFrom(int limit, const cv::Mat& plane, cv::Mat& picture) {
-    const cv::Vec3b mark(0, 0, 255);
+    const cv::Vec4b mark(0, 0, 255, 255);
     const int columns = picture.cols;
     for (int y = 0; y < picture.rows; ++y) {
         const auto* in = plane.ptr<Sample>(y);
-        auto* out = picture.ptr<cv::Vec3b>(y);
+        auto* out = picture.ptr<cv::Vec4b>(y);
         for (int x = 0; x < columns; ++x)
             if (in[x] >= limit)
                 out[x] = mark;
@@ -75,7 +73,7 @@ void markSaturated(const std::vector<cv::Mat>& planes, const View& view,
 
 void makePicture(Renderer& renderer, const std::vector<cv::Mat>& planes, const View& view,
                  cv::Mat& picture) {
-    drawView(renderer, planes, view, picture);
+    drawView(renderer, planes, view, picture, PixelForm::file);
     annotateView(view, picture);
 }
 
@@ -177,17 +175,14 @@ void RenderLoop::measure(View& view, bool isNewFrame) {
 }
 
 void RenderLoop::draw(const View& view) {
-    drawView(renderer_, frame_.planes, view, picture_);
+    drawView(renderer_, frame_.planes, view, shown_.screen, PixelForm::screen);
     if (view.marksSaturated)
-        markSaturated(frame_.planes, view, measures_, picture_);
+        markSaturated(frame_.planes, view, measures_, shown_.screen);
     try {
-        annotateView(view, picture_);
+        annotateView(view, shown_.screen);
     } catch (...) {
         shown_.problem = currentReason();
     }
-    const std::int64_t start = threadNanoseconds();
-    cv::cvtColor(picture_, shown_.screen, cv::COLOR_BGR2BGRA);
-    shown_.screening = threadNanoseconds() - start;
 }
 
 void RenderLoop::publish(const View& view) {

@@ -47,7 +47,7 @@ struct Shown {
     int page = 0, revision = 0;
     QString problem; ///< Why there is no picture, or what is missing in it.
 
-    std::int64_t measuring = 0, screening = 0; ///< Nanoseconds of the thread, as `stages`.
+    std::int64_t measuring = 0; ///< Nanoseconds of the thread, as `stages`.
     StageTimes stages;
     std::int64_t processorTime = 0; ///< Of the thread so far.
 };
@@ -109,7 +109,6 @@ private:
     std::vector<Measure> measures_;
     bool measuredLive_ = false;
     std::int64_t measuring_ = 0;
-    cv::Mat picture_;
     Shown shown_;
 
     std::thread thread_; // the last to be made, since it uses all of the above

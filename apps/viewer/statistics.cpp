@@ -13,7 +13,7 @@ double Pace::sum() const { return std::accumulate(milliseconds.begin(), millisec
 void Statistics::add(const Shown& shown, std::int64_t painting) {
     constexpr double million = 1e6;
     const std::int64_t taken[] = {shown.measuring, shown.stages.eightBits, shown.stages.dye,
-                                  shown.stages.composite, shown.screening + painting};
+                                  shown.stages.composite, shown.stages.screen + painting};
     for (std::size_t stage = 0; stage < sums_.size(); ++stage)
         sums_[stage] += static_cast<double>(taken[stage]) / million;
     ++pictures_;

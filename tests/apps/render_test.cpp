@@ -9,6 +9,8 @@
 
 #include <lumetra>
 
+#include <opencv2/imgproc.hpp>
+
 #include <algorithm>
 
 namespace apps {
@@ -68,6 +70,13 @@ cv::Mat plainRender(const std::vector<cv::Mat>& planes, const std::vector<Channe
     return picture;
 }
 
+/// The same pixels, opaque.
+cv::Mat forScreen(const cv::Mat& picture) {
+    cv::Mat screen;
+    cv::cvtColor(picture, screen, cv::COLOR_BGR2BGRA);
+    return screen;
+}
+
 TEST(Render, EqualsThePlainLoop) {
     const QColor blue(0, 107, 255), green(29, 255, 0), red(255, 40, 9);
     const LevelRange some{700, 60000}, few{20, 200};
@@ -98,7 +107,7 @@ TEST(Render, EqualsThePlainLoop) {
         {"all hidden", {CV_16UC1}, {hidden}},
     };
     Renderer renderer; // one for all: what it keeps must not show
-    cv::Mat picture;
+    cv::Mat picture, screen;
     for (const cv::Size size : {cv::Size(40, 30), cv::Size(733, 211), cv::Size(21, 5000)}) {
         for (const Case& c : cases) {
             std::vector<cv::Mat> planes;
@@ -107,6 +116,13 @@ TEST(Render, EqualsThePlainLoop) {
             const cv::Mat expected = plainRender(planes, c.channels);
             renderer.render(planes, c.channels, picture);
             EXPECT_TRUE(areEqual(picture, expected)) << c.name << ", " << size;
+            if (expected.depth() == CV_16U) {
+                EXPECT_THROW(renderer.render(planes, c.channels, screen, PixelForm::screen),
+                             Failure);
+                continue;
+            }
+            renderer.render(planes, c.channels, screen, PixelForm::screen);
+            EXPECT_TRUE(areEqual(screen, forScreen(expected))) << c.name << ", " << size;
         }
     }
 }
@@ -140,13 +156,15 @@ TEST(Render, RefusesWhatHasNoPicture) {
 TEST(RenderPseudo, SpreadsTheColoursOverTheRange) {
     const auto colours = pseudoSlots(colourTable("even"));
     Renderer renderer;
-    cv::Mat picture;
+    cv::Mat picture, screen;
     for (const int type : {CV_8UC1, CV_16UC1}) {
         for (const LevelRange range :
              {LevelRange{3, 250}, LevelRange{0, 254}, LevelRange{90, 91}}) {
             const cv::Mat plane = noisePlane({999, 1111}, type, 5); // more than one strip
             renderer.renderPseudo(plane, range, 1, colours, picture);
             ASSERT_EQ(picture.size(), plane.size());
+            renderer.renderPseudo(plane, range, 1, colours, screen, PixelForm::screen);
+            ASSERT_TRUE(areEqual(screen, forScreen(picture)));
             for (int y = 0; y < plane.rows; y += 37) {
                 for (int x = 0; x < plane.cols; ++x) {
                     const int k =
