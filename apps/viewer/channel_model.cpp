@@ -220,10 +220,16 @@ void ChannelModel::useFullRange(int row, int bits) {
 }
 
 void ChannelModel::nudge(int row, QPoint by) {
-    if (!has(row) || by.isNull())
+    if (!has(row))
         return;
-    QPoint& offset = at(row).offset; // to the left and up
-    offset = {moved(offset.x(), -by.x()), moved(offset.y(), -by.y())};
+    const QPoint offset = channel(row).offset; // to the left and up
+    setOffset(row, {moved(offset.x(), -by.x()), moved(offset.y(), -by.y())});
+}
+
+void ChannelModel::setOffset(int row, QPoint offset) {
+    if (!has(row) || channel(row).offset == offset)
+        return;
+    at(row).offset = offset;
     changed(row, row);
 }
 

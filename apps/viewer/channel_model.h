@@ -56,6 +56,7 @@ public:
     void useAutomaticLevels(int row);         ///< Measured once, in the next picture.
     void useFullRange(int row, int bits = 0); ///< Of so many bits; 0 for those of the samples.
     void nudge(int row, QPoint by);           ///< Pixels to the right and down.
+    void setOffset(int row, QPoint offset);   ///< Pixels to the left and up, as channels have it.
     void copyLevelsToAll(int row);
     /// Shows this channel alone; or all of them, if it is alone already.
     void solo(int row);

@@ -29,6 +29,15 @@ QString noteOn(const Measure& measure) {
     return note;
 }
 
+QSpinBox* numberBox(const QString& name, int least, int most) {
+    auto* field = new QSpinBox;
+    field->setRange(least, most);
+    field->setKeyboardTracking(false);
+    field->setAccessibleName(name);
+    field->setToolTip(name);
+    return field;
+}
+
 /// Leaves alone what the user is about to write.
 void showNumber(QSpinBox* field, int value) {
     if (field->value() != value)
@@ -78,7 +87,21 @@ QWidget* ChannelPanel::makeDyeBox() {
     dyeSlider_ = new DyeSlider(model_.dyes(), box);
     form->addRow(QStringLiteral("&Dye"), dyeField_);
     form->addRow(dyeSlider_);
+    form->addRow(QStringLiteral("&Moved"), makeOffsetRow());
     return box;
+}
+
+/// The offset in the words and signs of the command.
+QLayout* ChannelPanel::makeOffsetRow() {
+    constexpr int farthest = 99999;
+    left_ = numberBox(QStringLiteral("Pixels to the left"), -farthest, farthest);
+    left_->setPrefix(QStringLiteral("← "));
+    up_ = numberBox(QStringLiteral("Pixels up"), -farthest, farthest);
+    up_->setPrefix(QStringLiteral("↑ "));
+    auto* row = new QHBoxLayout;
+    row->addWidget(left_, 1);
+    row->addWidget(up_, 1);
+    return row;
 }
 
 QWidget* ChannelPanel::makeLevelBox() {
@@ -90,16 +113,8 @@ QWidget* ChannelPanel::makeLevelBox() {
     column->addWidget(levels_, 1);
     column->addWidget(note_);
 
-    const auto sampleBox = [&](const QString& name) {
-        auto* field = new QSpinBox(box);
-        field->setRange(0, 65535);
-        field->setKeyboardTracking(false);
-        field->setAccessibleName(name);
-        field->setToolTip(name);
-        return field;
-    };
-    black_ = sampleBox(QStringLiteral("Black level"));
-    white_ = sampleBox(QStringLiteral("White level"));
+    black_ = numberBox(QStringLiteral("Black level"), 0, 65535);
+    white_ = numberBox(QStringLiteral("White level"), 0, 65535);
     gammaOn_ = new QCheckBox(QStringLiteral("&Gamma"), box);
     gamma_ = new QDoubleSpinBox(box);
     gamma_->setRange(0.05, 10);
@@ -156,6 +171,9 @@ void ChannelPanel::connectEditors() {
     };
     connectLevel(black_, ChannelModel::blackColumn);
     connectLevel(white_, ChannelModel::whiteColumn);
+    const auto move = [this] { model_.setOffset(currentRow(), {left_->value(), up_->value()}); };
+    connect(left_, QOverload<int>::of(&QSpinBox::valueChanged), this, move);
+    connect(up_, QOverload<int>::of(&QSpinBox::valueChanged), this, move);
     connect(gammaOn_, &QCheckBox::toggled, this, [this](bool on) {
         constexpr double brighter = 0.6;
         model_.setGamma(currentRow(), on ? brighter : 1);
@@ -203,12 +221,15 @@ void ChannelPanel::showCurrent() {
     const Channel& channel = model_.channel(row);
     const Measure& measure = model_.measured(row);
     const LevelRange levels = channel.levels.value_or(LevelRange{});
-    const QSignalBlocker blockers[] = {QSignalBlocker(black_), QSignalBlocker(white_),
-                                       QSignalBlocker(gamma_), QSignalBlocker(gammaOn_),
+    const QSignalBlocker blockers[] = {QSignalBlocker(left_),    QSignalBlocker(up_),
+                                       QSignalBlocker(black_),   QSignalBlocker(white_),
+                                       QSignalBlocker(gammaOn_), QSignalBlocker(gamma_),
                                        QSignalBlocker(follow_)};
     if (!dyeField_->isModified())
         dyeField_->setText(channel.dye.isEmpty() ? channel.colour.name() : channel.dye);
     dyeSlider_->showDye(channel.dye);
+    showNumber(left_, channel.offset.x());
+    showNumber(up_, channel.offset.y());
     showNumber(black_, levels.low);
     showNumber(white_, levels.high);
     gammaOn_->setChecked(channel.gamma != 1);

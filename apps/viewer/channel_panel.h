@@ -6,6 +6,7 @@
 class QCheckBox;
 class QDoubleSpinBox;
 class QLabel;
+class QLayout;
 class QSpinBox;
 class QTableView;
 
@@ -35,6 +36,7 @@ signals:
 private:
     QWidget* makeTable();
     QWidget* makeDyeBox();
+    QLayout* makeOffsetRow();
     QWidget* makeLevelBox();
     void connectEditors();
     void showChannels();
@@ -46,7 +48,7 @@ private:
     DyeField* dyeField_ = nullptr;
     DyeSlider* dyeSlider_ = nullptr;
     LevelEditor* levels_ = nullptr;
-    QSpinBox *black_ = nullptr, *white_ = nullptr;
+    QSpinBox *left_ = nullptr, *up_ = nullptr, *black_ = nullptr, *white_ = nullptr;
     QCheckBox *gammaOn_ = nullptr, *follow_ = nullptr;
     QDoubleSpinBox* gamma_ = nullptr;
     QLabel* note_ = nullptr;

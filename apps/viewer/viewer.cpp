@@ -37,7 +37,12 @@ Viewer::Viewer() {
     pool_.setMaxThreadCount(1);
     qRegisterMetaType<std::function<void()>>("std::function<void()>");
     connect(
-        this, &Viewer::done, this, [](const std::function<void()>& outcome) { outcome(); },
+        this, &Viewer::done, this,
+        [this](const std::function<void()>& outcome) {
+            --jobs_;
+            outcome();
+            openNext();
+        },
         Qt::QueuedConnection);
     connect(&model_, &ChannelModel::edited, this, &Viewer::updateView);
     connect(&model_, &ChannelModel::refused, this, &Viewer::problem);
@@ -69,6 +74,7 @@ QStringList Viewer::withoutSettings(const QStringList& words) {
 
 /// Runs work in the pool, and what it returns in the window's thread.
 void Viewer::inBackground(const std::function<std::function<void()>()>& work) {
+    ++jobs_;
     pool_.start([this, work] {
         std::function<void()> outcome;
         try {
@@ -93,12 +99,26 @@ std::vector<ChannelFile> Viewer::parsed(const QStringList& words) const {
 }
 
 void Viewer::open(const QStringList& words, bool adds) {
+    openings_.push_back({words, adds});
+    openNext();
+}
+
+/// Each may add to what the one before it opens, so it waits until that is done.
+void Viewer::openNext() {
+    while (jobs_ == 0 && !openings_.empty()) {
+        const Opening next = openings_.front();
+        openings_.pop_front();
+        beginToOpen(next.words, next.adds);
+    }
+}
+
+void Viewer::beginToOpen(const QStringList& words, bool adds) {
     try {
         std::vector<ChannelFile> files =
             adds && stack_ ? stack_->files() : std::vector<ChannelFile>();
         const auto more = parsed(withoutSettings(words));
         files.insert(files.end(), more.begin(), more.end());
-        if (files.empty())
+        if (more.empty())
             return;
         inBackground([this, files, adds]() -> std::function<void()> {
             auto stack = std::make_shared<StackSource>(files);
@@ -169,6 +189,7 @@ void Viewer::setSource(std::shared_ptr<FrameSource> source, const std::vector<Ch
 }
 
 void Viewer::close() {
+    openings_.clear();
     feed_.reset();
     stack_.reset();
     loop_.clear();

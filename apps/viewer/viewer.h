@@ -11,6 +11,7 @@
 #include <QImage>
 #include <QThreadPool>
 
+#include <deque>
 #include <memory>
 #include <optional>
 
@@ -36,8 +37,9 @@ public:
     const ChannelModel& model() const { return model_; }
 
     /// Opens `FILE[PAGE]=DYE+X+Y` words, or plain names of files, in place of what is there or
-    /// beside it. The files are read in another thread; if one cannot be, everything stays as it
-    /// was. Settings (`.json`) are for the channels that come with them, or those that are there.
+    /// beside it. The files are read in another thread, after those that are still being read; if
+    /// one cannot be, everything stays as it was. Settings (`.json`) are for the channels that come
+    /// with them, or those that are there.
     void open(const QStringList& words, bool adds = false);
 
     /// Shows the frames of a camera.
@@ -85,7 +87,7 @@ public:
     std::uint64_t dropped() const { return loop_.dropped(); }
 
     /// Whether a picture is being opened or saved.
-    bool isBusy() const { return pool_.activeThreadCount() > 0; }
+    bool isBusy() const { return jobs_ > 0; }
 
 signals:
     void pictureChanged();
@@ -101,6 +103,8 @@ private:
     void updateView();
     void setSource(std::shared_ptr<FrameSource> source, const std::vector<Channel>& channels);
     void setStack(const std::shared_ptr<StackSource>& stack, bool adds);
+    void openNext();
+    void beginToOpen(const QStringList& words, bool adds);
     QStringList withoutSettings(const QStringList& words);
     std::vector<ChannelFile> parsed(const QStringList& words) const;
     std::vector<Channel> channelsFor(const std::vector<ChannelFile>& files, bool adds) const;
@@ -108,6 +112,12 @@ private:
 
     ChannelModel model_;
     ViewOptions options_;
+    struct Opening {
+        QStringList words;
+        bool adds = false;
+    };
+    std::deque<Opening> openings_; // that wait for their turn
+    int jobs_ = 0;                 // in the background, until their outcome is known here
     std::vector<Channel> pendingSettings_;
     QVector<QColor> slotColours_;
     Shown shown_;

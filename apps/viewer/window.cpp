@@ -174,9 +174,9 @@ void Window::makeToolBar() {
     table_ = new QComboBox(bar);
     table_->setIconSize({72, 14});
     table_->setAccessibleName(QStringLiteral("Table of colours"));
-    for (const QString& name : colourTableNames())
-        table_->addItem(QPixmap::fromImage(tablePreview(colourTable(name), {72, 14})), name);
     table_->addItem(QStringLiteral("From a file…"));
+    for (const QString& name : colourTableNames())
+        addTable(name);
     bar->addWidget(table_);
 }
 
@@ -212,7 +212,8 @@ void Window::restore() {
     restoreState(kept.value(QStringLiteral("state")).toByteArray());
     pixelSize_ = kept.value(QStringLiteral("pixelSize"), 0).toDouble();
     rate_->setValue(kept.value(QStringLiteral("rate"), viewer_.rate()).toDouble());
-    table_->setCurrentText(kept.value(QStringLiteral("table"), "viridis").toString());
+    chosenTable_ = TableChoice{}.table;
+    useTable(kept.value(QStringLiteral("table"), chosenTable_).toString());
     for (const Act act : {Act::legend, Act::gray, Act::keepSettings})
         (*actions_)[act].setChecked(
             kept.value(QStringLiteral("choice%1").arg(static_cast<int>(act)),
@@ -235,7 +236,7 @@ void Window::keep() {
     kept.setValue(QStringLiteral("state"), saveState());
     kept.setValue(QStringLiteral("pixelSize"), pixelSize_);
     kept.setValue(QStringLiteral("rate"), rate_->value());
-    kept.setValue(QStringLiteral("table"), table_->currentText());
+    kept.setValue(QStringLiteral("table"), chosenTable_);
     for (const Act act : {Act::legend, Act::gray, Act::keepSettings})
         kept.setValue(QStringLiteral("choice%1").arg(static_cast<int>(act)),
                       (*actions_)[act].isChecked());

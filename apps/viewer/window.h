@@ -44,6 +44,9 @@ public:
     /// The problem that the window speaks of; empty if there is none.
     QString problem() const;
 
+    /// Chooses a table of colours by its name, or a file, which can be chosen from then on.
+    void useTable(const QString& nameOrFile);
+
     /// Asks for the size of a pixel.
     void askPixelSize();
 
@@ -75,7 +78,7 @@ private:
     void copyCommand();
     void editOwnDyes();
     void chooseTable(int index);
-    void askTableFile();
+    void addTable(const QString& nameOrFile);
 
     void showPicture();
     void showSource();
@@ -109,7 +112,7 @@ private:
     QPoint pointed_{-1, -1};
     int shownWidth_ = 0;
     std::int64_t paintingTime_ = 0;
-    QString renderProblem_, tableFile_;
+    QString renderProblem_, chosenTable_;
     QMap<QString, QColor> ownDyes_;
     double pixelSize_ = 0; ///< Micrometres; 0 until it is known.
     bool isStalled_ = false;

@@ -1,8 +1,10 @@
 // What the actions of the window do.
 
+#include "apps/common/colour_table.h"
 #include "apps/common/failure.h"
 #include "apps/viewer/canvas.h"
 #include "apps/viewer/channel_panel.h"
+#include "apps/viewer/colour_bar.h"
 #include "apps/viewer/custom_dyes_dialog.h"
 #include "apps/viewer/simulated_camera.h"
 #include "apps/viewer/window.h"
@@ -12,6 +14,7 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
@@ -225,22 +228,35 @@ void Window::askPixelSize() {
     updateOptions();
 }
 
-void Window::chooseTable(int index) {
-    if (index == table_->count() - 1)
-        askTableFile();
-    (*actions_)[Act::pseudo].setChecked(true);
+void Window::addTable(const QString& nameOrFile) {
+    constexpr QSize size(72, 14);
+    const QImage preview = tablePreview(colourTable(nameOrFile), size);
+    const int last = table_->count() - 1; // asks for a file
+    table_->insertItem(last, QPixmap::fromImage(preview),
+                       apps::shown(QFileInfo(nameOrFile).fileName()), nameOrFile);
+}
+
+void Window::useTable(const QString& nameOrFile) {
+    try {
+        if (table_->findData(nameOrFile) < 0)
+            addTable(nameOrFile);
+        chosenTable_ = nameOrFile;
+    } catch (const Failure& failure) {
+        showProblem(failure.text());
+    }
+    table_->setCurrentIndex(table_->findData(chosenTable_));
     updateOptions();
 }
 
-void Window::askTableFile() {
-    const QString file = QFileDialog::getOpenFileName(this, QStringLiteral("Table of Colours"), {},
-                                                      QStringLiteral("ImageJ tables (*.lut)"));
-    if (file.isEmpty()) {
-        table_->setCurrentIndex(0);
-        return;
-    }
-    table_->insertItem(table_->count() - 1, file);
-    table_->setCurrentText(file);
+void Window::chooseTable(int index) {
+    QString table = table_->itemData(index).toString();
+    if (table.isEmpty())
+        table =
+            QFileDialog::getOpenFileName(this, QStringLiteral("Table of Colours"), {},
+                                         QStringLiteral("ImageJ tables (*.lut);;All files (*)"));
+    if (!table.isEmpty())
+        (*actions_)[Act::pseudo].setChecked(true);
+    useTable(table.isEmpty() ? chosenTable_ : table);
 }
 
 } // namespace apps

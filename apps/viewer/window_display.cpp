@@ -141,7 +141,7 @@ void Window::updateOptions() {
     options.annotation.legend = act[Act::legend].isChecked();
     updateScaleBar(options);
     if (act[Act::pseudo].isChecked())
-        options.table = TableChoice{table_->currentText(), act[Act::reversed].isChecked()};
+        options.table = TableChoice{chosenTable_, act[Act::reversed].isChecked()};
     options.pseudoChannel = std::max(panel_->currentRow(), 0);
     viewer_.setOptions(options);
     colourBar_->setVisible(options.table.has_value() && viewer_.hasSource());

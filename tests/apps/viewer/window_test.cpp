@@ -37,6 +37,9 @@ private slots:
     void theTableSolosAndEdits();
     void thePictureFitsZoomsAndPans();
     void droppedFilesAreAddedOrRefused();
+    void dropsInQuickSuccessionAreAllTaken();
+    void offsetsAreWrittenInFields();
+    void tablesOfColoursComeFromFiles();
     void aStalledCameraIsSpokenOf();
     void closesWhileFramesCome();
     void ownDyesAreKept();
@@ -166,8 +169,9 @@ void WindowTest::keysSwitchAndMoveChannels() {
 
 void WindowTest::fieldsKeepTheirKeys() {
     openTwo();
-    auto* black = window_->findChildren<QSpinBox*>().first();
-    black->setFocus();
+    act(Act::goToLevels).trigger();
+    auto* black = qobject_cast<QSpinBox*>(window_->focusWidget());
+    QVERIFY(black);
     black->selectAll();
     QTest::keyClicks(black, "120");
     QTest::keyClick(black, Qt::Key_Return);
@@ -280,6 +284,62 @@ void WindowTest::droppedFilesAreAddedOrRefused() {
     QVERIFY(window_->problem().contains("64 x 48"));
     QCOMPARE(model().size(), 3);
     QVERIFY(!QApplication::activeModalWidget()); // a word in the window, never a box
+}
+
+void WindowTest::dropsInQuickSuccessionAreAllTaken() {
+    const auto file = [&](const QString& name, int width) {
+        return folder_->write(name, noisePlane({width, 48}, CV_16UC1, width));
+    };
+    openTwo();
+    drop(*window_, {file("c.tif", 64)});
+    drop(*window_, {file("odd.tif", 65)}); // refused, and nothing else is
+    drop(*window_, {file("d.tif", 64)});
+    QTRY_COMPARE(model().size(), 4);
+    QVERIFY(waitForPicture(*window_));
+    QVERIFY(window_->problem().contains("65 x 48"));
+    QCOMPARE(window_->viewer().title(), QStringLiteral("a.tif, b.png, c.tif, d.tif"));
+    window_->viewer().open({file("e.tif", 32)}); // what is added next belongs to this one
+    drop(*window_, {file("f.tif", 32)});
+    QTRY_COMPARE(window_->viewer().title(), QStringLiteral("e.tif, f.tif"));
+}
+
+void WindowTest::offsetsAreWrittenInFields() {
+    openTwo();
+    window_->panel().setCurrentRow(1);
+    QSpinBox* fields[2] = {};
+    for (auto* field : window_->panel().findChildren<QSpinBox*>())
+        if (field->accessibleName().startsWith("Pixels"))
+            fields[field->accessibleName() == "Pixels up"] = field;
+    fields[0]->setFocus();
+    fields[0]->selectAll();
+    QTest::keyClicks(fields[0], "-12");
+    QTest::keyClick(fields[0], Qt::Key_Return);
+    fields[1]->stepBy(3);
+    QCOMPARE(model().channel(1).offset, QPoint(-12, 3));
+    QVERIFY(model().channel(0).offset.isNull());
+    QTRY_COMPARE(window_->viewer().shown().screen.size(), cv::Size(52, 45));
+    window_->panel().setCurrentRow(0);
+    QCOMPARE(fields[0]->value(), 0);
+    model().nudge(0, {-5, 0});
+    QCOMPARE(fields[0]->value(), 5);
+}
+
+void WindowTest::tablesOfColoursComeFromFiles() {
+    openTwo();
+    QByteArray colours(768, '\0');
+    colours.replace(0, 256, QByteArray(256, '\x40')); // red
+    const QString file = folder_->writeBytes("dim red.lut", colours);
+    window_->useTable(file);
+    act(Act::pseudo).setChecked(true);
+    const auto pixel = [this] { return window_->viewer().picture().pixelColor(9, 9); };
+    QTRY_COMPARE(pixel(), QColor(0x40, 0, 0));
+    window_->useTable(folder_->writeBytes("bad.lut", "no table"));
+    QVERIFY(window_->problem().contains("bad.lut"));
+    QCOMPARE(window_->viewer().options().table->table, file);
+    window_->close();
+    window_ = std::make_unique<Window>();
+    act(Act::pseudo).setChecked(true);
+    QCOMPARE(window_->viewer().options().table->table, file); // kept
 }
 
 void WindowTest::aStalledCameraIsSpokenOf() {
