@@ -36,9 +36,11 @@ void sortByDistance(std::vector<Dye>& dyes, int Dye::*wavelength, int nanometres
     dyes.erase(std::remove_if(dyes.begin(), dyes.end(),
                               [&](const Dye& dye) { return dye.*wavelength == 0; }),
                dyes.end());
-    std::stable_sort(dyes.begin(), dyes.end(), [&](const Dye& a, const Dye& b) {
-        return std::abs(a.*wavelength - nanometres) < std::abs(b.*wavelength - nanometres);
-    });
+    const auto place = [&](const Dye& dye) {
+        return std::pair(std::abs(dye.*wavelength - nanometres), dye.name);
+    };
+    std::sort(dyes.begin(), dyes.end(),
+              [&](const Dye& a, const Dye& b) { return place(a) < place(b); });
 }
 
 bool byName(const Dye& a, const Dye& b) { return a.name < b.name; }
