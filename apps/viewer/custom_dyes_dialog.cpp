@@ -22,8 +22,6 @@
 namespace apps {
 namespace {
 
-enum Column { nameColumn, colourColumn, columns };
-
 const QString filter = QStringLiteral("Dyes (*.ini);;All files (*)");
 
 } // namespace

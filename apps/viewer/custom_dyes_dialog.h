@@ -36,6 +36,8 @@ signals:
     void changed();
 
 private:
+    enum Column { nameColumn, colourColumn, columns };
+
     void addButtons(QHBoxLayout& row);
     void setDyes(const QMap<QString, QColor>& dyes);
     void addRow(const QString& name, const QColor& colour);
