@@ -73,8 +73,16 @@ void Canvas::keepInSight() {
     emit scaleChanged();
 }
 
+/// The picture begins with a whole pixel of the screen: within one, 1:1 would show some pixels
+/// twice and others not at all.
+QRectF Canvas::pictureRect() const {
+    const double unit = devicePixelRatioF();
+    const QPointF corner(std::round(corner_.x() * unit), std::round(corner_.y() * unit));
+    return {corner / unit, pictureSize()};
+}
+
 QPoint Canvas::pixelAt(QPointF point) const {
-    const QPointF pixel = (point - corner_) / scale_;
+    const QPointF pixel = (point - pictureRect().topLeft()) / scale_;
     const QPoint at(static_cast<int>(std::floor(pixel.x())),
                     static_cast<int>(std::floor(pixel.y())));
     return QRect(0, 0, screen_.cols, screen_.rows).contains(at) ? at : QPoint(-1, -1);
@@ -83,8 +91,8 @@ QPoint Canvas::pixelAt(QPointF point) const {
 void Canvas::paintPicture(QPainter& painter) const {
     const QImage image(screen_.data, screen_.cols, screen_.rows, static_cast<int>(screen_.step),
                        QImage::Format_RGB32);
-    const QRectF target = QRectF(corner_, pictureSize()) & QRectF(rect());
-    const QRectF source((target.topLeft() - corner_) / scale_, target.size() / scale_);
+    const QRectF picture = pictureRect(), target = picture & QRectF(rect());
+    const QRectF source((target.topLeft() - picture.topLeft()) / scale_, target.size() / scale_);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, isSmooth_ && scale() < 1);
     painter.drawImage(target, image, source);
 }
@@ -98,7 +106,7 @@ void Canvas::paintEvent(QPaintEvent* /*event*/) {
         painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
                          hint_);
     } else {
-        const QRect covered = QRectF(corner_, pictureSize()).toAlignedRect();
+        const QRect covered = pictureRect().toAlignedRect();
         for (const QRect& bare : QRegion(rect()).subtracted(covered.adjusted(1, 1, -1, -1)))
             painter.fillRect(bare, ground);
         paintPicture(painter);

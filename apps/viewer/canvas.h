@@ -53,6 +53,7 @@ private:
     void setScale(double scale, QPointF fixed);
     void keepInSight();
     QSizeF pictureSize() const;
+    QRectF pictureRect() const;
 
     cv::Mat screen_;
     QString hint_;

@@ -87,7 +87,10 @@ QWidget* ChannelPanel::makeDyeBox() {
     dyeSlider_ = new DyeSlider(model_.dyes(), box);
     form->addRow(QStringLiteral("&Dye"), dyeField_);
     form->addRow(dyeSlider_);
-    form->addRow(QStringLiteral("&Moved"), makeOffsetRow());
+    QLayout* offset = makeOffsetRow();
+    auto* moved = new QLabel(QStringLiteral("&Moved"), box);
+    moved->setBuddy(left_);
+    form->addRow(moved, offset);
     return box;
 }
 

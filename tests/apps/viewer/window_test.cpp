@@ -36,6 +36,8 @@ private slots:
     void handlesMoveLevels();
     void theTableSolosAndEdits();
     void thePictureFitsZoomsAndPans();
+    void oneToOneIsCrisp_data();
+    void oneToOneIsCrisp();
     void droppedFilesAreAddedOrRefused();
     void dropsInQuickSuccessionAreAllTaken();
     void offsetsAreWrittenInFields();
@@ -270,8 +272,39 @@ void WindowTest::thePictureFitsZoomsAndPans() {
     QTest::keyClick(&canvas, Qt::Key_0);
     QVERIFY(canvas.isFitted());
     const QSignalSpy hovered(&canvas, &Canvas::hovered);
-    moveMouse(canvas, centre.toPoint(), Qt::NoButton);
+    moveMouse(canvas, centre.toPoint() + QPoint(5, 5), Qt::NoButton); // within a large pixel
     QCOMPARE(hovered[0][0].toPoint(), QPoint(32, 24));
+}
+
+void WindowTest::oneToOneIsCrisp_data() {
+    QTest::addColumn<int>("side");
+    QTest::newRow("smaller than the widget") << 64;
+    QTest::newRow("by half a pixel") << 65;
+    QTest::newRow("larger") << 2047;
+}
+
+/// Every pixel of the screen is one of the picture; also run with two of them for a widget's unit.
+void WindowTest::oneToOneIsCrisp() {
+    QFETCH(int, side);
+    const QString file = folder_->write("a.png", noisePlane({side, side}, CV_8UC1, side));
+    window_->viewer().open({file});
+    QVERIFY(waitForPicture(*window_));
+    Canvas& canvas = window_->canvas();
+    canvas.actualSize();
+    QTest::qWait(50);
+    QImage seen = canvas.grab().toImage();
+    seen.setDevicePixelRatio(1);
+    const QImage picture = window_->viewer().picture();
+    const double unit = canvas.devicePixelRatioF();
+    QPoint first; // of the screen, with a pixel of the picture below
+    const auto below = [&](QPoint at) { return canvas.pixelAt((at + QPointF(0.5, 0.5)) / unit); };
+    while (below(first).x() < 0)
+        first += below({first.x(), seen.height() / 2}).x() < 0 ? QPoint(1, 0) : QPoint(0, 1);
+    const QPoint corner = below(first);
+    const QSize size = picture.size().boundedTo(seen.size());
+    QVERIFY(size.height() >= 64);
+    QCOMPARE(seen.copy({first, size}).convertToFormat(picture.format()),
+             picture.copy({corner, size}));
 }
 
 void WindowTest::droppedFilesAreAddedOrRefused() {
