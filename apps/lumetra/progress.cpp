@@ -57,14 +57,13 @@ double Progress::secondsLeft() const {
 }
 
 QString Progress::line() const {
-    QString text = QStringLiteral("%1 of %2 fields, %3 a second, %4 left")
-                       .arg(done_ + failed_)
-                       .arg(total_)
-                       .arg(perSecond(), 0, 'f', 1)
-                       .arg(clockText(secondsLeft()));
-    if (failed_ > 0)
-        text += QStringLiteral(", %1 failed").arg(failed_);
-    return text;
+    const QString failed = failed_ > 0 ? QStringLiteral(", %1 failed").arg(failed_) : QString();
+    return QStringLiteral("%1 of %2 fields%3, %4 a second, %5 left")
+        .arg(done_ + failed_)
+        .arg(total_)
+        .arg(failed)
+        .arg(perSecond(), 0, 'f', 1)
+        .arg(clockText(secondsLeft()));
 }
 
 void Progress::show() {
@@ -74,7 +73,9 @@ void Progress::show() {
     shownAt_ = now;
     onScreen_ = terminal_;
     tell(terminal_
-             ? QStringLiteral("\r\033[K%1 %2 %3").arg(work_, bar(done_ + failed_, total_), line())
+             // Without a line break at the right edge: a second line would stay for good.
+             ? QStringLiteral("\r\033[K\033[?7l%1 %2 %3\033[?7h")
+                   .arg(work_, bar(done_ + failed_, total_), line())
              : QStringLiteral("lumetra: %1: %2\n").arg(work_, line()));
 }
 
