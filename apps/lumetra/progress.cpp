@@ -21,7 +21,7 @@ QString clockText(double seconds) {
 }
 
 QString bar(int done, int total) {
-    constexpr int width = 24;
+    constexpr int width = 16;
     const int filled = total > 0 ? static_cast<int>(qint64{width} * done / total) : 0;
     return QStringLiteral("[%1%2]").arg(QString(filled, QLatin1Char('#')),
                                         QString(width - filled, QLatin1Char('.')));
