@@ -2,15 +2,14 @@
 
 #include "apps/lumetra/signals.h"
 
-#include <QRunnable>
-#include <QThread>
-#include <QThreadPool>
+#include <opencv2/imgcodecs.hpp>
 
 #include <algorithm>
 #include <atomic>
-#include <exception>
-#include <mutex>
-#include <utility>
+#include <chrono>
+#include <future>
+#include <thread>
+#include <vector>
 
 namespace apps {
 namespace {
@@ -19,60 +18,45 @@ namespace {
 struct Pieces {
     std::size_t count;
     std::atomic<std::size_t> next{0};
-    std::mutex mutex;
-    std::exception_ptr error;
-
-    void keepError() {
-        const std::lock_guard lock(mutex);
-        error = error ? error : std::current_exception();
-        next = count;
-    }
 };
 
-class Worker : public QRunnable {
-public:
-    Worker(Pieces& pieces, const std::function<std::function<void(std::size_t)>()>& makeWorker)
-        : pieces_(pieces), makeWorker_(makeWorker) {}
-
-    void run() override {
-        try {
-            const auto work = makeWorker_();
-            for (std::size_t i = pieces_.next++; i < pieces_.count && !caughtSignal();
-                 i = pieces_.next++)
-                work(i);
-        } catch (const Interrupted&) {
-            pieces_.next = pieces_.count;
-        } catch (...) {
-            pieces_.keepError();
-        }
+/// Takes one piece after another; where one fails, no thread takes more.
+void takePieces(Pieces& pieces,
+                const std::function<std::function<void(std::size_t)>()>& makeWorker) {
+    try {
+        const auto work = makeWorker();
+        for (std::size_t i = pieces.next++; i < pieces.count && !caughtSignal(); i = pieces.next++)
+            work(i);
+    } catch (const Interrupted&) {
+        pieces.next = pieces.count;
+    } catch (...) {
+        pieces.next = pieces.count;
+        throw;
     }
-
-private:
-    Pieces& pieces_;
-    const std::function<std::function<void(std::size_t)>()>& makeWorker_;
-};
+}
 
 } // namespace
 
 void runWorkers(int jobs, std::size_t count,
                 const std::function<std::function<void(std::size_t)>()>& makeWorker,
                 const std::function<void()>& tick) {
-    constexpr int period = 100; // milliseconds
-    Pieces pieces{count, {}, {}, {}};
-    {
-        QThreadPool pool;
-        const int threads =
-            static_cast<int>(std::min<std::size_t>(static_cast<std::size_t>(jobs), count));
-        pool.setMaxThreadCount(std::max(threads, 1));
-        for (int i = 0; i < threads; ++i)
-            pool.start(new Worker(pieces, makeWorker)); // the pool owns it
-        while (!pool.waitForDone(period))
+    // OpenCV lists its formats when it is first asked: now, while there is one thread. Any thread
+    // may do it, but by a lock of OpenCV's own that checkers of threads do not see.
+    static_cast<void>(cv::haveImageWriter(".png"));
+
+    constexpr std::chrono::milliseconds period(100);
+    Pieces pieces{count, {}};
+    const auto threads = std::min(static_cast<std::size_t>(std::max(jobs, 1)), count);
+    std::vector<std::future<void>> workers; // whose end waits for the threads
+    for (std::size_t i = 0; i < threads; ++i)
+        workers.push_back(std::async(std::launch::async, [&] { takePieces(pieces, makeWorker); }));
+    for (const std::future<void>& worker : workers)
+        while (worker.wait_for(period) != std::future_status::ready)
             tick();
-    }
-    if (pieces.error)
-        std::rethrow_exception(pieces.error);
+    for (std::future<void>& worker : workers)
+        worker.get();
 }
 
-int defaultJobs() { return std::max(QThread::idealThreadCount(), 1); }
+int defaultJobs() { return static_cast<int>(std::max(std::thread::hardware_concurrency(), 1U)); }
 
 } // namespace apps
