@@ -70,7 +70,6 @@ private:
     void connectFrameActions();
     void connectViewActions();
     void connectChannelActions();
-    void connectMovement(Act act, QPoint by);
 
     void askAndOpen(bool adds);
     void askAndSave();

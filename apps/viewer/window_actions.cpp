@@ -29,6 +29,9 @@ const QString pictureFilter =
     QStringLiteral("Pictures and settings (*.tif *.tiff *.png *.jpg *.jpeg *.bmp *.pgm *.json)"
                    ";;All files (*)");
 
+/// The action so many places behind another.
+Act from(Act first, int places) { return static_cast<Act>(static_cast<int>(first) + places); }
+
 /// Dyes that tell a simulated camera's channels apart.
 std::vector<Channel> cameraChannels(int count, const DyeList& dyes) {
     std::vector<Channel> channels;
@@ -78,9 +81,9 @@ void Window::connectFileActions() {
 
 void Window::connectFrameActions() {
     Actions& act = *actions_;
-    connect(&act[Act::camera2], &QAction::triggered, this, [this] { startCamera(2); });
-    connect(&act[Act::camera3], &QAction::triggered, this, [this] { startCamera(3); });
-    connect(&act[Act::camera4], &QAction::triggered, this, [this] { startCamera(4); });
+    for (int channels = 2; channels <= 4; ++channels)
+        connect(&act[from(Act::camera2, channels - 2)], &QAction::triggered, this,
+                [this, channels] { startCamera(channels); });
     connect(&act[Act::cameraFiles], &QAction::triggered, this, [this] { startCamera(0); });
     connect(&act[Act::run], &QAction::triggered, this,
             [this](bool on) { on ? viewer_.start() : viewer_.stop(); });
@@ -116,11 +119,6 @@ void Window::connectViewActions() {
     connect(panel_, &ChannelPanel::currentRowChanged, this, &Window::updateOptions);
 }
 
-void Window::connectMovement(Act act, QPoint by) {
-    connect(&(*actions_)[act], &QAction::triggered, this,
-            [this, by] { viewer_.model().nudge(panel_->currentRow(), by); });
-}
-
 void Window::connectChannelActions() {
     Actions& act = *actions_;
     ChannelModel& model = viewer_.model();
@@ -129,25 +127,22 @@ void Window::connectChannelActions() {
                 [this, change] { change(viewer_.model(), panel_->currentRow()); });
     };
     for (int row = 0; row < 9; ++row)
-        connect(&act[static_cast<Act>(static_cast<int>(Act::show1) + row)], &QAction::triggered,
-                &model, [&model, row] {
-                    if (row < model.size())
-                        model.setVisible(row, !model.channel(row).visible);
-                });
+        connect(&act[from(Act::show1, row)], &QAction::triggered, &model, [&model, row] {
+            if (row < model.size())
+                model.setVisible(row, !model.channel(row).visible);
+        });
     onCurrent(Act::solo, [](ChannelModel& m, int row) { m.solo(row); });
     connect(&act[Act::showAll], &QAction::triggered, &model, &ChannelModel::showAll);
     connect(&act[Act::distinct], &QAction::triggered, &model, &ChannelModel::useDistinctColours);
     connect(&act[Act::goToChannels], &QAction::triggered, panel_, &ChannelPanel::focusChannels);
     connect(&act[Act::goToLevels], &QAction::triggered, panel_, &ChannelPanel::focusLevels);
     constexpr int far = 10;
-    connectMovement(Act::left, {-1, 0});
-    connectMovement(Act::right, {1, 0});
-    connectMovement(Act::up, {0, -1});
-    connectMovement(Act::down, {0, 1});
-    connectMovement(Act::farLeft, {-far, 0});
-    connectMovement(Act::farRight, {far, 0});
-    connectMovement(Act::farUp, {0, -far});
-    connectMovement(Act::farDown, {0, far});
+    const std::pair<Act, QPoint> movements[] = {
+        {Act::left, {-1, 0}},    {Act::right, {1, 0}},      {Act::up, {0, -1}},
+        {Act::down, {0, 1}},     {Act::farLeft, {-far, 0}}, {Act::farRight, {far, 0}},
+        {Act::farUp, {0, -far}}, {Act::farDown, {0, far}}};
+    for (const auto& [which, by] : movements)
+        onCurrent(which, [by = by](ChannelModel& m, int row) { m.nudge(row, by); });
     connect(&act[Act::unmoved], &QAction::triggered, &model, &ChannelModel::resetOffsets);
     onCurrent(Act::automatic, [](ChannelModel& m, int row) { m.useAutomaticLevels(row); });
     connect(&act[Act::allAutomatic], &QAction::triggered, &model, [&model] {
@@ -158,7 +153,7 @@ void Window::connectChannelActions() {
     onCurrent(Act::reset, [](ChannelModel& m, int row) { m.useFullRange(row); });
     onCurrent(Act::toAll, [](ChannelModel& m, int row) { m.copyLevelsToAll(row); });
     for (int i = 0; i < 5; ++i)
-        onCurrent(static_cast<Act>(static_cast<int>(Act::full8) + i),
+        onCurrent(from(Act::full8, i),
                   [i](ChannelModel& m, int row) { m.useFullRange(row, 8 + 2 * i); });
 }
 
