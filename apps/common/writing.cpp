@@ -25,6 +25,7 @@ namespace apps {
 namespace {
 
 const QString standardOutput = QStringLiteral("-");
+const QString noFile = QStringLiteral("is not a file that could be replaced");
 
 /// Where a name leads, through links.
 QString target(const QString& file) {
@@ -37,6 +38,12 @@ QString target(const QString& file) {
 QString partFile(const QString& file) {
     const QFileInfo info(target(file));
     return info.dir().filePath(QStringLiteral(".%1.part").arg(info.fileName()));
+}
+
+/// Whether the name is taken by a folder, a device or a pipe.
+bool isNoFile(const QString& file) {
+    const QFileInfo info(file);
+    return info.exists() && !info.isFile();
 }
 
 bool isSameFile(const QString& a, const QString& b) {
@@ -103,14 +110,15 @@ void checkOutput(const QString& output, const QStringList& inputs, bool overwrit
     for (const QString& input : inputs)
         if (isSameFile(output, input))
             refuse(QStringLiteral("is an input, too; give the output another name"));
-    const QFileInfo info(output);
-    if (info.exists() && !info.isFile())
-        refuse(QStringLiteral("is not a file that could be replaced"));
-    if (info.exists() && !overwrite)
+    if (isNoFile(output))
+        refuse(noFile);
+    if (QFileInfo::exists(output) && !overwrite)
         refuse(QStringLiteral("is there already; --overwrite replaces it"));
 }
 
 WholeFile::WholeFile(const QString& file) : file_(file), device_(partFile(file)) {
+    if (isNoFile(file)) // another one in its place would be the end of a device
+        fail(noFile);
     if (!device_.open(QIODevice::WriteOnly))
         fail(device_.errorString());
 }

@@ -29,7 +29,8 @@ void checkOutput(const QString& output, const QStringList& inputs, bool overwrit
 /// can be told from everything else.
 class WholeFile {
 public:
-    /// @throws Failure with the file's name, as all of this class.
+    /// @throws Failure with the file's name, as all of this class; also if what has the name is no
+    ///         file.
     explicit WholeFile(const QString& file);
 
     /// The file while it is written. Nothing is kept of it unless `commit` is called.

@@ -22,6 +22,7 @@ int measure(const BatchOptions& options) {
     settings.channels = namedChannels(texts(options.channels), std::nullopt, dyes);
     const std::vector<LevelPolicy> policies = options.picture.applyTo(settings.channels, false);
     const QString output = text(options.output);
+    checkOutput(output, {}, true);
     std::vector<Field> fields = requestedFields(options, settings.channels);
     if (fields.empty())
         return nothingMatched;

@@ -9,7 +9,6 @@ namespace apps {
 namespace {
 
 const QColor stageColours[Pace::stages] = {"#7a5cc4", "#3d7fc9", "#33a089", "#d9a441", "#c9605a"};
-constexpr int legendWidth = 180;
 
 } // namespace
 
@@ -18,8 +17,13 @@ CourseView::CourseView(const Statistics& statistics, QWidget* parent)
     setAccessibleName(QStringLiteral("Milliseconds of each stage over the last minute"));
 }
 
+int CourseView::legendWidth() const {
+    return fontMetrics().height() +
+           fontMetrics().horizontalAdvance(QStringLiteral("composite  00.00 ms"));
+}
+
 QSize CourseView::minimumSizeHint() const {
-    return {2 * legendWidth, (Pace::stages + 2) * fontMetrics().height()};
+    return {2 * legendWidth(), (Pace::stages + 2) * fontMetrics().height()};
 }
 
 void CourseView::setBudget(double milliseconds) {
@@ -68,7 +72,7 @@ void CourseView::drawLegend(QPainter& painter, QRectF box) const {
 void CourseView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF box = QRectF(rect()).adjusted(10, 8, -legendWidth - 24, -8);
+    const QRectF box = QRectF(rect()).adjusted(10, 8, -legendWidth() - 24, -8);
     double highest = 0;
     for (const Pace& pace : statistics_.course())
         highest = std::max(highest, pace.sum());
@@ -87,7 +91,7 @@ void CourseView::paintEvent(QPaintEvent* /*event*/) {
                      QStringLiteral("a minute ago"));
     painter.drawText(box.adjusted(6, 4, -6, -4), Qt::AlignBottom | Qt::AlignRight,
                      QStringLiteral("now"));
-    drawLegend(painter, QRectF(box.right() + 14, box.top(), legendWidth, box.height()));
+    drawLegend(painter, QRectF(box.right() + 14, box.top(), legendWidth(), box.height()));
 }
 
 } // namespace apps

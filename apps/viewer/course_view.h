@@ -25,6 +25,7 @@ protected:
 private:
     void drawStages(QPainter& painter, QRectF box, double scale) const;
     void drawLegend(QPainter& painter, QRectF box) const;
+    int legendWidth() const;
 
     const Statistics& statistics_;
     double budget_ = 1000.0 / 30;

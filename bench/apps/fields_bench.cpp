@@ -107,18 +107,20 @@ int main(int argc, char** argv) {
         return 0;
     }
     const std::optional<Work> work = workNamed(mode);
-    if (argc != 7 || !work) {
-        std::fputs(
-            "usage: fields_bench make FOLDER COUNT\n"
-            "       fields_bench read|write|floor|plain FOLDER COUNT OUT EXTENSION THREADS\n",
-            stderr);
+    if (argc < 7 || argc > 8 || !work) {
+        std::fputs("usage: fields_bench make FOLDER COUNT\n"
+                   "       fields_bench read|write|floor|plain FOLDER COUNT OUT EXTENSION THREADS "
+                   "[PICTURE]\n",
+                   stderr);
         return 2;
     }
     const std::string folder = argv[2], out = argv[4], extension = argv[5];
     cv::setNumThreads(1);
     std::filesystem::create_directories(out);
     cv::Mat finished;
-    if (work->writes && !work->makes)
+    if (argc == 8)
+        finished = cv::imread(argv[7]);
+    else if (work->writes && !work->makes)
         finished = plainPicture(cv::imread(input(folder, 0, "dapi"), asItIs),
                                 cv::imread(input(folder, 0, "actin"), asItIs));
     runThreads(std::atoi(argv[6]), std::atoi(argv[3]), [&](int field) {

@@ -100,6 +100,12 @@ load setup.bash
   fails 1 "plate/f03_dapi.tif: is an input" lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o plate/f03_dapi.tif
   [ "$(sum plate)" = "$before" ]
   fails 2 "--log" plate -o '{field}.png' --resume
+  mkfifo pipe
+  for output in plate pipe; do
+    fails 1 "$output: is not a file that could be replaced" lumetra levels \
+      'plate/{field}_{channel}.tif' --channel dapi=DAPI -o $output
+  done
+  [ -p pipe ]
   fails 1 ".png, .tif" plate -o '{field}.bmp' --quiet
   [ -z "$(find . -name '*.png' -newer plate)" ]
 }

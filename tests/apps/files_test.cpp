@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <sys/stat.h>
+
 namespace apps {
 namespace {
 
@@ -82,6 +84,11 @@ TEST(Files, AreNotReplacedUnasked) {
     EXPECT_THROW(checkOutput(link, {file}, true), Failure);
     EXPECT_THROW(checkOutput(folder.path(), {}, true), Failure);
     EXPECT_THROW(checkOutput("/dev/null", {}, true), Failure);
+
+    const QByteArray pipe = QFile::encodeName(folder.filePath("pipe"));
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    EXPECT_THROW(writeBytes(folder.filePath("pipe"), "x", 1), Failure);
+    EXPECT_FALSE(QFileInfo(folder.filePath("pipe")).isFile());
 
     writePicture(link, noisePlane({5, 5}, CV_8UC1, 1)); // what it leads to
     EXPECT_EQ(Stack(file).page(1).cols, 5);
