@@ -46,8 +46,15 @@ void Viewer::inBackground(const std::function<std::function<void()>()>& work) {
 
 void Viewer::connectCamera(std::shared_ptr<FrameSource> camera,
                            const std::vector<Channel>& channels) {
+    forgetOpenings();
     setSource(std::move(camera), channels);
     emit sourceChanged();
+}
+
+/// What is being opened was asked for before what is asked for now.
+void Viewer::forgetOpenings() {
+    openings_.clear();
+    ++turn_;
 }
 
 void Viewer::setSource(std::shared_ptr<FrameSource> source, const std::vector<Channel>& channels) {
@@ -69,7 +76,7 @@ void Viewer::setSource(std::shared_ptr<FrameSource> source, const std::vector<Ch
 }
 
 void Viewer::close() {
-    openings_.clear();
+    forgetOpenings();
     feed_.reset();
     stack_.reset();
     loop_.clear();

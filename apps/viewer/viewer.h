@@ -104,6 +104,7 @@ private:
     void setSource(std::shared_ptr<FrameSource> source, const std::vector<Channel>& channels);
     void setStack(const std::shared_ptr<StackSource>& stack, bool adds);
     void openNext();
+    void forgetOpenings();
     void beginToOpen(const QStringList& words, bool adds);
     QStringList withoutSettings(const QStringList& words);
     std::vector<ChannelFile> parsed(const QStringList& words) const;
@@ -117,6 +118,7 @@ private:
         bool adds = false;
     };
     std::deque<Opening> openings_; // that wait for their turn
+    int turn_ = 0;                 // rises when what is being opened is not wanted any more
     int jobs_ = 0;                 // in the background, until their outcome is known here
     std::vector<Channel> pendingSettings_;
     QVector<QColor> slotColours_;

@@ -85,12 +85,15 @@ void Viewer::beginToOpen(const QStringList& words, bool adds) {
         files.insert(files.end(), more.begin(), more.end());
         if (more.empty())
             return;
-        inBackground([this, files, adds]() -> std::function<void()> {
+        inBackground([this, files, adds, turn = turn_]() -> std::function<void()> {
             auto stack = std::make_shared<StackSource>(files);
             Frame first;
             stack->grab(first); // says what is wrong before anything changes
             stack->seek(1);
-            return [this, stack, adds] { setStack(stack, adds); };
+            return [this, stack, adds, turn] {
+                if (turn == turn_)
+                    setStack(stack, adds);
+            };
         });
     } catch (const Failure& failure) {
         emit problem(failure.text());

@@ -40,6 +40,7 @@ private slots:
     void oneToOneIsCrisp();
     void droppedFilesAreAddedOrRefused();
     void dropsInQuickSuccessionAreAllTaken();
+    void whatIsAskedForLastIsShown();
     void offsetsAreWrittenInFields();
     void tablesOfColoursComeFromFiles();
     void aStalledCameraIsSpokenOf();
@@ -334,6 +335,20 @@ void WindowTest::dropsInQuickSuccessionAreAllTaken() {
     window_->viewer().open({file("e.tif", 32)}); // what is added next belongs to this one
     drop(*window_, {file("f.tif", 32)});
     QTRY_COMPARE(window_->viewer().title(), QStringLiteral("e.tif, f.tif"));
+}
+
+void WindowTest::whatIsAskedForLastIsShown() {
+    openTwo();
+    Viewer& viewer = window_->viewer();
+    const QString file = folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3));
+    drop(*window_, {file}); // and closed before it is there
+    viewer.close();
+    QTRY_VERIFY(!viewer.isBusy());
+    QVERIFY(!viewer.hasSource());
+    viewer.open({file});
+    window_->startCamera(2);
+    QTRY_VERIFY(!viewer.isBusy());
+    QCOMPARE(viewer.title(), QStringLiteral("Camera"));
 }
 
 void WindowTest::offsetsAreWrittenInFields() {
