@@ -112,7 +112,9 @@ QString Pattern::filled(const Parts& parts) const {
         if (piece.isPart && !parts.contains(piece.text))
             throw BadUsage(
                 QStringLiteral("there is no part {%1}; there are %2")
-                    .arg(piece.text, QStringList(parts.keys()).join(QStringLiteral(", "))));
+                    .arg(piece.text, parts.isEmpty()
+                                         ? QStringLiteral("none")
+                                         : QStringList(parts.keys()).join(QStringLiteral(", "))));
         name += piece.isPart ? parts[piece.text] : piece.text;
     }
     return name;
