@@ -152,7 +152,7 @@ void makeDirectory(const std::filesystem::path& directory) {
 
 int main(int argc, char** argv) {
     return runProgram(usage, [&] {
-        if (argc % 2 != 0 || argc > 8)
+        if (argc < 2 || argc % 2 != 0 || argc > 8 || argv[1][0] == '-')
             throw BadUsage{};
         int seed = 1, size = 0, sites = 0;
         for (int i = 2; i < argc; i += 2) {

@@ -46,6 +46,6 @@ case ${1:-submit} in
   gallery)
     cat logs/fields-*.json >fields.log
     lumetra gallery "$pictures" -o index.html --settings plate.json --log fields.log \
-      --overwrite --quiet
+      --jobs "$SLURM_CPUS_PER_TASK" --overwrite --quiet
     ;;
 esac

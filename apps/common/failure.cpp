@@ -19,6 +19,11 @@ QString shown(const QString& words) {
     return line;
 }
 
+QString counted(std::size_t count, const QString& noun) {
+    return QStringLiteral("%1 %2%3").arg(count).arg(noun,
+                                                    count == 1 ? QString() : QStringLiteral("s"));
+}
+
 QString currentReason() {
     try {
         throw;

@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <stdexcept>
 
 namespace apps {
@@ -21,6 +22,9 @@ struct BadUsage : Failure {
 /// A name of a file, or other words of the user, as a message shows them: always in one line, with
 /// control characters written as escapes.
 QString shown(const QString& words);
+
+/// "1 field", "2 fields".
+QString counted(std::size_t count, const QString& noun);
 
 /// The reason that an exception carries, in one line. To be called in a catch block.
 QString currentReason();

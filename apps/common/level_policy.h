@@ -22,6 +22,11 @@ struct LevelPolicy {
     /// Whether the levels depend on pictures.
     bool isMeasured() const { return method == Method::clip; }
 
+    /// The levels that are known before there is a picture.
+    std::optional<LevelRange> known() const {
+        return method == Method::given ? std::optional(range) : std::nullopt;
+    }
+
     /// As `parseLevelPolicy` understands it.
     QString text() const;
 };

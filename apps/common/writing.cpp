@@ -25,6 +25,7 @@ namespace apps {
 namespace {
 
 const QString standardOutput = QStringLiteral("-");
+constexpr auto inputReason = "is an input, too; give the output another name";
 const QString noFile = QStringLiteral("is not a file that could be replaced");
 
 /// Where a name leads, through links.
@@ -44,14 +45,6 @@ QString partFile(const QString& file) {
 bool isNoFile(const QString& file) {
     const QFileInfo info(file);
     return info.exists() && !info.isFile();
-}
-
-bool isSameFile(const QString& a, const QString& b) {
-    struct stat first = {};
-    struct stat second = {};
-    return stat(QFile::encodeName(a).constData(), &first) == 0 &&
-           stat(QFile::encodeName(b).constData(), &second) == 0 && first.st_dev == second.st_dev &&
-           first.st_ino == second.st_ino;
 }
 
 void writeToStandardOutput(const char* bytes, std::size_t count) {
@@ -89,6 +82,44 @@ void copyRow(const cv::Mat& page, int y, std::vector<unsigned char>& bytes) {
 
 } // namespace
 
+QString placeOf(const QString& file) {
+    const QFileInfo info(QDir::cleanPath(QFileInfo(file).absoluteFilePath()));
+    if (info.isRoot() || info.path() == info.filePath()) // the latter of no name at all
+        return info.filePath();
+    const QString folder = QFileInfo(info.path()).canonicalFilePath();
+    return QDir(folder.isEmpty() ? placeOf(info.path()) : folder).filePath(info.fileName());
+}
+
+QString identityOf(const QString& file) {
+    struct stat status = {};
+    if (stat(QFile::encodeName(file).constData(), &status) != 0)
+        return placeOf(file);
+    return QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino);
+}
+
+void keepApart(const QStringList& written, const QStringList& read) {
+    const auto refuse = [](const QString& file, const char* reason) {
+        throw Failure(QStringLiteral("%1: %2").arg(shown(file), QLatin1String(reason)));
+    };
+    const auto isMeant = [](const QString& file) {
+        return !file.isEmpty() && file != standardOutput && !isNoFile(file);
+    };
+    QSet<QString> inputs, outputs;
+    for (const QString& file : read)
+        if (isMeant(file))
+            inputs << identityOf(file);
+    for (const QString& file : written) {
+        if (!isMeant(file))
+            continue;
+        const QString identity = identityOf(file);
+        if (inputs.contains(identity))
+            refuse(file, inputReason);
+        if (outputs.contains(identity))
+            refuse(file, "is to be written twice; give the outputs different names");
+        outputs << identity;
+    }
+}
+
 Format formatOf(const QString& file) {
     const QString extension = QFileInfo(file).suffix().toLower();
     if (file == standardOutput || extension == QLatin1String("png"))
@@ -107,9 +138,7 @@ void checkOutput(const QString& output, const QStringList& inputs, bool overwrit
     const auto refuse = [&](const QString& reason) {
         throw Failure(QStringLiteral("%1: %2").arg(shown(output), reason));
     };
-    for (const QString& input : inputs)
-        if (isSameFile(output, input))
-            refuse(QStringLiteral("is an input, too; give the output another name"));
+    keepApart({output}, inputs);
     if (isNoFile(output))
         refuse(noFile);
     if (QFileInfo::exists(output) && !overwrite)

@@ -19,6 +19,16 @@ enum class Format { png, tiff, jpeg };
 /// @throws Failure for any other extension.
 Format formatOf(const QString& file);
 
+/// Where a file is: absolute, with the links of its folders followed, though it may not be there.
+QString placeOf(const QString& file);
+
+/// What all names of one file have in common, whether it is there or not.
+QString identityOf(const QString& file);
+
+/// @throws Failure if a file that is to be written is one of those that are read, or another one of
+///         those that are written. Names that are empty, `-`, a pipe or a device are passed over.
+void keepApart(const QStringList& written, const QStringList& read);
+
 /// @throws Failure if an output would replace one of the inputs, anything that is not a file, or,
 ///         unless `overwrite`, any file.
 void checkOutput(const QString& output, const QStringList& inputs, bool overwrite);

@@ -44,7 +44,7 @@ void shareLevels(Batch& batch, const BatchOptions& options) {
     say(options, QStringLiteral("measuring one set of levels for the whole data set, so that its "
                                 "fields can be compared (--levels-over dataset)"));
     Progress progress(QStringLiteral("measuring"), static_cast<int>(batch.fields.size()),
-                      options.picture.isQuiet(), text(options.progress));
+                      options.picture.isQuiet(), text(options.progress), false);
     const DataSetLevels levels =
         measureLevels(batch.fields, batch.recipe.pages, options.jobs, progress);
     for (std::size_t i = 0; i < policies.size() && levels.files > 0; ++i)
@@ -68,7 +68,10 @@ Batch prepare(const BatchOptions& options) {
     if (batch.fields.empty())
         return batch;
 
-    keepInputs(batch.fields, {text(options.log), text(options.progress)});
+    QStringList written{text(options.log), text(options.progress)};
+    for (const Field& field : batch.fields)
+        written << field.files.output;
+    keepApart(written, filesRead(options, batch.fields));
     say(options, fieldList(batch.fields));
     shareLevels(batch, options);
     batch.fields = shardOf(batch.fields, text(options.shard));
@@ -76,11 +79,13 @@ Batch prepare(const BatchOptions& options) {
         say(options, QStringLiteral("of these, ") + fieldList(batch.fields));
     for (Field& field : batch.fields)
         for (std::size_t i = 0; i < channels.size(); ++i)
-            if (batch.recipe.levels[i].method == LevelPolicy::Method::given)
-                field.files.inputs[i].channel.levels = batch.recipe.levels[i].range;
-            else
-                field.files.inputs[i].channel.levels.reset();
+            field.files.inputs[i].channel.levels = batch.recipe.levels[i].known();
     return batch;
+}
+
+/// A name of a file that no program takes for an option.
+QString noOption(const QString& file) {
+    return file.startsWith(QLatin1Char('-')) ? QStringLiteral("./") + file : file;
 }
 
 /// The line that does for a field what the batch does.
@@ -89,26 +94,33 @@ QString mergeLine(const Field& field, const Batch& batch, const BatchOptions& op
     QStringList more;
     for (std::size_t i = 0; i < field.files.inputs.size(); ++i) {
         const ChannelFile& input = field.files.inputs[i];
-        words << fileWords(input) + QLatin1Char('=') +
+        words << noOption(fileWords(input)) + QLatin1Char('=') +
                      channelWords(input.channel, batch.builtInDyes);
-        more << QStringLiteral("--levels") << batch.recipe.levels[i].text();
-        if (batch.recipe.levels[i].method != LevelPolicy::Method::none)
-            more << QStringLiteral("--gamma")
-                 << QString::number(input.channel.gamma, 'g', QLocale::FloatingPointShortest);
+        more << QStringLiteral("--levels") << batch.recipe.levels[i].text()
+             << QStringLiteral("--gamma")
+             << QString::number(input.channel.gamma, 'g', QLocale::FloatingPointShortest);
         if (!input.channel.visible)
             more << QStringLiteral("--hide") << QString::number(i + 1);
     }
     if (!options.log.empty())
-        more << QStringLiteral("--log") << text(options.log);
+        more << QStringLiteral("--log") << noOption(text(options.log));
+    if (options.resume && !options.picture.overwrites())
+        more << QStringLiteral("--overwrite");
     return shellLine(words + more + options.picture.words() +
-                     QStringList{"-o", field.files.output});
+                     QStringList{"-o", noOption(field.files.output)});
 }
 
+/// Fields that cannot be made have no line that could log it.
 void printLines(const Batch& batch, const BatchOptions& options) {
+    BatchLog log(text(options.log), options.resume);
     QString lines;
-    for (const Field& field : batch.fields)
-        if (field.problem.isEmpty())
+    for (const Field& field : batch.fields) {
+        const QJsonObject work = workOf(field, batch.recipe);
+        if (!field.problem.isEmpty())
+            log.addFailed(work, 0, field.problem);
+        else if (!log.isDone(work))
             lines += mergeLine(field, batch, options) + QLatin1Char('\n');
+    }
     print(lines);
 }
 
@@ -125,7 +137,6 @@ bool makeField(Field& field, PictureMaker& maker, const Recipe& recipe, BatchLog
     try {
         if (!field.problem.isEmpty())
             throw Failure(field.problem);
-        QDir().mkpath(QFileInfo(field.files.output).path()); // what goes wrong, writing tells
         maker.make(field.files);
         log.addDone(work, timer.elapsed());
         progress.fieldDone();
@@ -180,10 +191,10 @@ int runBatch(const BatchOptions& options) {
         std::count_if(batch.fields.begin(), batch.fields.end(),
                       [](const Field& field) { return !field.problem.isEmpty(); });
     if (problems == 0 && !options.dryRun)
-        say(options, doneBefore == 0 ? QStringLiteral("%1 fields done").arg(batch.fields.size())
-                                     : QStringLiteral("%1 fields done, %2 of them by former runs")
-                                           .arg(batch.fields.size())
-                                           .arg(doneBefore));
+        say(options,
+            counted(batch.fields.size(), QStringLiteral("field")) + QStringLiteral(" done") +
+                (doneBefore == 0 ? QString()
+                                 : QStringLiteral(", %1 of them by former runs").arg(doneBefore)));
     return problems == 0 ? done : failed;
 }
 

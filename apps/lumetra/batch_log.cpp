@@ -11,10 +11,11 @@
 namespace apps {
 namespace {
 
-const QString outputKey = QStringLiteral("output"), outcomeKey = QStringLiteral("outcome"),
-              reasonKey = QStringLiteral("reason"), channelsKey = QStringLiteral("channels"),
-              methodKey = QStringLiteral("method"), bytesKey = QStringLiteral("bytes"),
-              timeKey = QStringLiteral("milliseconds"), doneOutcome = QStringLiteral("done");
+const QString fieldKey = QStringLiteral("field"), outputKey = QStringLiteral("output"),
+              outcomeKey = QStringLiteral("outcome"), reasonKey = QStringLiteral("reason"),
+              channelsKey = QStringLiteral("channels"), methodKey = QStringLiteral("method"),
+              bytesKey = QStringLiteral("bytes"), timeKey = QStringLiteral("milliseconds"),
+              doneOutcome = QStringLiteral("done");
 
 QJsonObject parsed(const QByteArray& json) { return QJsonDocument::fromJson(json).object(); }
 
@@ -31,6 +32,21 @@ QList<QByteArray> linesOf(const QString& name) {
     if (!file.open(QIODevice::ReadOnly))
         fail(file);
     return file.readAll().split('\n');
+}
+
+/// What of a line decides on the bytes of the picture. A single merge knows no names of fields and
+/// channels.
+QJsonObject causes(QJsonObject line) {
+    for (const QString& key : {fieldKey, outcomeKey, bytesKey, timeKey})
+        line.remove(key);
+    QJsonArray channels;
+    for (const QJsonValue channel : line[channelsKey].toArray()) {
+        QJsonObject settings = channel.toObject();
+        settings.remove(QStringLiteral("name"));
+        channels << settings;
+    }
+    line[channelsKey] = channels;
+    return line;
 }
 
 } // namespace
@@ -54,12 +70,11 @@ BatchLog::BatchLog(const QString& file, bool resume) {
 }
 
 bool BatchLog::isDone(const QJsonObject& work) const {
-    QJsonObject former = doneByOutput_.value(work[outputKey].toString());
+    const QJsonObject former = doneByOutput_.value(work[outputKey].toString());
     const QFileInfo output(work[outputKey].toString());
     const auto bytes = static_cast<qint64>(former[bytesKey].toDouble(-1));
-    for (const QString& key : {outcomeKey, bytesKey, timeKey})
-        former.remove(key);
-    return output.isFile() && output.size() == bytes && former == parsed(lineOf(work));
+    return output.isFile() && output.size() == bytes &&
+           causes(former) == causes(parsed(lineOf(work)));
 }
 
 void BatchLog::add(const QJsonObject& line) {
@@ -103,7 +118,7 @@ QJsonObject workOf(const Field& field, const Recipe& recipe) {
                         {"legend", recipe.annotation.legend}};
     if (const auto& bar = recipe.annotation.scaleBar)
         options["scale bar"] = QJsonArray{bar->micrometres, bar->pixelSize};
-    return {{"field", field.name},   {"inputs", inputs},   {outputKey, field.files.output},
+    return {{fieldKey, field.name},  {"inputs", inputs},   {outputKey, field.files.output},
             {channelsKey, channels}, {"options", options}, {"version", LUMETRA_VERSION}};
 }
 

@@ -24,9 +24,8 @@ void addDataSetOptions(BatchOptions& options, CLI::App& command);
 std::vector<Field> requestedFields(const BatchOptions& options,
                                    const std::vector<Channel>& channels);
 
-/// @throws Failure if a file that is to be written is one of those that are read.
-void keepInputs(const std::vector<ChannelFile>& inputs, const QStringList& written);
-void keepInputs(const std::vector<Field>& fields, const QStringList& written);
+/// The names of all files that are read: pictures, settings, dyes, the list of files.
+QStringList filesRead(const BatchOptions& options, const std::vector<Field>& fields);
 
 /// Tells the fields with a problem, one in a line, and their number.
 void tellProblems(const std::vector<Field>& fields);

@@ -1,10 +1,9 @@
 #include "apps/lumetra/data_set.h"
 
 #include "apps/common/failure.h"
+#include "apps/common/writing.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -100,8 +99,7 @@ void nameOutputs(std::vector<Field>& fields, const QString& outputPattern) {
     QMap<QString, QString> fieldOfOutput;
     for (Field& field : fields) {
         field.files.output = pattern.filled(field.parts);
-        const QString path = QFileInfo(field.files.output).absoluteFilePath();
-        QString& other = fieldOfOutput[QDir::cleanPath(path)];
+        QString& other = fieldOfOutput[identityOf(field.files.output)];
         if (!other.isNull())
             throw BadUsage(QStringLiteral("the fields %1 and %2 have the same output %3")
                                .arg(shown(other), shown(field.name), shown(field.files.output)));
@@ -109,10 +107,10 @@ void nameOutputs(std::vector<Field>& fields, const QString& outputPattern) {
     }
     for (const Field& field : fields)
         for (const ChannelFile& input : field.files.inputs) {
-            const QString path = QDir::cleanPath(QFileInfo(input.file).absoluteFilePath());
-            if (!input.file.isEmpty() && fieldOfOutput.contains(path))
+            const QString identity = identityOf(input.file);
+            if (!input.file.isEmpty() && fieldOfOutput.contains(identity))
                 throw BadUsage(QStringLiteral("%1 is an input and the output of the field %2")
-                                   .arg(shown(input.file), shown(fieldOfOutput[path])));
+                                   .arg(shown(input.file), shown(fieldOfOutput[identity])));
         }
 }
 
@@ -182,10 +180,9 @@ QString fieldList(const std::vector<Field>& fields) {
     QStringList names;
     for (std::size_t i = 0; i < std::min(fields.size(), most); ++i)
         names << shown(fields[i].name);
-    QString line = QStringLiteral("%1 field%2: %3")
-                       .arg(fields.size())
-                       .arg(fields.size() == 1 ? QString() : QStringLiteral("s"))
-                       .arg(names.join(QStringLiteral(", ")));
+    QString line = counted(fields.size(), QStringLiteral("field"));
+    if (!names.join(QString()).isEmpty()) // a pattern without parts has one field without a name
+        line += QStringLiteral(": ") + names.join(QStringLiteral(", "));
     if (fields.size() > most)
         line += QStringLiteral(" and %1 more").arg(fields.size() - most);
     return line;

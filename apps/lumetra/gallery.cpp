@@ -1,6 +1,7 @@
 #include "apps/lumetra/gallery.h"
 
 #include "apps/common/failure.h"
+#include "apps/common/writing.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,8 +20,10 @@ bool isPicture(const QString& file) {
     return extensions.contains(QFileInfo(file).suffix().toLower());
 }
 
-QString absolute(const QString& file) {
-    return QDir::cleanPath(QFileInfo(file).absoluteFilePath());
+/// As `placeOf`, which leaves the last name as it is.
+QString placeOfFolder(const QString& folder) {
+    const QString real = QFileInfo(folder).canonicalFilePath();
+    return real.isEmpty() ? placeOf(folder) : real;
 }
 
 QString tileName(const QString& folder, const QString& file) {
@@ -33,6 +36,8 @@ void collect(const QString& root, const QString& folder, std::vector<Tile>& tile
     const QDir directory(folder);
     if (!directory.isReadable())
         throw Failure(QStringLiteral("%1: cannot be read").arg(shown(folder)));
+    // What is neither file nor folder has a name that is no text in this encoding, or leads
+    // nowhere.
     const auto entries = directory.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QFileInfo& entry : entries) {
         const QString path = directory.filePath(entry.fileName());
@@ -60,10 +65,10 @@ QString levelsText(const Channel& channel, const QString& method) {
     return channel.visible ? text : text + QStringLiteral(", hidden");
 }
 
-bool haveEqualChannels(const std::vector<LegendEntry>& a, const std::vector<LegendEntry>& b) {
+bool haveEqualDyes(const std::vector<LegendEntry>& a, const std::vector<LegendEntry>& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](const LegendEntry& one, const LegendEntry& other) {
-                          return one.name == other.name && one.colour == other.colour;
+                          return one.dye == other.dye && one.colour == other.colour;
                       });
 }
 
@@ -78,27 +83,35 @@ std::vector<Tile> findPictures(const QString& folder) {
     return tiles;
 }
 
-void addLogged(std::vector<Tile>& tiles, const QString& folder,
-               const std::vector<LoggedPicture>& log) {
-    std::map<QString, std::size_t> tileOfFile;
-    for (std::size_t i = 0; i < tiles.size(); ++i)
-        tileOfFile[absolute(tiles[i].file)] = i;
-    std::map<QString, QString> reasonOfFile; // the last word on each
-    for (const LoggedPicture& picture : log)
-        reasonOfFile[absolute(picture.output)] = picture.reason;
+LastWords lastWords(const std::vector<LoggedPicture>& log, const QString& folder) {
+    const QString above = QDir(placeOfFolder(folder)).filePath(QString());
+    LastWords words;
+    for (const LoggedPicture& picture : log) {
+        const QString place = placeOf(picture.output);
+        if (place.startsWith(above))
+            words[place] = picture;
+    }
+    return words;
+}
 
-    const QString above = absolute(folder) + QLatin1Char('/');
-    for (const auto& [file, reason] : reasonOfFile) {
-        const auto there = tileOfFile.find(file);
-        if (there != tileOfFile.end())
-            tiles[there->second].problem = reason;
-        else if (file.startsWith(above))
-            tiles.push_back(
-                {tileName(folder, file),
-                 {},
-                 {},
-                 reason.isEmpty() ? QStringLiteral("was made, and is not there any more") : reason,
-                 false});
+void addLogged(std::vector<Tile>& tiles, const QString& folder, const LastWords& log) {
+    std::map<QString, std::size_t> tileOfPlace;
+    for (std::size_t i = 0; i < tiles.size(); ++i)
+        tileOfPlace[placeOf(tiles[i].file)] = i;
+    for (const auto& [place, picture] : log) {
+        const auto known = tileOfPlace.find(place);
+        if (known != tileOfPlace.end()) {
+            tiles[known->second].problem = picture.reason;
+            continue;
+        }
+        const bool isThere = QFileInfo(place).isFile(); // in a folder that was not searched
+        const QString gone =
+            isThere ? QString() : QStringLiteral("was made, and is not there any more");
+        tiles.push_back({tileName(folder, place),
+                         isThere ? place : QString(),
+                         {},
+                         picture.reason.isEmpty() ? gone : picture.reason,
+                         false});
     }
     sortByName(tiles);
 }
@@ -106,35 +119,35 @@ void addLogged(std::vector<Tile>& tiles, const QString& folder,
 std::vector<LegendEntry> legendOf(const std::vector<Channel>& channels,
                                   const QStringList& methods) {
     std::vector<LegendEntry> legend;
-    for (const Channel& channel : channels) {
-        const QString dye = channel.dye.isEmpty() ? channel.colour.name() : channel.dye;
-        const QString name =
-            channel.name.isEmpty() ? dye : QStringLiteral("%1: %2").arg(channel.name, dye);
-        legend.push_back({name, channel.colour,
+    for (const Channel& channel : channels)
+        legend.push_back({channel.name, channel.dye.isEmpty() ? channel.colour.name() : channel.dye,
+                          channel.colour,
                           levelsText(channel, methods.value(static_cast<int>(legend.size())))});
-    }
     return legend;
 }
 
-std::vector<LegendEntry> commonLegend(const std::vector<LoggedPicture>& log) {
+std::vector<LegendEntry> commonLegend(const LastWords& log) {
     std::vector<LegendEntry> common;
-    for (const LoggedPicture& picture : log) {
+    for (const auto& [place, picture] : log) {
         if (!picture.reason.isEmpty() || picture.channels.empty())
             continue;
         const std::vector<LegendEntry> legend = legendOf(picture.channels, picture.methods);
         if (common.empty())
             common = legend;
-        if (!haveEqualChannels(common, legend))
+        if (!haveEqualDyes(common, legend))
             return {};
-        for (std::size_t i = 0; i < legend.size(); ++i)
+        for (std::size_t i = 0; i < legend.size(); ++i) {
             if (common[i].levels != legend[i].levels)
                 common[i].levels = QStringLiteral("levels differ");
+            if (common[i].name != legend[i].name)
+                common[i].name.clear();
+        }
     }
     return common;
 }
 
 QString nameBelow(const QString& folder, const QString& file) {
-    return QDir(absolute(folder)).relativeFilePath(absolute(file));
+    return QDir(placeOfFolder(folder)).relativeFilePath(placeOf(file));
 }
 
 QString thumbnailFolder(const QString& page) {

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <map>
 #include <vector>
 
 namespace apps {
@@ -22,7 +23,8 @@ struct Tile {
 
 /// A channel of all pictures, in words.
 struct LegendEntry {
-    QString name; ///< Of the channel and its dye.
+    QString name; ///< Of the channel; may be empty.
+    QString dye;  ///< Or its colour, where that is all that is known.
     QColor colour;
     QString levels;
 };
@@ -41,10 +43,12 @@ struct Gallery {
 /// @throws Failure if it cannot be read.
 std::vector<Tile> findPictures(const QString& folder);
 
-/// Adds what logs say of the pictures of a folder, the last line of each counting: reasons of
-/// failures, and those that are not there.
-void addLogged(std::vector<Tile>& tiles, const QString& folder,
-               const std::vector<LoggedPicture>& log);
+/// The last word of logs on each picture below a folder, by its place (`placeOf`).
+using LastWords = std::map<QString, LoggedPicture>;
+LastWords lastWords(const std::vector<LoggedPicture>& log, const QString& folder);
+
+/// Adds what logs say: reasons of failures, and pictures that are not there.
+void addLogged(std::vector<Tile>& tiles, const QString& folder, const LastWords& log);
 
 /// What channels stand for.
 /// @param methods  How the levels were found of channels that have none; may be empty.
@@ -52,7 +56,7 @@ std::vector<LegendEntry> legendOf(const std::vector<Channel>& channels, const QS
 
 /// What is common to all pictures that logs have as done; empty if they do not have the same
 /// channels.
-std::vector<LegendEntry> commonLegend(const std::vector<LoggedPicture>& log);
+std::vector<LegendEntry> commonLegend(const LastWords& log);
 
 /// The name of a file as seen from a folder.
 QString nameBelow(const QString& folder, const QString& file);

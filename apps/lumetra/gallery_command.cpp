@@ -100,8 +100,9 @@ Gallery galleryOf(const GalleryOptions& options) {
         options.title.empty() ? QDir(folder).absolutePath().section('/', -1) : text(options.title);
     gallery.isList = options.list;
     gallery.tiles = findPictures(folder);
-    addLogged(gallery.tiles, folder, log);
-    gallery.legend = commonLegend(log);
+    const LastWords words = lastWords(log, folder);
+    addLogged(gallery.tiles, folder, words);
+    gallery.legend = commonLegend(words);
     if (!options.settings.empty()) {
         const Settings settings = readSettings(text(options.settings), DyeList());
         gallery.legend = legendOf(settings.channels, {});
@@ -124,11 +125,25 @@ int tellResult(const Gallery& gallery, const GalleryOptions& options) {
         tell(QStringLiteral("lumetra: %1\n").arg(tile.problem));
     }
     if (!options.quiet)
-        tell(QStringLiteral("lumetra: %1: %2 pictures, %3 of them broken\n")
-                 .arg(shown(text(options.output)))
-                 .arg(gallery.tiles.size())
+        tell(QStringLiteral("lumetra: %1: %2, %3 of them broken\n")
+                 .arg(shown(text(options.output)),
+                      counted(gallery.tiles.size(), QStringLiteral("picture")))
                  .arg(problems));
     return status;
+}
+
+/// Makes the folders of the page and of its thumbnails.
+void requireFolders(const QString& page) {
+    for (const QString& folder : {QFileInfo(page).path(), thumbnailFolder(page)})
+        if (!QDir().mkpath(folder) || !QFileInfo(folder).isWritable())
+            throw Failure(QStringLiteral("%1: cannot be written into").arg(shown(folder)));
+}
+
+QStringList filesRead(const Gallery& gallery, const GalleryOptions& options) {
+    QStringList files = texts(options.logs) << text(options.settings);
+    for (const Tile& tile : gallery.tiles)
+        files << tile.file;
+    return files;
 }
 
 int makeGallery(const GalleryOptions& options) {
@@ -137,15 +152,14 @@ int makeGallery(const GalleryOptions& options) {
     if (extension != QLatin1String("html") && extension != QLatin1String("htm"))
         throw Failure(QStringLiteral("%1: a gallery is written as .html").arg(shown(output)));
     checkOutput(output, {}, options.overwrite);
-    const QString beside = QFileInfo(output).absolutePath(); // of the page and its thumbnails
-    if (!QDir().mkpath(beside) || !QFileInfo(beside).isWritable())
-        throw Failure(QStringLiteral("%1: cannot be written").arg(shown(output)));
     Gallery gallery = galleryOf(options);
     if (gallery.tiles.empty()) {
         tell(QStringLiteral("lumetra: there is no picture in %1\n")
                  .arg(shown(text(options.folder))));
         return nothingMatched;
     }
+    keepApart({output, text(options.progress)}, filesRead(gallery, options));
+    requireFolders(output);
     makeThumbnails(gallery, options);
     const QByteArray html = galleryPage(gallery, output);
     removeLeftovers({output});
@@ -174,8 +188,10 @@ void addGalleryCommand(CLI::App& program, Action& action) {
     command
         .add_option("--log", options->logs,
                     "What 'lumetra batch' or 'lumetra merge' logged: shows channels and levels, "
-                    "and marks broken fields with their reason")
-        ->type_name("FILE");
+                    "and marks broken fields with their reason. To be used in the folder of that "
+                    "run, and once for each log")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
     command
         .add_option("--settings", options->settings,
                     "Shows channels and levels of this file that 'lumetra levels' wrote")

@@ -1,5 +1,6 @@
 #include "apps/lumetra/gallery_page.h"
 
+#include "apps/common/failure.h"
 #include "apps/lumetra/plate.h"
 
 #include <QFile>
@@ -191,9 +192,13 @@ QString sizeHtml(int size) {
 QString legendHtml(const Gallery& gallery) {
     QString html;
     for (const LegendEntry& entry : gallery.legend)
-        html += QStringLiteral("<li><span class=\"swatch\" style=\"background: %1\"></span>%2 "
-                               "<span class=\"muted\">%3</span></li>\n")
-                    .arg(entry.colour.name(), escaped(entry.name), escaped(entry.levels));
+        html +=
+            QStringLiteral("<li><span class=\"swatch\" style=\"background: %1\"></span>%2 "
+                           "<span class=\"muted\">%3</span></li>\n")
+                .arg(entry.colour.name(),
+                     escaped(entry.name.isEmpty() ? entry.dye
+                                                  : entry.name + QStringLiteral(": ") + entry.dye),
+                     escaped(entry.levels));
     if (!html.isEmpty())
         html = QStringLiteral("<ul class=\"legend\">\n%1</ul>\n").arg(html);
     if (!gallery.measured.isEmpty())
@@ -235,7 +240,8 @@ QByteArray galleryPage(const Gallery& gallery, const QString& page) {
                        .arg(size);
     html += title + QStringLiteral("</title>\n<style>") + QLatin1String(style) +
             QStringLiteral("</style>\n</head>\n<body>\n<header>\n<h1>") + title +
-            QStringLiteral("</h1>\n<p>") + number(tiles.size()) + QStringLiteral(" pictures</p>\n");
+            QStringLiteral("</h1>\n<p>") + counted(tiles.size(), QStringLiteral("picture")) +
+            QStringLiteral("</p>\n");
     html += legendHtml(gallery) + sizeHtml(size) + problemsHtml(gallery);
     html += QStringLiteral("</header>\n<main>\n") + mainHtml(layout, tiles);
     html += QStringLiteral("</main>\n<footer class=\"muted\">Made by lumetra " LUMETRA_VERSION

@@ -9,8 +9,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QFileInfo>
-
 #include <algorithm>
 
 namespace apps {
@@ -26,7 +24,7 @@ int measure(const BatchOptions& options) {
     std::vector<Field> fields = requestedFields(options, settings.channels);
     if (fields.empty())
         return nothingMatched;
-    keepInputs(fields, {output, text(options.progress)});
+    keepApart({output, text(options.progress)}, filesRead(options, fields));
 
     DataSetLevels levels;
     {
@@ -39,7 +37,11 @@ int measure(const BatchOptions& options) {
         throw Failure(QStringLiteral("no field could be measured"));
     for (std::size_t i = 0; i < settings.channels.size(); ++i)
         settings.channels[i].levels = levelsOf(levels.histograms[i], policies[i]);
-    settings.measured = Measurement{policies.front().text(), levels.files};
+    QStringList methods;
+    for (const LevelPolicy& policy : policies)
+        methods << policy.text();
+    methods.removeDuplicates();
+    settings.measured = Measurement{methods.join(QStringLiteral(", ")), levels.files};
     const QByteArray json = settingsJson(settings);
     removeLeftovers({output});
     writeBytes(output, json.constData(), static_cast<std::size_t>(json.size()));
@@ -86,18 +88,12 @@ std::vector<Field> requestedFields(const BatchOptions& options,
     return fields;
 }
 
-void keepInputs(const std::vector<ChannelFile>& inputs, const QStringList& written) {
-    QStringList names;
-    for (const ChannelFile& input : inputs)
-        names << input.file;
-    for (const QString& file : written)
-        if (QFileInfo(file).isFile()) // a pipe is nobody's picture
-            checkOutput(file, names, true);
-}
-
-void keepInputs(const std::vector<Field>& fields, const QStringList& written) {
+QStringList filesRead(const BatchOptions& options, const std::vector<Field>& fields) {
+    QStringList files = options.picture.filesRead() << text(options.filesFrom);
     for (const Field& field : fields)
-        keepInputs(field.files.inputs, written);
+        for (const ChannelFile& input : field.files.inputs)
+            files << input.file;
+    return files;
 }
 
 void tellProblems(const std::vector<Field>& fields) {

@@ -172,6 +172,8 @@ QStringList PictureOptions::words() const {
 
 QString PictureOptions::outputFile() const { return text(output_); }
 
+QStringList PictureOptions::filesRead() const { return {text(settings_), text(custom_)}; }
+
 QStringList texts(const std::vector<std::string>& arguments) {
     QStringList list;
     for (const std::string& argument : arguments)

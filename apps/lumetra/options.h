@@ -54,8 +54,12 @@ public:
     QStringList words() const;
 
     QString outputFile() const;
+
+    /// The files that are read besides pictures; empty names among them.
+    QStringList filesRead() const;
     bool overwrites() const { return overwrite_; }
     bool isQuiet() const { return quiet_; }
+    bool hasSettings() const { return !settings_.empty(); }
     bool hasLevels() const { return !levels_.empty(); }
 
 private:

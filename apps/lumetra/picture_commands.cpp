@@ -6,7 +6,6 @@
 #include "apps/common/messages.h"
 #include "apps/common/writing.h"
 #include "apps/lumetra/batch_log.h"
-#include "apps/lumetra/batch_options.h"
 #include "apps/lumetra/commands.h"
 #include "apps/lumetra/options.h"
 #include "apps/lumetra/picture_maker.h"
@@ -95,10 +94,15 @@ int makePicture(const PictureOptions& options, const QStringList& words, const Q
         channels.push_back(input.channel);
     const Recipe recipe{options.applyTo(channels, settings.has_value()), options.pages(),
                         options.annotation(), options.overwrites()};
-    for (std::size_t i = 0; i < channels.size(); ++i)
+    for (std::size_t i = 0; i < channels.size(); ++i) {
         files.inputs[i].channel = channels[i];
+        files.inputs[i].channel.levels = recipe.levels[i].known();
+    }
     const auto fonts = fontsFor(!recipe.annotation.isEmpty());
-    keepInputs(files.inputs, {logFile});
+    QStringList read = options.filesRead();
+    for (const ChannelFile& input : files.inputs)
+        read << input.file;
+    keepApart({logFile, files.output}, read);
     removeLeftovers({files.output});
     BatchLog log(logFile, false);
     report(options, makeLogged(files, recipe, log));
@@ -128,6 +132,9 @@ cv::Mat levelled(const cv::Mat& picture, const LevelPolicy& policy, double gamma
 /// One file of colour, tinted as the library does it.
 int dyeColours(const CommandOptions& options, const ChannelFile& input,
                const ChannelStacks& stacks) {
+    if (options.picture.hasSettings())
+        throw Failure(QStringLiteral("%1: has colours; settings are for gray pictures")
+                          .arg(shown(input.file)));
     std::vector<Channel> channels{input.channel};
     const LevelPolicy policy = options.picture.applyTo(channels, false).front();
     const Annotation annotation = options.picture.annotation();

@@ -6,6 +6,9 @@
 
 #include <opencv2/core.hpp>
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <algorithm>
 #include <memory>
 #include <new>
@@ -100,6 +103,7 @@ QString PictureMaker::make(const PictureFiles& files) {
 
 void writePictures(const QString& output, int count,
                    const std::function<const cv::Mat&(int)>& draw) {
+    QDir().mkpath(QFileInfo(output).path()); // what goes wrong, writing tells
     const auto drawn = [&](int i) -> const cv::Mat& {
         try {
             return draw(i);

@@ -79,7 +79,8 @@ private:
     Histogram histogram_;
 };
 
-/// Writes the pictures that `draw` makes for 0 to `count` − 1 into a file: one, or a stack.
+/// Writes the pictures that `draw` makes for 0 to `count` − 1 into a file: one, or a stack. Makes
+/// its folder.
 void writePictures(const QString& output, int count,
                    const std::function<const cv::Mat&(int)>& draw);
 

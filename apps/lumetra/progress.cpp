@@ -29,8 +29,9 @@ QString bar(int done, int total) {
 
 } // namespace
 
-Progress::Progress(QString work, int total, bool quiet, const QString& file)
-    : work_(std::move(work)), total_(total), quiet_(quiet), terminal_(isToldToTerminal()) {
+Progress::Progress(QString work, int total, bool quiet, const QString& file, bool isLast)
+    : work_(std::move(work)), total_(total), quiet_(quiet), terminal_(isToldToTerminal()),
+      isLast_(isLast) {
     timer_.start();
     if (file.isEmpty())
         return;
@@ -44,7 +45,7 @@ Progress::~Progress() {
     const std::lock_guard lock(mutex_);
     if (onScreen_)
         tell(QStringLiteral("\r\033[K"));
-    writeFile(done_ + failed_ == total_ ? "end" : "continue");
+    writeFile(isLast_ && done_ + failed_ == total_ ? "end" : "continue");
 }
 
 double Progress::perSecond() const {

@@ -17,8 +17,9 @@ public:
     /// @param total  How many fields.
     /// @param file   Receives `key=value` lines after each field, the last of them `progress=end`
     ///               or `progress=continue`; may be empty.
+    /// @param isLast  Whether nothing follows, so that the file may end.
     /// @throws Failure with the file's name if it cannot be opened.
-    Progress(QString work, int total, bool quiet, const QString& file);
+    Progress(QString work, int total, bool quiet, const QString& file, bool isLast = true);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -40,7 +41,7 @@ private:
     std::mutex mutex_;
     const QString work_;
     const int total_;
-    const bool quiet_, terminal_;
+    const bool quiet_, terminal_, isLast_;
     int done_ = 0, failed_ = 0;
     qint64 shownAt_ = 0;
     bool onScreen_ = false;

@@ -73,6 +73,10 @@ int run(QApplication& application) {
         {options.settings, options.custom, options.camera, options.rate, options.measure});
     parser.addPositionalArgument(QStringLiteral("CHANNEL"), channelsHelp,
                                  QStringLiteral("[CHANNEL...]"));
+    if (!parser.parse(QApplication::arguments())) {
+        apps::tell(QStringLiteral("lumetra-viewer: %1\n").arg(apps::shown(parser.errorText())));
+        return 2;
+    }
     parser.process(application);
 
     apps::Window window;

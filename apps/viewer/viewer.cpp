@@ -54,6 +54,7 @@ void Viewer::connectCamera(std::shared_ptr<FrameSource> camera,
 /// What is being opened was asked for before what is asked for now.
 void Viewer::forgetOpenings() {
     openings_.clear();
+    pendingSettings_.clear();
     ++turn_;
 }
 

@@ -105,6 +105,8 @@ private:
     void setStack(const std::shared_ptr<StackSource>& stack, bool adds);
     void openNext();
     void forgetOpenings();
+    void giveUp(const QString& reason);
+    bool mayReplace(const QString& file);
     void beginToOpen(const QStringList& words, bool adds);
     QStringList withoutSettings(const QStringList& words);
     std::vector<ChannelFile> parsed(const QStringList& words) const;

@@ -86,18 +86,28 @@ void Viewer::beginToOpen(const QStringList& words, bool adds) {
         if (more.empty())
             return;
         inBackground([this, files, adds, turn = turn_]() -> std::function<void()> {
-            auto stack = std::make_shared<StackSource>(files);
-            Frame first;
-            stack->grab(first); // says what is wrong before anything changes
-            stack->seek(1);
-            return [this, stack, adds, turn] {
-                if (turn == turn_)
-                    setStack(stack, adds);
-            };
+            try {
+                auto stack = std::make_shared<StackSource>(files);
+                Frame first;
+                stack->grab(first); // says what is wrong before anything changes
+                stack->seek(1);
+                return [this, stack, adds, turn] {
+                    if (turn == turn_)
+                        setStack(stack, adds);
+                };
+            } catch (...) {
+                return [this, reason = currentReason()] { giveUp(reason); };
+            }
         });
     } catch (const Failure& failure) {
-        emit problem(failure.text());
+        giveUp(failure.text());
     }
+}
+
+/// Settings that came with files that cannot be opened are for no others.
+void Viewer::giveUp(const QString& reason) {
+    pendingSettings_.clear();
+    emit problem(reason);
 }
 
 /// What the words say; where they name no dye, what the channel in this place was before.

@@ -7,7 +7,24 @@
 
 namespace apps {
 
+/// Tells why not, if a file must not be replaced.
+bool Viewer::mayReplace(const QString& file) {
+    QStringList inputs;
+    if (stack_)
+        for (const ChannelFile& input : stack_->files())
+            inputs << input.file;
+    try {
+        checkOutput(file, inputs, true);
+        return true;
+    } catch (const Failure& failure) {
+        emit problem(failure.text());
+        return false;
+    }
+}
+
 void Viewer::saveSettings(const QString& file) {
+    if (!mayReplace(file))
+        return;
     const QByteArray json = settingsJson({model_.channels(), std::nullopt});
     inBackground([this, file, json]() -> std::function<void()> {
         writeBytes(file, json.constData(), static_cast<std::size_t>(json.size()));
@@ -18,15 +35,12 @@ void Viewer::saveSettings(const QString& file) {
 void Viewer::save(const QString& file) {
     try {
         static_cast<void>(formatOf(file));
-        QStringList inputs;
-        if (stack_)
-            for (const ChannelFile& input : stack_->files())
-                inputs << input.file;
-        checkOutput(file, inputs, true);
     } catch (const Failure& failure) {
         emit problem(failure.text());
         return;
     }
+    if (!mayReplace(file))
+        return;
     inBackground([this, file, view = view(), planes = loop_.planes()]() -> std::function<void()> {
         Renderer renderer;
         cv::Mat picture;

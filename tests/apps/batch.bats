@@ -16,7 +16,7 @@ load setup.bash
 
 @test "the lines of a dry run make the same bytes" {
   for options in "" "--levels-over field --gamma 0.7" "--levels none" "--hide 2 --legend" \
-    "--levels auto --levels 9:60000 --gamma 1 --gamma 2"; do
+    "--levels auto --levels 9:60000 --gamma 1 --gamma 2" "--levels none --levels 9:60000"; do
     rm -rf batch lines
     mkdir lines
     plate -o 'batch/it'\''s {field}.tif' --quiet $options
@@ -108,6 +108,32 @@ load setup.bash
   [ -p pipe ]
   fails 1 ".png, .tif" plate -o '{field}.bmp' --quiet
   [ -z "$(find . -name '*.png' -newer plate)" ]
+}
+
+@test "no file is read and written, or written twice, by whatever name" {
+  plate -o 'out/{field}.png' --quiet
+  lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o set.json --quiet
+  printf 'plate/f03_dapi.tif\n' >list
+  ln -s out linked
+  ln set.json hard.json
+  before=$(sum .)
+  one() { lumetra batch 'plate/{field}_{channel}.tif' --settings set.json -o 'new/{field}.png' "$@"; }
+  fails 1 "is an input" one --log hard.json
+  fails 1 "is an input" one --files-from list --progress ./list
+  fails 1 "written twice" one --log x --progress ./new/../x
+  fails 1 "written twice" plate -o 'out/{field}.png' --overwrite --log linked/f01.png
+  fails 1 "is an input" lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI \
+    --files-from list -o list
+  fails 1 "written twice" lumetra merge a.tif=DAPI -o new.png --log new.png
+  fails 1 "written twice" lumetra gallery out -o g.html --progress g.html
+  fails 1 "is an input" lumetra gallery out -o g.html --progress linked/f02.png
+  [ "$(sum .)" = "$before" ]
+  mkdir real
+  ln -s real link
+  mkdir -p many/real many/link
+  cp plate/f00_dapi.tif many/real
+  cp plate/f00_dapi.tif many/link
+  fails 2 "same output" lumetra batch 'many/{d}/{f}_dapi.tif' --channel dapi=DAPI -o '{d}/new/{f}.png' --quiet
 }
 
 @test "a broken field and one without a channel fail by name, the others are done" {

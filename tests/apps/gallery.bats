@@ -93,6 +93,15 @@ pictures() { # usage: pictures NAME...    a picture file under each of the names
   lumetra gallery out -o index.html --log log --quiet --overwrite
   grep -q '>f00</a>: was made, and is not there any more' index.html
   run ! grep -q 'f05</a>:' index.html
+  # Through a link, and where levels changed: the last word of each picture alone counts.
+  ln -s out link
+  plate -o 'out/{field}.png' --levels 9:60000 --overwrite --log log --quiet || true
+  (cd "$BATS_TEST_TMPDIR/work" && lumetra gallery link -o link.html --log log --quiet)
+  grep -q 'DAPI <span class="muted">levels 9 to 60000<' link.html
+  lumetra merge plate/f00_dapi.tif=DAPI plate/f00_actin.tif=FITC+3-2 -o out/f00.png --overwrite --quiet \
+    --levels 9:60000 --log log
+  lumetra gallery out -o mixed.html --log log --quiet
+  grep -q '</span>DAPI <span class="muted">levels 9 to 60000<' mixed.html
   plate -o 'own/{field}.png' --log own.log --quiet --levels-over field || true
   lumetra gallery own -o own.html --log own.log --quiet
   grep -q 'levels of each picture (clip:0.1)' own.html
@@ -112,8 +121,12 @@ pictures() { # usage: pictures NAME...    a picture file under each of the names
   xargs -d '\n' -P 10 -I{} sh -c {} <lines.sh 2>errors || true
   [ "$(grep -c '"outcome":"done"' 'the log')" = 9 ]
   grep -q '"field":"f09".*"outcome":"failed".*different sizes' 'the log'
+  rm plate/f08_actin.tif out/f08.png # no line can tell this
+  run plate --levels 9:60000 -o 'out/{field}.png' --quiet --log 'the log' --dry-run --resume
+  [ "${#lines[@]}" = 3 ] # the broken field, what is wrong with the other one, and how many
   lumetra gallery out -o index.html --log 'the log' --quiet
-  [ "$(grep -c 'class="tile broken"' index.html)" = 1 ]
+  grep -q '>f08</a>: the channel &quot;actin&quot; is missing' index.html
+  [ "$(grep -c 'class="tile broken"' index.html)" = 2 ]
   grep -q '>f09</a>: .*different sizes' index.html
   before=$(sum plate)
   fails 1 "is an input" lumetra merge plate/f01_dapi.tif=DAPI -o x.png --log plate/f01_dapi.tif
@@ -137,4 +150,7 @@ pictures() { # usage: pictures NAME...    a picture file under each of the names
   grep -q '>cut</a>: out/cut.png' index.html
   grep -q 'href="out/a.png"' index.html
   fails 1 "cannot be written" lumetra gallery out -o b.png/index.html
+  echo mine >other_thumbnails
+  fails 1 "other_thumbnails: cannot be written into" lumetra gallery out -o other.html
+  [ "$(cat other_thumbnails)" = mine ] && [ ! -e other.html ]
 }
