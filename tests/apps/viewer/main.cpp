@@ -13,9 +13,9 @@ __lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the san
 }
 
 /// The locks of Qt, and of what it draws text with, are not seen: these are within its pool of
-/// threads, its queues of events (moved by memmove), its connections, strings and fonts, and the watchdog of the
-/// tests (the one thing that is deleted by its size). One image format takes two locks in either
-/// order.
+/// threads, its queues of events (moved by memmove), its connections, strings and fonts, and the
+/// watchdog of the tests (the one thing that is deleted by its size). One image format takes two
+/// locks in either order.
 extern "C" __attribute__((visibility("default"))) const char*
 __tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the sanitizer's name
     return "deadlock:libgdal.so\nrace:tzset_internal\nrace:QThreadPoolPrivate\n"
