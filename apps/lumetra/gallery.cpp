@@ -119,6 +119,7 @@ void addLogged(std::vector<Tile>& tiles, const QString& folder, const LastWords&
 std::vector<LegendEntry> legendOf(const std::vector<Channel>& channels,
                                   const QStringList& methods) {
     std::vector<LegendEntry> legend;
+    legend.reserve(channels.size());
     for (const Channel& channel : channels)
         legend.push_back({channel.name, channel.dye.isEmpty() ? channel.colour.name() : channel.dye,
                           channel.colour,
