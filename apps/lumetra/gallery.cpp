@@ -8,7 +8,7 @@
 #include <QSet>
 
 #include <algorithm>
-#include <map>
+#include <utility>
 
 namespace apps {
 namespace {
@@ -49,8 +49,9 @@ void collect(const QString& root, const QString& folder, std::vector<Tile>& tile
 }
 
 void sortByName(std::vector<Tile>& tiles) {
-    std::stable_sort(tiles.begin(), tiles.end(), [](const Tile& a, const Tile& b) {
-        return a.name.split(QLatin1Char('/')) < b.name.split(QLatin1Char('/'));
+    std::sort(tiles.begin(), tiles.end(), [](const Tile& a, const Tile& b) {
+        return std::pair(a.name.split(QLatin1Char('/')), a.file) <
+               std::pair(b.name.split(QLatin1Char('/')), b.file);
     });
 }
 

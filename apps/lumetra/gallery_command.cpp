@@ -101,6 +101,10 @@ Gallery galleryOf(const GalleryOptions& options) {
     gallery.isList = options.list;
     gallery.tiles = findPictures(folder);
     const LastWords words = lastWords(log, folder);
+    if (words.empty() && !log.empty())
+        tell(QStringLiteral("lumetra: the logs tell of no picture in %1; the names in a log count "
+                            "from the folder of its run\n")
+                 .arg(shown(folder)));
     addLogged(gallery.tiles, folder, words);
     gallery.legend = commonLegend(words);
     if (!options.settings.empty()) {

@@ -93,6 +93,8 @@ pictures() { # usage: pictures NAME...    a picture file under each of the names
   lumetra gallery out -o index.html --log log --quiet --overwrite
   grep -q '>f00</a>: was made, and is not there any more' index.html
   run ! grep -q 'f05</a>:' index.html
+  mkdir away
+  (cd away && fails 0 "no picture in ../out" lumetra gallery ../out -o g.html --log ../log --quiet)
   # Through a link, and where levels changed: the last word of each picture alone counts.
   ln -s out link
   plate -o 'out/{field}.png' --levels 9:60000 --overwrite --log log --quiet || true
