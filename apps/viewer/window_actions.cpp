@@ -141,8 +141,9 @@ void Window::connectChannelActions() {
         {Act::left, {-1, 0}},    {Act::right, {1, 0}},      {Act::up, {0, -1}},
         {Act::down, {0, 1}},     {Act::farLeft, {-far, 0}}, {Act::farRight, {far, 0}},
         {Act::farUp, {0, -far}}, {Act::farDown, {0, far}}};
-    for (const auto& [which, by] : movements)
-        onCurrent(which, [by = by](ChannelModel& m, int row) { m.nudge(row, by); });
+    for (const auto& movement : movements)
+        onCurrent(movement.first,
+                  [by = movement.second](ChannelModel& m, int row) { m.nudge(row, by); });
     connect(&act[Act::unmoved], &QAction::triggered, &model, &ChannelModel::resetOffsets);
     onCurrent(Act::automatic, [](ChannelModel& m, int row) { m.useAutomaticLevels(row); });
     connect(&act[Act::allAutomatic], &QAction::triggered, &model, [&model] {
