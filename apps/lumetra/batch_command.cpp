@@ -239,7 +239,7 @@ void addBatchCommand(CLI::App& program, Action& action) {
     command.add_flag(
         "--dry-run", options->dryRun,
         "Makes nothing, and prints a 'lumetra merge' line for each field that does the "
-        "same");
+        "same. With --log, fields that cannot be made are logged at once");
     command.footer("example: lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI "
                    "--channel actin=FITC+3-2 -o 'out/{field}.png'");
     command.callback([&action, options] { action = [options] { return runBatch(*options); }; });
