@@ -1,6 +1,6 @@
 # How code of this project is compiled: C++17, hidden symbols, warnings, the sanitizers asked for,
 # and floating-point arithmetic that gives the same on every processor.
-function(own_code target)
+function(lumetra_target target)
   set_target_properties(${target} PROPERTIES
     CXX_STANDARD 17
     CXX_STANDARD_REQUIRED ON
@@ -41,6 +41,6 @@ if(NOT MSVC)
 endif()
 
 # What code that walks over pixels is compiled with besides.
-function(pixel_code target)
+function(lumetra_pixel_target target)
   target_compile_options(${target} PRIVATE ${pixel_flags})
 endfunction()
