@@ -25,7 +25,8 @@ struct RoundTripStages {
 /// Encodes an image as a 24-bit bitmap in memory, runs the stages on its pixels, and decodes the
 /// outcome into `dst`, a `CV_8UC3` image of the same rows and columns.
 ///
-/// @param prepared  Three channels of any depth, which are reduced to 8 bits first; an image that
+/// @param prepared  Three channels of any bit depth, which are reduced to 8 bits first; an image
+/// that
 ///                  the encoder refuses may come here to be refused.
 /// @param dst       Set to a copy of `prepared` first, and left so if the working area cannot be
 ///                  allocated or the encoder's bytes hold no whole bitmap.

@@ -7,24 +7,21 @@
 
 namespace lumetra {
 
-/// The sums of each channel's samples over 24-bit pixels.
+/// The sums of each channel's values over 24-bit pixels.
 class ChannelTotals {
 public:
     void add(const unsigned char* pixels, std::size_t count);
-
-    /// Adds the same pixel so many times.
-    void addRepeated(const unsigned char* pixel, std::uint64_t times);
 
     /// The channel with the largest total; the lowest of those that are equal.
     std::size_t dominantChannel() const;
 
 private:
-    void addStrip(const unsigned char* samples, std::size_t count);
+    void addStrip(const unsigned char* values, std::size_t count);
 
     std::array<std::uint64_t, 3> totals_{};
 };
 
-/// Fills all three bytes of each pixel with its sample in one channel; `in` and `out` may be the
+/// Fills all three bytes of each pixel with its value in one channel; `in` and `out` may be the
 /// same.
 void fillWithChannel(const unsigned char* in, std::size_t channel, unsigned char* out,
                      std::size_t count);

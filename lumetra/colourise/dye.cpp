@@ -1,14 +1,11 @@
-#include "lumetra/lumetra"
+#include "lumetra/colourise/dye.h"
 
-#include "lumetra/colourise/bitmap_round_trip.h"
 #include "lumetra/colourise/channel_totals.h"
 #include "lumetra/colourise/gray_strip.h"
 #include "lumetra/colourise/image_range.h"
 #include "lumetra/colourise/paint.h"
 #include "lumetra/colourise/source_form.h"
 #include "lumetra/colourise/strips.h"
-#include "lumetra/colourise/tint.h"
-#include "lumetra/levels/colour_levels.h"
 
 #include <algorithm>
 #include <array>
@@ -18,69 +15,46 @@
 namespace lumetra {
 namespace {
 
-struct DyeSettings {
-    Tint tint;
-    bool autoLevels;
-    bool dominantChannel;
-};
-
-/// Raises the black levels for every component that is full on, so that the background stays dark:
-/// less for the channel at the component's place in red, green, blue order than for the others, but
-/// never up to the white level.
-TS_LEVELS withRaisedBlack(TS_LEVELS levels, const Tint& tint) {
-    const auto raise = [](unsigned short& black, unsigned short white, int amount) {
-        black = static_cast<unsigned short>(std::min(white - 1, black + amount));
-    };
+/// The automatic levels of the channels for a dye. Every component that is full on raises the black
+/// levels, so that the background stays dark: less for the channel at the component's place in red,
+/// green, blue order than for the others, but never up to the white level.
+ChannelLevels automaticLevels(const ColourRanges& ranges, const Tint& tint) {
+    ChannelLevels levels{levelsOf(ranges[0]), levelsOf(ranges[1]), levelsOf(ranges[2])};
     const auto [blue, green, red] = tint;
     const std::array<int, 3> redGreenBlue{red, green, blue};
     for (std::size_t i = 0; i < redGreenBlue.size(); ++i) {
         if (redGreenBlue[i] != 255)
             continue;
-        raise(levels.wLowB, levels.wHighB, i == 0 ? 2 : 3);
-        raise(levels.wLowG, levels.wHighG, i == 1 ? 2 : 3);
-        raise(levels.wLowR, levels.wHighR, i == 2 ? 2 : 3);
+        for (std::size_t channel = 0; channel < levels.size(); ++channel) {
+            auto& [black, white] = levels[channel];
+            black =
+                static_cast<unsigned short>(std::min(white - 1, black + (channel == i ? 2 : 3)));
+        }
     }
     return levels;
 }
 
-/// The automatic levels of pixels with these ranges, as a stretch for a dye.
-Stretch<3> automaticStretch(const ColourRanges& ranges, const Tint& tint) {
-    return colourStretch(withRaisedBlack(colourLevels(ranges), tint));
-}
-
-using Histogram = std::array<std::uint64_t, 256>;
-
-Histogram histogramOf(const cv::Mat& gray) {
-    std::array<Histogram, 4> counts{}; // so that runs of one value do not wait for each other
-    forEachStrip<unsigned char>(gray, [&](const unsigned char* in, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i)
-            ++counts[i % 4][in[i]];
-    });
-    for (std::size_t level = 0; level < 256; ++level)
-        counts[0][level] += counts[1][level] + counts[2][level] + counts[3][level];
-    return counts[0];
-}
-
-/// The channel with the largest total in a gray image, given what becomes of its levels.
-std::size_t dominantChannelOfGray(const cv::Mat& gray, const GrayStrip& levels) {
-    const Histogram counts = histogramOf(gray);
-    ChannelTotals totals;
-    for (std::size_t level = 0; level < counts.size(); ++level)
-        totals.addRepeated(levels.pixel(level), counts[level]);
-    return totals.dominantChannel();
+/// The channel that is dominant in a gray image after the stretch. All have the same white level,
+/// and a value never becomes darker with a lower black level: the channel with the lowest one has
+/// the largest total. Where totals are equal all the same, so are the values that occur, and it
+/// does not matter which channel is taken.
+Levels dominantLevels(const ChannelLevels& levels) {
+    return *std::min_element(levels.begin(), levels.end(),
+                             [](const Levels& a, const Levels& b) { return a.black < b.black; });
 }
 
 /// A gray 8-bit image: the stages run on the gray levels, and the pixels look their colour up.
 /// Without automatic levels all channels are equal, so that none is dominant.
 void dyeGray8(const cv::Mat& gray, cv::Mat& dst, const DyeSettings& settings) {
-    GrayStrip levels;
+    GrayStrip strip;
     if (settings.autoLevels) {
-        const SampleRange<unsigned char> range = sampleRange<unsigned char>(gray);
-        levels.stretch(automaticStretch({range, range, range}, settings.tint));
+        const ValueRange<unsigned char> range = valueRange<unsigned char>(gray);
+        ChannelLevels levels = automaticLevels({range, range, range}, settings.tint);
         if (settings.dominantChannel)
-            levels.fillWithChannel(dominantChannelOfGray(gray, levels));
+            levels.fill(dominantLevels(levels));
+        strip.stretch(Stretch<3>(levels));
     }
-    paint(gray, 0, levels.tinted(settings.tint), dst);
+    paint(gray, 0, strip.tinted(settings.tint), dst);
 }
 
 /// The channel with the largest total in a colour image after the stretch, if there is one.
@@ -126,41 +100,13 @@ void dyeColour8(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings)
         });
 }
 
-/// Any other image: through the bitmap.
-void dyeBitmap(const cv::Mat& image, cv::Mat& dst, const DyeSettings& settings) {
-    RoundTripStages stages;
-    if (settings.autoLevels) {
-        stages.inPlace = [&](PixelArea area) {
-            ColourRanges ranges;
-            area.forEachRow(
-                [&](const unsigned char* row) { includeSamples(ranges, row, area.rowBytes()); });
-            const Stretch<3> stretch = automaticStretch(ranges, settings.tint);
-            area.forEachRow([&](unsigned char* row) { stretch(row, area.rowBytes()); });
-        };
-    }
-    if (settings.dominantChannel) {
-        stages.fill = [](PixelArea from, PixelArea to) {
-            ChannelTotals totals;
-            from.forEachRow([&](unsigned char* row) { totals.add(row, from.width); });
-            const std::size_t channel = totals.dominantChannel();
-            for (std::size_t y = 0; y < from.height; ++y)
-                fillWithChannel(from.row(y), channel, to.row(y), from.width);
-        };
-    }
-    stages.transform = [&](PixelArea from, PixelArea to) {
-        for (std::size_t y = 0; y < from.height; ++y)
-            tintPixels(from.row(y), to.row(y), from.width, settings.tint);
-    };
-    bitmapRoundTrip(image, dst, stages);
-}
-
-/// The 16-bit tint, of each pixel's largest sample.
+/// The 16-bit tint, of each pixel's largest value.
 void dye16(const cv::Mat& image, cv::Mat& dst, const Tint& tint) {
-    using Sample = std::uint16_t;
+    using Value = std::uint16_t;
     const bool gray = image.channels() == 1;
-    std::array<Sample, stripPixels> largest;
-    makeFromStrips<Sample, Sample>(
-        image, dst, CV_16UC3, [&](const Sample* in, Sample* out, std::size_t count) {
+    std::array<Value, stripPixels> largest;
+    makeFromStrips<Value, Value>(
+        image, dst, CV_16UC3, [&](const Value* in, Value* out, std::size_t count) {
             if (gray)
                 return tintSamples(in, out, count, tint);
             for (std::size_t i = 0; i < count; ++i)
@@ -170,25 +116,27 @@ void dye16(const cv::Mat& image, cv::Mat& dst, const Tint& tint) {
 }
 
 } // namespace
-} // namespace lumetra
 
-void Lumetra::Dye(cv::Mat& src, cv::Mat& dst, int nRed, int nGreen, int nBlue, bool bAutoLevels,
-                  bool bDominantChannel) {
-    const lumetra::DyeSettings settings{{nBlue, nGreen, nRed}, bAutoLevels, bDominantChannel};
-    const cv::Mat source = lumetra::colourable(src);
-    switch (lumetra::formOf(source)) {
-    case lumetra::SourceForm::gray8:
-        lumetra::dyeGray8(source, dst, settings);
-        break;
-    case lumetra::SourceForm::colour8:
-        lumetra::dyeColour8(source, dst, settings);
-        break;
-    case lumetra::SourceForm::gray16:
-    case lumetra::SourceForm::colour16:
-        lumetra::dye16(source, dst, settings.tint);
-        break;
-    case lumetra::SourceForm::other:
-        lumetra::dyeBitmap(source, dst, settings);
+bool dye(const cv::Mat& source, cv::Mat& dst, const DyeSettings& settings) {
+    switch (formOf(source)) {
+    case SourceForm::gray8:
+        dyeGray8(source, dst, settings);
+        return true;
+    case SourceForm::colour8:
+        dyeColour8(source, dst, settings);
+        return true;
+    case SourceForm::gray16:
+    case SourceForm::colour16:
+        dye16(source, dst, settings.tint);
+        return true;
+    case SourceForm::other:
         break;
     }
+    return false;
 }
+
+Stretch<3> automaticStretch(const ColourRanges& ranges, const Tint& tint) {
+    return Stretch<3>(automaticLevels(ranges, tint));
+}
+
+} // namespace lumetra

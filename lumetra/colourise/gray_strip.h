@@ -20,8 +20,6 @@ public:
     void fillWithChannel(std::size_t channel);
     LevelColours tinted(const Tint& tint) const;
 
-    const unsigned char* pixel(std::size_t level) const { return &bytes_[3 * level]; }
-
 private:
     std::array<unsigned char, 3 * 256> bytes_;
 };

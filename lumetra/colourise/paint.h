@@ -1,7 +1,5 @@
-// Colouring by look-up: an 8-bit sample has at most 256 outcomes.
+// Colouring by look-up: an 8-bit pixel value has at most 256 outcomes.
 #pragma once
-
-#include <QtGlobal>
 
 #include <opencv2/core/mat.hpp>
 
@@ -12,10 +10,12 @@
 
 namespace lumetra {
 
-static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN,
+#ifdef __BYTE_ORDER__ // compilers without it know no other order than this
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
               "pixels are packed into words whose lowest byte is the first in memory");
+#endif
 
-/// A colour in one number, as Qt has it: blue in the lowest byte, then green and red.
+/// A colour in one number: blue in the lowest byte, then green and red.
 using PackedColour = std::uint32_t;
 
 constexpr PackedColour packedColour(unsigned char blue, unsigned char green, unsigned char red) {
@@ -65,7 +65,8 @@ private:
     Words second_; ///< The same, where the second one does.
 };
 
-/// The picture in which each pixel has the colour of its sample in one channel of an 8-bit image.
+/// Makes `dst` the image in which each pixel has the colour of its value in one channel of an 8-bit
+/// image.
 void paint(const cv::Mat& image, std::size_t channel, const LevelColours& colours, cv::Mat& dst);
 
 } // namespace lumetra

@@ -1,6 +1,8 @@
 // The view of a bitmap that the stages of colouring work on.
 #pragma once
 
+#include "lumetra/levels/value_range.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -23,6 +25,13 @@ struct PixelArea {
             work(row(y));
     }
 };
+
+/// The ranges of the three channels.
+inline ColourRanges rangesOf(PixelArea area) {
+    ColourRanges ranges;
+    area.forEachRow([&](const unsigned char* row) { includeValues(ranges, row, area.rowBytes()); });
+    return ranges;
+}
 
 /// Copies the pixels of `from` to an area of the same width and height, leaving out the padding.
 inline void copyPixels(PixelArea from, PixelArea to) {

@@ -8,11 +8,11 @@ namespace lumetra {
 namespace {
 
 cv::Mat withoutFourthChannel(const cv::Mat& image) {
-    cv::Mat samples = image;
+    cv::Mat values = image;
     if (image.depth() == CV_16F) // whose channels cannot be rearranged
-        image.convertTo(samples, CV_32F);
-    cv::Mat colours(image.size(), CV_MAKETYPE(samples.depth(), 3));
-    cv::mixChannels(samples, colours, {0, 0, 1, 1, 2, 2});
+        image.convertTo(values, CV_32F);
+    cv::Mat colours(image.size(), CV_MAKETYPE(values.depth(), 3));
+    cv::mixChannels(values, colours, {0, 0, 1, 1, 2, 2});
     return colours;
 }
 

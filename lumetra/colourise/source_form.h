@@ -17,7 +17,7 @@ enum class SourceForm {
 SourceForm formOf(const cv::Mat& image);
 
 /// The image that is coloured in place of a source: without a fourth channel, and a single channel
-/// of another depth reduced to 8 bits; otherwise a header on the source's own pixels. An empty
+/// of another bit depth reduced to 8 bits; otherwise a header on the source's own pixels. An empty
 /// source gives an empty matrix.
 ///
 /// @throws cv::Exception for more than two dimensions.

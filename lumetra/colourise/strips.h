@@ -22,7 +22,7 @@ void cutIntoStrips(std::size_t pixels, Work work) {
 }
 
 /// An image in runs of pixels side by side, its rows or all of it: `work(in, pixels)`, with a
-/// pointer to the first sample.
+/// pointer to the first value.
 template<class In, class Work>
 void forEachRun(const cv::Mat& image, Work work) {
     const int runs = image.isContinuous() ? 1 : image.rows;

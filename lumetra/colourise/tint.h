@@ -1,4 +1,4 @@
-// The colour of a dye and what it does to samples.
+// The colour of a dye and what it does to pixel values.
 #pragma once
 
 #include <array>
@@ -14,8 +14,8 @@ using Tint = std::array<int, 3>;
 void tintPixels(const unsigned char* pixels, unsigned char* tinted, std::size_t count,
                 const Tint& tint);
 
-/// Makes 48-bit pixels of 16-bit samples, which they may not overlap.
-void tintSamples(const std::uint16_t* samples, std::uint16_t* pixels, std::size_t count,
+/// Makes 48-bit pixels of 16-bit gray values, which they may not overlap.
+void tintSamples(const std::uint16_t* values, std::uint16_t* pixels, std::size_t count,
                  const Tint& tint);
 
 } // namespace lumetra

@@ -1,6 +1,7 @@
 #include "lumetra/lumetra"
 
 #include "lumetra/composite/compositing.h"
+#include "lumetra/composite/facade.h"
 
 #include <QMessageLogger>
 
@@ -16,7 +17,8 @@ cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPoint
         return nullptr;
     }
 
-    const lumetra::Alignment alignment(*offsetPointList);
+    const std::vector<cv::Point> offsets = lumetra::pointsOf(*offsetPointList);
+    const lumetra::Alignment alignment(offsets);
     cv::Mat& first = *matList->at(0);
     const int type = lumetra::canvasType(first);
     lumetra::unifyColourMode(first, type);
@@ -39,7 +41,8 @@ cv::Mat* Lumetra::Composite(QList<cv::Mat*>* matList, QList<QPoint>* offsetPoint
             lumetra::reportSizeMismatch();
             return nullptr;
         }
-        parts.push_back(alignment.visiblePart(image, offsetPointList->at(k), *canvas));
+        parts.push_back(
+            alignment.visiblePart(image, offsets[static_cast<std::size_t>(k)], *canvas));
     }
     lumetra::composite(parts, *canvas);
     return canvas.release();

@@ -1,6 +1,7 @@
 #include "lumetra/lumetra"
 
 #include "lumetra/composite/compositing.h"
+#include "lumetra/composite/facade.h"
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -8,6 +9,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -33,8 +35,8 @@ enum class Misfit { leaveOut, giveUp };
 ///
 /// @return False if it gave up on a file, other than the first, of another size.
 /// @throws cv::Exception if the offsets spread further than the first image.
-bool compositeFiles(const QList<QString>& files, const QList<QPoint>& offsets, Misfit misfit,
-                    cv::Mat& canvas) {
+bool compositeFiles(const QList<QString>& files, const std::vector<cv::Point>& offsets,
+                    Misfit misfit, cv::Mat& canvas) {
     const lumetra::Alignment alignment(offsets);
     cv::Mat image = readColour(files.front());
     const int type = lumetra::canvasType(image);
@@ -45,9 +47,9 @@ bool compositeFiles(const QList<QString>& files, const QList<QPoint>& offsets, M
     if (!canvas.empty())
         alignment.visiblePart(image, offsets.front(), canvas).copyTo(canvas); // takes no memory
 
-    for (int k = 1; k < files.size(); ++k) {
+    for (std::size_t k = 1; k < offsets.size(); ++k) {
         image.release(); // before the next one is decoded
-        image = readColour(files[k]);
+        image = readColour(files[static_cast<int>(k)]);
         lumetra::unifyColourMode(image, type);
         if (image.size() != size) {
             if (misfit == Misfit::giveUp)
@@ -65,7 +67,7 @@ cv::Mat* Lumetra::Composite(QList<QString>* fileList, QList<QPoint>* offsetPoint
     if (!areComposable(*fileList, *offsetPointList))
         return nullptr;
     auto canvas = std::make_unique<cv::Mat>();
-    if (!compositeFiles(*fileList, *offsetPointList, Misfit::giveUp, *canvas)) {
+    if (!compositeFiles(*fileList, lumetra::pointsOf(*offsetPointList), Misfit::giveUp, *canvas)) {
         lumetra::reportSizeMismatch();
         return nullptr;
     }
@@ -75,5 +77,5 @@ cv::Mat* Lumetra::Composite(QList<QString>* fileList, QList<QPoint>* offsetPoint
 void Lumetra::FluorescenceSynthesis(QList<QString>* fileList, QList<QPoint>* offsetPointList,
                                     cv::Mat& dst) {
     if (areComposable(*fileList, *offsetPointList))
-        compositeFiles(*fileList, *offsetPointList, Misfit::leaveOut, dst);
+        compositeFiles(*fileList, lumetra::pointsOf(*offsetPointList), Misfit::leaveOut, dst);
 }

@@ -1,9 +1,6 @@
 // The compositing core: where each image lies on the canvas, and how it is added.
 #pragma once
 
-#include <QList>
-#include <QPoint>
-
 #include <opencv2/core/mat.hpp>
 
 #include <cstdint>
@@ -11,19 +8,25 @@
 
 namespace lumetra {
 
-/// Where the images of one composite lie, from their offsets.
+/// Where the images of one composite lie, from their offsets. All of it is in 64 bits, since
+/// offsets may spread over twice the range of an `int`.
 class Alignment {
 public:
-    explicit Alignment(const QList<QPoint>& offsets);
+    /// @param offsets  One or more.
+    explicit Alignment(const std::vector<cv::Point>& offsets);
 
     /// Rows and columns that all shifted images of one size cover; below 1 where they cover none.
-    /// In 64 bits, since offsets may spread over twice the range of an `int`.
     std::int64_t commonRows(int rows) const { return rows - (maxY_ - minY_); }
     std::int64_t commonColumns(int columns) const { return columns - (maxX_ - minX_); }
 
+    /// The row and the column of an image with this offset that come first on the canvas, 0 or
+    /// more for the offsets that the alignment was made from.
+    std::int64_t firstRow(cv::Point offset) const { return offset.y - minY_; }
+    std::int64_t firstColumn(cv::Point offset) const { return offset.x - minX_; }
+
     /// The part of an image with this offset that falls on the canvas, as a view; an empty image
     /// if the canvas has no pixels.
-    cv::Mat visiblePart(const cv::Mat& image, QPoint offset, const cv::Mat& canvas) const;
+    cv::Mat visiblePart(const cv::Mat& image, cv::Point offset, const cv::Mat& canvas) const;
 
 private:
     std::int64_t minX_;
@@ -32,21 +35,10 @@ private:
     std::int64_t maxY_;
 };
 
-/// Type of the canvas: three channels of the first image's depth.
-int canvasType(const cv::Mat& first);
-
-/// Brings an image to the canvas type, in place.
-///
-/// @throws cv::Exception for more than two dimensions, or channels that cannot be converted.
-void unifyColourMode(cv::Mat& image, int type);
-
-/// Shows the user the message box about images of unlike size. Without a QApplication, or on
-/// another thread than its own, there are no widgets and nothing is shown.
-void reportSizeMismatch();
-
-/// Makes the canvas the sum of two or more parts, each sample clamped to the largest of the depth;
-/// zero for depths that are not composited. The parts have the size and type of the canvas, which
-/// is not empty. The first part may be the canvas itself: the others are then added to it.
+/// Makes the canvas the sum of two or more parts, each value clamped to the largest of the bit
+/// depth; zero for depths other than 8 and 16 bits unsigned. The parts have three channels and the
+/// size and type of the canvas, which is not empty. The first part may be the canvas itself: the
+/// others are then added to it.
 void composite(const std::vector<cv::Mat>& parts, cv::Mat& canvas);
 
 } // namespace lumetra

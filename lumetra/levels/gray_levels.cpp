@@ -2,14 +2,13 @@
 
 #include "lumetra/levels/level_ramp.h"
 #include "lumetra/levels/pixel_count.h"
-#include "lumetra/levels/sample_range.h"
 
 bool Lumetra::AutoCountHistoGray(unsigned char* buf, int w, int h, unsigned short* low,
                                  unsigned short* high) {
     if (!buf)
         return false;
     lumetra::ColourRanges ranges; // three that together cover the single channel
-    lumetra::includeSamples<unsigned char>(ranges, buf, lumetra::pixelCount(w, h));
+    lumetra::includeValues<unsigned char>(ranges, buf, lumetra::pixelCount(w, h));
     const lumetra::Levels levels = lumetra::levelsOf(lumetra::merged(ranges));
     *low = levels.black;
     *high = levels.white;

@@ -4,7 +4,7 @@
 
 namespace lumetra {
 
-Levels levelsOf(SampleRange<unsigned char> range) {
+Levels levelsOf(ValueRange<unsigned char> range) {
     if (range.smallest > range.largest)
         return {0, 255};
     if (range.smallest + 1 < range.largest)

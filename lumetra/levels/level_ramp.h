@@ -1,7 +1,7 @@
 // The straight line that a stretch follows between a black and a white level.
 #pragma once
 
-#include "lumetra/levels/sample_range.h"
+#include "lumetra/levels/value_range.h"
 
 #include <array>
 #include <cstddef>
@@ -15,9 +15,12 @@ struct Levels {
     unsigned short white;
 };
 
-/// The automatic levels of samples in a range: its ends, one step wider on each side within 0 to
+/// The levels of blue, green and red.
+using ChannelLevels = std::array<Levels, 3>;
+
+/// The automatic levels of values in a range: its ends, one step wider on each side within 0 to
 /// 255 where they are equal or neighbours; 0 and 255 for the empty range.
-Levels levelsOf(SampleRange<unsigned char> range);
+Levels levelsOf(ValueRange<unsigned char> range);
 
 /// The stretch of one channel: 255·(v − black)/(white − black), rounded, halves up, for a value v
 /// between the levels, 0 below them and 255 above.
@@ -39,7 +42,7 @@ struct LevelRamp {
 /// below the black one makes a threshold.
 LevelRamp levelRamp(Levels levels);
 
-/// The stretch of samples whose channels take turns.
+/// The stretch of values whose channels take turns.
 template<std::size_t Channels>
 class Stretch {
 public:
@@ -56,12 +59,12 @@ public:
         }
     }
 
-    /// Stretches `count` samples in place, the first of them of channel 0.
-    void operator()(unsigned char* samples, std::size_t count) const {
+    /// Stretches `count` values in place, the first of them of channel 0.
+    void operator()(unsigned char* values, std::size_t count) const {
         std::size_t done = 0;
         for (; done + laneCount <= count; done += laneCount)
-            stretchLanes(samples + done, laneCount, &lanes_);
-        stretchLanes(samples + done, count - done, &lanes_);
+            stretchLanes(values + done, laneCount, &lanes_);
+        stretchLanes(values + done, count - done, &lanes_);
     }
 
 private:
@@ -75,20 +78,20 @@ private:
         std::uint16_t multiplier[laneCount];
     };
 
-    static void stretchLanes(unsigned char* __restrict samples, std::size_t count,
+    static void stretchLanes(unsigned char* __restrict values, std::size_t count,
                              const Lanes* __restrict lanes) {
         for (std::size_t i = 0; i < count; ++i) {
             // Compared by value: references to the larger one become two instructions more.
-            const unsigned char sample = samples[i];
+            const unsigned char value = values[i];
             const unsigned char black = lanes->black[i];
             const unsigned char white = lanes->white[i];
-            const unsigned char fromBlack = sample < black ? black : sample;
+            const unsigned char fromBlack = value < black ? black : value;
             const unsigned char inside = fromBlack < white ? fromBlack : white;
             const auto scaled =
                 static_cast<std::uint16_t>(inside * lanes->scale[i] + lanes->offset[i]);
             const auto high =
                 static_cast<std::uint16_t>(std::uint32_t{scaled} * lanes->multiplier[i] >> 16);
-            samples[i] = static_cast<unsigned char>(high >> LevelRamp::shift);
+            values[i] = static_cast<unsigned char>(high >> LevelRamp::shift);
         }
     }
 
