@@ -11,10 +11,10 @@
 
 namespace {
 
-/// The sample's share of full scale in another integer depth, to the nearest number there. No share
+/// The value's share of full scale in another integer depth, to the nearest number there. No share
 /// lies halfway between two, as full scale is odd in every depth.
 template<class To, class From>
-To sameShare(From sample) {
+To sameShare(From value) {
     using Wide =
         std::conditional_t<std::max(sizeof(To), sizeof(From)) <= 2, std::uint32_t, std::uint64_t>;
     constexpr Wide fullFrom = std::numeric_limits<From>::max();
@@ -22,52 +22,52 @@ To sameShare(From sample) {
     const auto share = [](Wide magnitude) {
         return (2 * fullTo * magnitude + fullFrom) / (2 * fullFrom);
     };
-    if (sample >= 0)
-        return static_cast<To>(share(static_cast<Wide>(sample)));
+    if (value >= 0)
+        return static_cast<To>(share(static_cast<Wide>(value)));
     if constexpr (std::is_unsigned_v<To>)
         return 0;
-    else // the lowest sample lies one beyond the negative full scale, here as there
+    else // the lowest value lies one beyond the negative full scale, here as there
         return static_cast<To>(-static_cast<std::int64_t>(
-            std::min(share(static_cast<Wide>(-static_cast<std::int64_t>(sample))), fullTo + 1)));
+            std::min(share(static_cast<Wide>(-static_cast<std::int64_t>(value))), fullTo + 1)));
 }
 
-/// A floating-point sample rounded, halves to even, and clamped; 0 for not-a-number.
+/// A floating-point value rounded, halves to even, and clamped; 0 for not-a-number.
 template<class To, class From>
-To nearest(From sample) {
+To nearest(From value) {
     constexpr double smallest = std::numeric_limits<To>::min();
     constexpr double largest = std::numeric_limits<To>::max();
     // Next to 1.5 · 2⁵² a `double` has no bits left for a fraction, so the sum is rounded.
     constexpr double noFraction = 0x1.8p52;
-    const double number = std::isnan(sample) ? 0.0 : static_cast<double>(sample);
+    const double number = std::isnan(value) ? 0.0 : static_cast<double>(value);
     const double fromBelow = number > smallest ? number : smallest;
     const double inside = fromBelow < largest ? fromBelow : largest;
     return static_cast<To>(inside + noFraction - noFraction);
 }
 
-/// A sample in another depth, by the rules that the header gives.
+/// A value in another depth, by the rules that the header gives.
 template<class To, class From>
-To convertedSample(From sample) {
+To convertedValue(From value) {
     if constexpr (std::is_floating_point_v<To>)
-        return static_cast<To>(sample);
+        return static_cast<To>(value);
     else if constexpr (std::is_integral_v<From>)
-        return sameShare<To>(sample);
+        return sameShare<To>(value);
     else
-        return nearest<To>(sample);
+        return nearest<To>(value);
 }
 
 template<class To, class From>
-void convertSamples(const cv::Mat& image, cv::Mat& converted) {
+void convertValues(const cv::Mat& image, cv::Mat& converted) {
     const auto count =
         static_cast<std::size_t>(image.cols) * static_cast<std::size_t>(image.channels());
     for (int y = 0; y < image.rows; ++y) {
         const From* const in = image.ptr<From>(y);
-        std::transform(in, in + count, converted.ptr<To>(y), convertedSample<To, From>);
+        std::transform(in, in + count, converted.ptr<To>(y), convertedValue<To, From>);
     }
 }
 
-/// Calls `work` with a sample of the type that a depth stands for; halves are no type of C++.
+/// Calls `work` with a value of the type that a depth stands for; halves are no type of C++.
 template<class Work>
-void withSampleOf(int depth, Work work) {
+void withValueOf(int depth, Work work) {
     switch (depth) {
     case CV_8U:
         return work(std::uint8_t{});
@@ -84,7 +84,7 @@ void withSampleOf(int depth, Work work) {
     case CV_64F:
         return work(double{});
     default:
-        CV_Error(cv::Error::StsUnsupportedFormat, "samples of an unknown depth");
+        CV_Error(cv::Error::StsUnsupportedFormat, "pixel values of an unknown bit depth");
     }
 }
 
@@ -103,15 +103,14 @@ cv::Mat inDepth(const cv::Mat& image, int depth) {
         return converted;
     }
     converted.create(image.rows, image.cols, CV_MAKETYPE(depth, image.channels()));
-    withSampleOf(image.depth(), [&](auto from) {
-        withSampleOf(depth, [&](auto to) {
-            convertSamples<decltype(to), decltype(from)>(image, converted);
-        });
+    withValueOf(image.depth(), [&](auto from) {
+        withValueOf(
+            depth, [&](auto to) { convertValues<decltype(to), decltype(from)>(image, converted); });
     });
     return converted;
 }
 
-/// The same samples under an integer depth: rearranging channels knows no half floats.
+/// The same values under an integer depth: rearranging channels knows no half floats.
 cv::Mat asIntegers(const cv::Mat& image) {
     if (image.depth() != CV_16F)
         return image;
@@ -143,9 +142,9 @@ void Vantrel::ConvertColorMode(const cv::Mat& src, cv::Mat& dst, int type) {
         CV_Error(cv::Error::StsUnsupportedFormat,
                  "an image to be converted has one, three or four channels");
 
-    const cv::Mat samples = inDepth(src, CV_MAT_DEPTH(type));
+    const cv::Mat values = inDepth(src, CV_MAT_DEPTH(type));
     if (channels != 3)
-        dst = inThreeChannels(samples);
+        dst = inThreeChannels(values);
     else
-        dst = samples.data == src.data ? samples.clone() : samples;
+        dst = values.data == src.data ? values.clone() : values;
 }

@@ -8,7 +8,7 @@
 
 namespace Vantrel {
 
-/// Brings an image to three channels (blue, green, red) of the depth that is asked for.
+/// Brings an image to three channels (blue, green, red) of the bit depth that is asked for.
 ///
 /// @param src   Image of one, three or four channels and any depth, or an empty image.
 /// @param dst   Receives an image of its own with the rows and columns of `src` and exactly the
@@ -17,10 +17,10 @@ namespace Vantrel {
 /// @param type  A three-channel type code, such as `CV_8UC3` or `CV_16UC3`.
 ///
 /// - Channels: gray becomes three equal channels, the fourth of four channels is dropped.
-/// - Integer depths to one another: samples keep their share of full scale, rounded (255 of 8 bits
+/// - Integer depths to one another: values keep their share of full scale, rounded (255 of 8 bits
 ///   is 65535 of 16 bits); negative ones become 0 where the new depth has no sign.
-/// - Floating-point samples to an integer depth: rounded and clamped, not-a-number becoming 0.
-/// - To a floating-point depth: samples keep their value.
+/// - Floating-point values to an integer depth: rounded and clamped, not-a-number becoming 0.
+/// - To a floating-point depth: values stay as they are.
 /// - An empty image stays empty.
 ///
 /// @throws cv::Exception for other channel counts, more than two dimensions, or a `type` that does
