@@ -62,19 +62,6 @@ TEST_F(Catalogue, IsFilledOnlyOnce) {
     Lumetra::g_mapFluo["Cy5"] = dyes["Cy5"];
 }
 
-TEST_F(Catalogue, HoldsKnownDyesUnderTheirExactNames) {
-    EXPECT_EQ(values(dyes["Alexa 488"]), (Record{495, 519, 32, 255, 0}));
-    EXPECT_EQ(values(dyes["FM 4-64"]), (Record{506, 750, 255, 0, 172}));
-    for (const char* name : {"alexa 488", "dapi", "FITC ", " FITC", "brightfield", ""})
-        EXPECT_FALSE(dyes.contains(name)) << name;
-    EXPECT_EQ(dyes.firstKey(), "1 5 IAEDANS");
-    EXPECT_EQ(dyes.lastKey(), "jGold[high pH]");
-    EXPECT_EQ(values(dyes["no such dye"]), Record());
-    EXPECT_EQ(names.count("FM 4-64"), 2);
-    for (const QString& name : names)
-        EXPECT_TRUE(dyes.contains(name)) << qPrintable(name);
-}
-
 /// Names and values all together: the digests are of the published tables, one line for each dye
 /// in name order ("name|excitation|emission|red|green|blue") and one for each name of the list.
 TEST_F(Catalogue, IsThePublishedOneToTheLetter) {

@@ -142,19 +142,4 @@ TEST(Levels, BuffersOfEveryLengthAreMeasuredAndStretchedToTheirEnds) {
             }
 }
 
-TEST(Levels, EachChannelIsStretchedByItsOwnPair) {
-    const Levels pairs[] = {{0, 255}, {20, 220}, {200, 100}, {65535, 65535},
-                            {0, 0},   {99, 101}, {254, 3}};
-    const Bytes before = noise(3 * 43 * 3);
-    for (Levels blue : pairs)
-        for (Levels green : pairs)
-            for (Levels red : pairs) {
-                const Channels levels = {blue, green, red};
-                const Bytes bytes = before.clone();
-                stretch(levels, bytes, 43, 3);
-                ASSERT_TRUE(sameImage(bytes, plainStretched(before, levels)))
-                    << testing::PrintToString(levels);
-            }
-}
-
 } // namespace

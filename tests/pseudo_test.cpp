@@ -71,22 +71,6 @@ TEST(Pseudo, EveryColourHasTheLumaOfThePlainSum) {
     }
 }
 
-/// One sample makes a gray picture coloured, wherever it lies among pixels that are worked on
-/// together.
-TEST(Pseudo, GrayAndColouredPixelsFollowTheRuleSideBySide) {
-    for (int pixels : {1, 8, 127, 128, 129, 136, 2047, 2048, 2049, 2176, 4100})
-        for (int place : {0, 1, 7, 127, 128, 135, 2040, 2047, 2048, 2175, pixels - 1})
-            for (int channel = 0; channel < 3 && place < pixels; ++channel) {
-                cv::Mat image(1, pixels, CV_8UC3);
-                fillSamples(image, [=](int, int x, int c) {
-                    return x == place && c == channel ? x ^ 128 : x;
-                });
-                ASSERT_TRUE(
-                    sameImage(coloured(image, rampOf(256)), plainColoured(image, rampOf(256))))
-                    << place << " of " << pixels << " in channel " << channel;
-            }
-}
-
 TEST(Pseudo, KnownSlots) {
     const cv::Mat gray = (cv::Mat_<uchar>(5, 1) << 0, 2, 3, 254, 255);
     EXPECT_EQ(slotsOf(gray), (std::vector{0, 0, 2, 253, 254}));
