@@ -38,6 +38,32 @@ configure_file(cmake/lumetra.pc.in lumetra${qt_suffix}.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/lumetra${qt_suffix}.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
+# The library for rendering knows nothing of Qt: one for both builds, so only its files are its own.
+set(render_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/LumetraRender)
+set(render_include_dir ${CMAKE_INSTALL_INCLUDEDIR}/lumetra-render)
+target_include_directories(LumetraRender PUBLIC $<INSTALL_INTERFACE:${render_include_dir}>)
+install(TARGETS LumetraRender EXPORT LumetraRenderTargets
+  RUNTIME COMPONENT render
+  LIBRARY COMPONENT render NAMELINK_COMPONENT render-development
+  ARCHIVE COMPONENT render-development)
+install(DIRECTORY render DESTINATION ${render_include_dir} COMPONENT render-development
+  FILES_MATCHING PATTERN *.h PATTERN colormap_knots.h EXCLUDE PATTERN lumetra_render.h EXCLUDE)
+install(FILES render/lumetra_render.h render/lumetra_render.hpp DESTINATION ${render_include_dir}
+  COMPONENT render-development)
+install(EXPORT LumetraRenderTargets NAMESPACE Lumetra:: DESTINATION ${render_package_dir}
+  COMPONENT render-development)
+configure_package_config_file(cmake/LumetraRenderConfig.cmake.in LumetraRenderConfig.cmake
+  INSTALL_DESTINATION ${render_package_dir} NO_SET_AND_CHECK_MACRO
+  NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+write_basic_package_version_file(LumetraRenderConfigVersion.cmake
+  VERSION ${render_version} COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/LumetraRenderConfig.cmake
+              ${PROJECT_BINARY_DIR}/LumetraRenderConfigVersion.cmake
+  DESTINATION ${render_package_dir} COMPONENT render-development)
+configure_file(cmake/lumetra-render.pc.in lumetra-render.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/lumetra-render.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT render-development)
+
 install(FILES CHANGELOG.md DESTINATION ${doc_dir} COMPONENT development)
 install(FILES LICENSE DESTINATION ${doc_dir} COMPONENT licence) # packages bring it in their own way
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html # there once the target docs has been built

@@ -2,10 +2,10 @@
 # examples are the same for either generation of Qt and come with the build for Qt 5.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lumetra${qt_suffix})
-# Debian's tools want an address. This one is of a domain that never exists; README tells the ways.
+# Debian's tools require an address. The domain of this one never exists; see SECURITY.md.
 set(CPACK_PACKAGE_CONTACT "The libLumetra authors <authors@lumetra.invalid>")
 if(LUMETRA_QT_MAJOR EQUAL 5)
-  set(CPACK_COMPONENTS_ALL runtime development examples)
+  set(CPACK_COMPONENTS_ALL runtime development render render-development examples)
   set(runtime_package liblumetra${PROJECT_VERSION_MAJOR})
   set(qt_package qtbase5-dev)
 else()
@@ -18,50 +18,67 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
 
 set(description "libLumetra tints the gray channels of a fluorescence microscope with the
-colours of their dyes, stretches levels, applies colour tables and merges
-shifted channels.")
+colours of their dyes, sets contrast limits, applies LUTs and merges shifted
+channels.")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${description}\nThis is the library.")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${description}\nThis package contains the library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=") # newer ones of the same name will do
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=") # newer ones of the same name also work
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liblumetra${qt_suffix}-dev)
-set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${description}\nThis is what building with it needs.")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${description}\nThis package contains the files needed to build with it.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "${runtime_package} (= ${PROJECT_VERSION}), ${qt_package}, libopencv-dev")
 
+set(CPACK_DEBIAN_RENDER_PACKAGE_NAME liblumetra-render0)
+set(CPACK_DEBIAN_RENDER_DESCRIPTION "Rendering of fluorescence channels into one image
+From planes of gray pixels and display settings (dye, contrast limits, gamma,
+offset) to one image, for C++ and, by a C interface, for other languages.\nThis package contains the library.")
+set(CPACK_DEBIAN_RENDER_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RENDER_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RENDER_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
+set(CPACK_DEBIAN_RENDER_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
+
+set(CPACK_DEBIAN_RENDER-DEVELOPMENT_PACKAGE_NAME liblumetra-render-dev)
+set(CPACK_DEBIAN_RENDER-DEVELOPMENT_DESCRIPTION "Rendering of fluorescence channels into one image, development files
+From planes of gray pixels and display settings (dye, contrast limits, gamma,
+offset) to one image, for C++ and, by a C interface, for other languages.\nThis package contains the files needed to build with it.")
+set(CPACK_DEBIAN_RENDER-DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_RENDER-DEVELOPMENT_PACKAGE_DEPENDS
+    "liblumetra-render0 (= ${PROJECT_VERSION}), libopencv-dev")
+
 set(CPACK_DEBIAN_EXAMPLES_PACKAGE_NAME lumetra-examples)
-set(CPACK_DEBIAN_EXAMPLES_DESCRIPTION "${description}\nThese are programs that use it, as sources.")
+set(CPACK_DEBIAN_EXAMPLES_DESCRIPTION "${description}\nThis package contains the sources of example programs.")
 set(CPACK_DEBIAN_EXAMPLES_PACKAGE_SECTION doc)
 set(CPACK_DEBIAN_EXAMPLES_PACKAGE_ARCHITECTURE all)
-set(CPACK_DEBIAN_EXAMPLES_PACKAGE_DEPENDS "liblumetra-dev (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_EXAMPLES_PACKAGE_DEPENDS "liblumetra-dev (>= ${PROJECT_VERSION}), liblumetra-render-dev (>= ${PROJECT_VERSION})")
 
 if(LUMETRA_BUILD_APPS)
   list(APPEND CPACK_COMPONENTS_ALL tools)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME lumetra-tools)
-  set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${description}\nThis is the command lumetra, for pictures, stacks and data sets.")
+  set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${description}\nThis package contains the command lumetra, for images, stacks and data sets.")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
-      "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION}), fonts-dejavu-core")
+      "liblumetra-render0 (>= ${PROJECT_VERSION}), fonts-dejavu-core")
 
   list(APPEND CPACK_COMPONENTS_ALL viewer)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_NAME lumetra-viewer)
-  set(CPACK_DEBIAN_VIEWER_DESCRIPTION "${description}\nThis is the viewer, which shows them live and from files.")
+  set(CPACK_DEBIAN_VIEWER_DESCRIPTION "${description}\nThis package contains the viewer, for cameras and image files.")
   set(CPACK_DEBIAN_VIEWER_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS
-      "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION}), fonts-dejavu-core")
+      "liblumetra-render0 (>= ${PROJECT_VERSION}), fonts-dejavu-core")
 endif()
 
-# Every package brings the licence and its changes, where and as Debian expects them.
+# Every package contains the licence and the changes, where and as Debian expects them.
 foreach(file IN ITEMS changelog tools/lumetra.1)
   get_filename_component(name ${file} NAME)
   execute_process(COMMAND gzip --best --no-name --stdout ${CMAKE_CURRENT_LIST_DIR}/${file}

@@ -1,0 +1,61 @@
+#include "render/image_colouring.h"
+
+#include "lumetra/colourise/dye.h"
+#include "lumetra/colourise/pseudo.h"
+#include "render/intensity_lut.h"
+
+#include <opencv2/core.hpp>
+
+#include <cmath>
+#include <vector>
+
+namespace lumetra {
+namespace {
+
+/// Colouring reaches 255 slots, so 255 colours from first to last of the 256.
+LevelColours slotColours(const Colormap& colormap) {
+    constexpr std::size_t slots = 255;
+    constexpr double last = std::tuple_size_v<Colormap> - 1;
+    LevelColours colours{};
+    for (std::size_t slot = 0; slot < slots; ++slot) {
+        const double place = static_cast<double>(slot) * last / (slots - 1);
+        const auto nearest = static_cast<std::size_t>(std::lround(place));
+        const auto [red, green, blue] = colormap[nearest];
+        colours[slot] = packedColour(blue, green, red);
+    }
+    return colours;
+}
+
+} // namespace
+
+cv::Mat stretched(const cv::Mat& image, const LevelPolicy& policy, double gamma) {
+    if (policy.method == LevelPolicy::Method::none)
+        return image;
+    std::vector<cv::Mat> planes;
+    cv::split(image, planes);
+    for (cv::Mat& plane : planes) {
+        Histogram histogram;
+        histogram.add(plane);
+        IntensityLut lut;
+        lut.set(histogram.bitDepth(), *levelsOf(histogram, policy), gamma);
+        cv::Mat display8;
+        lut.apply(plane, display8);
+        plane = display8;
+    }
+    cv::Mat result;
+    cv::merge(planes, result);
+    return result;
+}
+
+void tintImage(const cv::Mat& image, Colour colour, bool dominant, cv::Mat& result) {
+    const DyeSettings settings{{colour.blue, colour.green, colour.red}, false, dominant};
+    const bool isTinted = dye(image, result, settings);
+    CV_Assert(isTinted);
+}
+
+void colourImage(const cv::Mat& image, const Colormap& colormap, cv::Mat& result) {
+    const bool isColoured = pseudo(image, result, slotColours(colormap));
+    CV_Assert(isColoured);
+}
+
+} // namespace lumetra

@@ -1,0 +1,52 @@
+// How contrast limits are found.
+#pragma once
+
+#include "render/histogram.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lumetra {
+
+/// The word of a user for how contrast limits are found.
+struct LUMETRA_RENDER_EXPORT LevelPolicy {
+    enum class Method {
+        clip,  ///< The range of the pixel values, without a share cut off at each end.
+        fixed, ///< Given by the user.
+        none   ///< Pixel values stay as they are, in their bit depth.
+    };
+    Method method = Method::clip;
+    double percent = 0.1;  ///< Of `clip`, from 0 to below 50; 0 takes smallest and largest value.
+    ContrastLimits limits; ///< Of `fixed`.
+
+    /// The policy of limits that are known.
+    static LevelPolicy fixedTo(ContrastLimits limits) { return {Method::fixed, 0, limits}; }
+
+    /// Whether the limits depend on images.
+    bool isMeasured() const { return method == Method::clip; }
+
+    /// The limits that are known before there is an image.
+    std::optional<ContrastLimits> known() const {
+        return method == Method::fixed ? std::optional(limits) : std::nullopt;
+    }
+
+    /// As `parseLevelPolicy` understands it.
+    std::string text() const;
+};
+
+/// Understands `auto` (smallest and largest pixel value), `clip:PERCENT`, `LOW:HIGH` and `none`.
+/// @throws RenderError for anything else.
+LUMETRA_RENDER_EXPORT LevelPolicy parseLevelPolicy(std::string_view text);
+
+/// Understands `LOW:HIGH`, 0 to 65535, LOW below HIGH.
+/// @throws RenderError for anything else.
+LUMETRA_RENDER_EXPORT ContrastLimits parseLimits(std::string_view text);
+
+/// The contrast limits of pixel values so distributed; none if they stay as they are. Where only
+/// one value is left, the limits are its neighbours within the bit depth, as the library's
+/// automatic levels are.
+LUMETRA_RENDER_EXPORT std::optional<ContrastLimits> levelsOf(const Histogram& histogram,
+                                                             const LevelPolicy& policy);
+
+} // namespace lumetra

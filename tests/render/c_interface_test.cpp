@@ -1,0 +1,229 @@
+#include "render/lumetra_render.h"
+
+#include "render/colormaps.h"
+#include "render/histogram.h"
+#include "render/renderer.h"
+
+#include "planes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace lumetra {
+namespace {
+
+lumetra_plane planeOf(const cv::Mat& plane) {
+    return {sizeof(lumetra_plane),
+            plane.data,
+            static_cast<ptrdiff_t>(plane.step),
+            plane.cols,
+            plane.rows,
+            plane.depth() == CV_8U ? 8 : 16};
+}
+
+lumetra_channel channelOf(const Channel& channel) {
+    lumetra_channel c{};
+    c.struct_size = sizeof c;
+    c.red = channel.colour.red;
+    c.green = channel.colour.green;
+    c.blue = channel.colour.blue;
+    c.offset_x = channel.offset.x;
+    c.offset_y = channel.offset.y;
+    c.has_limits = channel.levels.has_value();
+    c.low = channel.levels ? channel.levels->low : 0;
+    c.high = channel.levels ? channel.levels->high : 0;
+    c.hidden = !channel.visible;
+    c.gamma = channel.gamma;
+    return c;
+}
+
+/// The rows of a matrix from the last to the first, in memory that begins at an odd address.
+struct UpsideDown {
+    explicit UpsideDown(const cv::Mat& plane)
+        : step(static_cast<ptrdiff_t>(plane.cols * plane.elemSize()) + 3),
+          bytes(static_cast<std::size_t>(step * plane.rows) + 1) {
+        for (int y = 0; y < plane.rows; ++y)
+            std::memcpy(row(plane.rows, y), plane.ptr(y), plane.cols * plane.elemSize());
+    }
+    unsigned char* row(int rows, int y) { return bytes.data() + 1 + (rows - 1 - y) * step; }
+
+    ptrdiff_t step;
+    std::vector<unsigned char> bytes;
+};
+
+TEST(CInterface, RendersTheSameBytes) {
+    const std::vector<cv::Mat> planes{noisePlane({61, 47}, CV_16UC1, 1),
+                                      noisePlane({61, 47}, CV_8UC1, 2)};
+    Channel first{"", "", {0, 107, 255}, {3, -2}, ContrastLimits{99, 60000}, 0.5, true};
+    Channel second{"", "", {255, 40, 9}, {0, 0}, {}, 1, true};
+    for (const bool keeps16 : {false, true}) {
+        if (keeps16)
+            first.levels.reset(), first.gamma = 1;
+        for (const int format : {LUMETRA_BGR, LUMETRA_RGB, LUMETRA_BGRA}) {
+            if (keeps16 && format == LUMETRA_BGRA)
+                continue;
+            std::vector<lumetra_plane> given{planeOf(planes[0]), planeOf(planes[1])};
+            const std::vector<lumetra_channel> settings{channelOf(first), channelOf(second)};
+            lumetra_image image{sizeof image, nullptr, 0, 0, 0, 0, format};
+            char reason[200] = "";
+            ASSERT_EQ(
+                lumetra_image_size(given.data(), settings.data(), 2, &image, reason, sizeof reason),
+                LUMETRA_OK)
+                << reason;
+            EXPECT_EQ(image.bit_depth, keeps16 ? 16 : 8);
+            cv::Mat expected;
+            Renderer().render(planes, {first, second}, expected, static_cast<PixelFormat>(format));
+            ASSERT_EQ(cv::Size(image.width, image.height), expected.size());
+
+            cv::Mat rows(expected.size(), expected.type());
+            image.pixels = rows.data;
+            image.row_step = static_cast<ptrdiff_t>(rows.step);
+            ASSERT_EQ(lumetra_render(given.data(), settings.data(), 2, &image, nullptr, 0),
+                      LUMETRA_OK);
+            EXPECT_TRUE(areEqual(rows, expected));
+
+            // Planes and image with negative steps.
+            UpsideDown plane(planes[0]), out(cv::Mat::zeros(expected.size(), expected.type()));
+            given[0].pixels = plane.row(planes[0].rows, 0);
+            given[0].row_step = -plane.step;
+            image.pixels = out.row(rows.rows, 0);
+            image.row_step = -out.step;
+            ASSERT_EQ(lumetra_render(given.data(), settings.data(), 2, &image, nullptr, 0),
+                      LUMETRA_OK);
+            for (int y = 0; y < rows.rows; ++y)
+                ASSERT_EQ(std::memcmp(out.row(rows.rows, y), expected.ptr(y),
+                                      expected.cols * expected.elemSize()),
+                          0);
+        }
+    }
+}
+
+TEST(CInterface, TakesStructuresOfOtherVersions) {
+    const cv::Mat plane = noisePlane({20, 10}, CV_8UC1, 1);
+    struct Larger {
+        lumetra_channel known;
+        double later = 7;
+    };
+    std::vector<Larger> channels(2);
+    for (Larger& channel : channels) {
+        channel.known = channelOf({"", "", {255, 0, 0}, {}, ContrastLimits{5, 200}, 1, true});
+        channel.known.struct_size = sizeof(Larger);
+    }
+    const std::vector<lumetra_plane> planes(2, planeOf(plane));
+    cv::Mat rows(plane.size(), CV_8UC3), expected;
+    const lumetra_image image{sizeof image, rows.data, static_cast<ptrdiff_t>(rows.step),
+                              rows.cols,    rows.rows, 8,
+                              LUMETRA_RGB};
+    ASSERT_EQ(lumetra_render(planes.data(), &channels[0].known, 2, &image, nullptr, 0), LUMETRA_OK);
+    const Channel red{"", "", {255, 0, 0}, {}, ContrastLimits{5, 200}, 1, true};
+    Renderer().render({plane, plane}, {red, red}, expected, PixelFormat::rgb);
+    EXPECT_TRUE(areEqual(rows, expected));
+    // Without a gamma, which an older caller would not have.
+    lumetra_channel shorter = channels[0].known;
+    shorter.struct_size = offsetof(lumetra_channel, gamma);
+    shorter.gamma = -9;
+    EXPECT_EQ(lumetra_render(planes.data(), &shorter, 1, &image, nullptr, 0), LUMETRA_OK);
+}
+
+TEST(CInterface, RefusesWithAReason) {
+    const cv::Mat plane = noisePlane({20, 10}, CV_16UC1, 1);
+    const lumetra_plane good = planeOf(plane);
+    const Channel red{"", "", {255, 0, 0}, {}, ContrastLimits{5, 200}, 1, true};
+    cv::Mat rows(plane.size(), CV_8UC3);
+    struct Case {
+        const char* reason;
+        void (*spoil)(lumetra_plane&, lumetra_channel&, lumetra_image&);
+    };
+    const Case cases[] = {
+        {"has no pixels", [](auto& p, auto&, auto&) { p.pixels = nullptr; }},
+        {"has no pixels", [](auto& p, auto&, auto&) { p.width = 0; }},
+        {"8 nor 16", [](auto& p, auto&, auto&) { p.bit_depth = 12; }},
+        {"its size", [](auto& p, auto&, auto&) { p.struct_size = 0; }},
+        {"0 to 255", [](auto&, auto& c, auto&) { c.green = 256; }},
+        {"gamma", [](auto&, auto& c, auto&) { c.gamma = -1; }},
+        {"low < high", [](auto&, auto& c, auto&) { c.high = 5; }},
+        {"another size", [](auto&, auto&, auto& i) { i.width = 19; }},
+        {"another size", [](auto&, auto& c, auto&) { c.has_limits = 0; }}, // 16 bits then
+        {"pixel format", [](auto&, auto&, auto& i) { i.format = 3; }},
+        {"no memory", [](auto&, auto&, auto& i) { i.pixels = nullptr; }},
+    };
+    for (const Case& c : cases) {
+        lumetra_plane p = good;
+        lumetra_channel channel = channelOf(red);
+        lumetra_image image{sizeof image, rows.data, static_cast<ptrdiff_t>(rows.step),
+                            rows.cols,    rows.rows, 8,
+                            LUMETRA_BGR};
+        c.spoil(p, channel, image);
+        char reason[80] = "";
+        EXPECT_EQ(lumetra_render(&p, &channel, 1, &image, reason, sizeof reason), LUMETRA_FAILED);
+        EXPECT_NE(std::string(reason).find(c.reason), std::string::npos)
+            << c.reason << ": " << reason;
+        char cut[5] = "";
+        lumetra_render(&p, &channel, 1, &image, cut, sizeof cut);
+        EXPECT_EQ(std::string(cut), std::string(reason).substr(0, 4));
+    }
+    EXPECT_EQ(lumetra_render(&good, nullptr, 0, nullptr, nullptr, 0), LUMETRA_FAILED);
+}
+
+TEST(CInterface, KnowsDyesColormapsAndLimits) {
+    lumetra_dye dye{};
+    dye.struct_size = sizeof dye;
+    ASSERT_EQ(lumetra_find_dye("dapi", &dye, nullptr, 0), LUMETRA_OK);
+    EXPECT_STREQ(dye.name, "DAPI");
+    EXPECT_EQ(dye.emission, 461);
+    char reason[200];
+    EXPECT_EQ(lumetra_find_dye("DAPY", &dye, reason, sizeof reason), LUMETRA_FAILED);
+    EXPECT_NE(std::strstr(reason, "\"DAPI\""), nullptr);
+    std::size_t dyes = 0;
+    while (lumetra_dye_at(dyes, &dye) == LUMETRA_OK)
+        ++dyes;
+    EXPECT_EQ(dyes, 329U);
+
+    std::size_t maps = 0;
+    for (; const char* name = lumetra_colormap_name(maps); ++maps) {
+        std::vector<std::uint8_t> colours(768);
+        ASSERT_EQ(lumetra_find_colormap(name, colours.data(), nullptr, 0), LUMETRA_OK);
+        EXPECT_EQ(colours[3 * 99 + 1], findColormap(name).value()[99].green);
+    }
+    EXPECT_EQ(maps, colormapNames().size());
+
+    const cv::Mat plane = noisePlane({300, 200}, CV_16UC1, 1);
+    const lumetra_plane given = planeOf(plane);
+    std::vector<std::uint64_t> counts(65536);
+    for (int i = 0; i < 2; ++i)
+        ASSERT_EQ(lumetra_count_values(&given, counts.data(), nullptr, 0), LUMETRA_OK);
+    EXPECT_EQ(std::accumulate(counts.begin(), counts.end(), std::uint64_t{0}), 2 * plane.total());
+    Histogram histogram;
+    histogram.add(plane);
+    histogram.add(plane);
+    std::int32_t low = 0, high = 0;
+    ASSERT_EQ(lumetra_contrast_limits(counts.data(), 16, 2.5, &low, &high, nullptr, 0), LUMETRA_OK);
+    EXPECT_EQ((ContrastLimits{low, high}), histogram.clipped(2.5));
+    EXPECT_EQ(lumetra_contrast_limits(counts.data(), 16, 50, &low, &high, nullptr, 0),
+              LUMETRA_FAILED);
+}
+
+TEST(CInterface, AppliesColormaps) {
+    const cv::Mat plane = noisePlane({33, 21}, CV_16UC1, 4);
+    std::vector<std::uint8_t> colours(768);
+    ASSERT_EQ(lumetra_find_colormap("magma", colours.data(), nullptr, 0), LUMETRA_OK);
+    const lumetra_plane given = planeOf(plane);
+    cv::Mat rows(plane.size(), CV_8UC3), expected;
+    const lumetra_image image{sizeof image, rows.data, static_cast<ptrdiff_t>(rows.step),
+                              rows.cols,    rows.rows, 8,
+                              LUMETRA_RGB};
+    const lumetra_channel settings =
+        channelOf({"", "", {255, 255, 255}, {}, ContrastLimits{300, 9000}, 0.7, true});
+    ASSERT_EQ(lumetra_apply_colormap(&given, &settings, colours.data(), &image, nullptr, 0),
+              LUMETRA_OK);
+    Renderer().applyColormap(plane, ContrastLimits{300, 9000}, 0.7, *findColormap("magma"),
+                             expected, PixelFormat::rgb);
+    EXPECT_TRUE(areEqual(rows, expected));
+}
+
+} // namespace
+} // namespace lumetra
