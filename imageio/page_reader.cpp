@@ -1,0 +1,37 @@
+#include "imageio/page_reader.h"
+
+#include "imageio/reason.h"
+
+#include <limits>
+
+namespace lumetra {
+
+std::uint64_t plausibleBytes(std::int64_t fileBytes) {
+    // The strongest compression met in image files is a run of Zstandard: 128 KiB in 4 bytes.
+    constexpr std::uint64_t strongestCompression = 40000, always = 64 << 20;
+    return always + strongestCompression * static_cast<std::uint64_t>(fileBytes);
+}
+
+void PageReader::readBytes(void* bytes, std::uint64_t count) {
+    auto* next = static_cast<char*>(bytes);
+    for (auto left = static_cast<qint64>(count); left > 0;) { // a system reads so much at a time
+        const qint64 read = file_->read(next, left);
+        if (read <= 0)
+            throw Reason("is damaged or cut short");
+        next += read;
+        left -= read;
+    }
+}
+
+cv::Mat PageReader::newImage(std::uint64_t width, std::uint64_t height, int type) const {
+    constexpr std::uint64_t longest = std::numeric_limits<int>::max();
+    if (width == 0 || height == 0)
+        throw Reason("has no pixels");
+    const std::uint64_t most = plausibleBytes(file_->size()) / CV_ELEM_SIZE(type);
+    if (width > longest || height > longest || width > most / height)
+        throw Reason("claims more pixels than the file can hold");
+    cv::Mat image(static_cast<int>(height), static_cast<int>(width), type);
+    return image;
+}
+
+} // namespace lumetra

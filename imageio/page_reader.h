@@ -1,0 +1,50 @@
+// What every format's reader has to give.
+#pragma once
+
+#include <opencv2/core/mat.hpp>
+
+#include <QFile>
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+namespace lumetra {
+
+/// Reads the pages of one open file. All of it throws Reason, or std::bad_alloc.
+class PageReader {
+public:
+    /// @param file  Open for reading, and the reader's from now on.
+    explicit PageReader(std::unique_ptr<QFile> file) : file_(std::move(file)) {}
+    virtual ~PageReader() = default;
+    PageReader(const PageReader&) = delete;
+    PageReader& operator=(const PageReader&) = delete;
+
+    /// The number of pages, at least one.
+    virtual int pages() const { return 1; }
+
+    /// A page as an observer sees it, orientation applied: CV_8U or CV_16U with one channel, or
+    /// three (blue, green, red). The memory is the caller's.
+    /// @param index  From 0 to pages() - 1.
+    virtual cv::Mat read(int index) = 0;
+
+protected:
+    QFile& file() { return *file_; }
+
+    /// Reads as many bytes from where the file stands.
+    /// @throws Reason if the file ends before.
+    void readBytes(void* bytes, std::uint64_t count);
+
+    /// An image to read into, its pixels not yet set.
+    /// @throws Reason if it has no pixels, or so many that no compression could bring them into a
+    ///         file of this size: memory is taken for what a file holds, not for what it claims.
+    cv::Mat newImage(std::uint64_t width, std::uint64_t height, int type) const;
+
+private:
+    std::unique_ptr<QFile> file_;
+};
+
+/// The most bytes that a file of this size can stand for in one piece.
+std::uint64_t plausibleBytes(std::int64_t fileBytes);
+
+} // namespace lumetra

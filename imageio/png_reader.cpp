@@ -1,0 +1,106 @@
+#include "imageio/png_reader.h"
+
+#include "imageio/orientation.h"
+#include "imageio/png_guard.h"
+
+#include <QByteArray>
+#include <QtEndian>
+
+namespace lumetra {
+namespace {
+
+constexpr auto damaged = "is damaged or cut short";
+
+/// One pass of libpng through a file.
+class PngDecoder {
+public:
+    explicit PngDecoder(QFile& file)
+        : png_(png_create_read_struct(PNG_LIBPNG_VER_STRING, &errors_, PngErrors::fail,
+                                      PngErrors::passOver)),
+          info_(png_ ? png_create_info_struct(png_) : nullptr) {
+        if (!info_) {
+            png_destroy_read_struct(&png_, nullptr, nullptr);
+            throw std::bad_alloc();
+        }
+        png_set_read_fn(png_, &file, [](png_structp png, png_bytep bytes, std::size_t count) {
+            auto* from = static_cast<QFile*>(png_get_io_ptr(png));
+            const auto wanted = static_cast<qint64>(count);
+            if (from->read(reinterpret_cast<char*>(bytes), wanted) != wanted)
+                png_error(png, "the file ends too early");
+        });
+    }
+    ~PngDecoder() { png_destroy_read_struct(&png_, &info_, nullptr); }
+    PngDecoder(const PngDecoder&) = delete;
+    PngDecoder& operator=(const PngDecoder&) = delete;
+
+    /// Reads what comes before the pixels.
+    void readHeader() {
+        guarded(png_, errors_, damaged, [this] {
+            png_read_info(png_, info_);
+            const int kind = png_get_color_type(png_, info_);
+            if (kind == PNG_COLOR_TYPE_PALETTE)
+                png_set_palette_to_rgb(png_);
+            else if (kind == PNG_COLOR_TYPE_GRAY && bitDepth() < 8)
+                png_set_expand_gray_1_2_4_to_8(png_);
+            else if (kind == PNG_COLOR_TYPE_GRAY_ALPHA)
+                png_set_gray_to_rgb(png_);
+            png_set_strip_alpha(png_);
+            if (kind != PNG_COLOR_TYPE_GRAY)
+                png_set_bgr(png_);
+            if (bitDepth() == 16 && QSysInfo::ByteOrder == QSysInfo::LittleEndian)
+                png_set_swap(png_);
+            passes_ = png_set_interlace_handling(png_);
+            png_read_update_info(png_, info_);
+        });
+    }
+
+    png_uint_32 width() const { return png_get_image_width(png_, info_); }
+    png_uint_32 height() const { return png_get_image_height(png_, info_); }
+    int type() const {
+        return CV_MAKETYPE(bitDepth() == 16 ? CV_16U : CV_8U, png_get_channels(png_, info_));
+    }
+
+    void readPixels(cv::Mat& image) {
+        guarded(png_, errors_, damaged, [&] {
+            for (int pass = 0; pass < passes_; ++pass)
+                for (int y = 0; y < image.rows; ++y)
+                    png_read_row(png_, image.ptr(y), nullptr);
+            png_read_end(png_, info_); // checks that the file is whole; EXIF may come here, too
+        });
+    }
+
+    int orientation() const {
+#ifdef PNG_eXIf_SUPPORTED
+        png_uint_32 count = 0;
+        png_bytep bytes = nullptr;
+        if (png_get_eXIf_1(png_, info_, &count, &bytes) != 0)
+            return exifOrientation(bytes, count);
+#endif
+        return 1;
+    }
+
+private:
+    int bitDepth() const { return png_get_bit_depth(png_, info_); }
+
+    PngErrors errors_;
+    png_structp png_;
+    png_infop info_;
+    int passes_ = 1;
+};
+
+} // namespace
+
+bool PngReader::recognises(const QByteArray& start) {
+    return start.startsWith("\x89PNG\r\n\x1a\n");
+}
+
+cv::Mat PngReader::read(int /*index*/) {
+    file().seek(0);
+    PngDecoder decoder(file());
+    decoder.readHeader();
+    cv::Mat image = newImage(decoder.width(), decoder.height(), decoder.type());
+    decoder.readPixels(image);
+    return oriented(image, decoder.orientation());
+}
+
+} // namespace lumetra

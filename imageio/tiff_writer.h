@@ -1,0 +1,40 @@
+// TIFF files, written.
+#pragma once
+
+#include "imageio/atomic_file.h"
+
+#include <opencv2/core/mat.hpp>
+
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+namespace lumetra {
+
+/// Writes a TIFF file page by page: LZW with horizontal differences, in strips of about 256 KiB.
+/// It is seen under its name only after `commit`; without it nothing is left.
+///
+/// All members throw FileError with the file's name.
+class TiffWriter {
+public:
+    /// @param existing       As AtomicFile has it.
+    /// @param expectedBytes  About how many bytes the pixels of all pages have; beyond four
+    ///                       gigabytes the file is a BigTIFF.
+    TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes);
+    ~TiffWriter();
+    TiffWriter(const TiffWriter&) = delete;
+    TiffWriter& operator=(const TiffWriter&) = delete;
+
+    /// Appends a page: CV_8U or CV_16U with one channel, or three (blue, green, red).
+    void add(const cv::Mat& page);
+
+    /// Gives the file its name; nothing can be added any more.
+    void commit();
+
+private:
+    struct Output;
+    std::unique_ptr<Output> output_;
+};
+
+} // namespace lumetra

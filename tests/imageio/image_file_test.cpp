@@ -1,0 +1,179 @@
+// PNG, JPEG, BMP, PGM and PPM files of all kinds, beside what OpenCV reads.
+#include "imageio/file_error.h"
+#include "imageio/image_file.h"
+
+#include <gtest/gtest.h>
+
+#include "images.h"
+
+#include <QTemporaryDir>
+
+#include <png.h>
+
+namespace lumetra {
+namespace {
+
+class ImageFiles : public testing::Test {
+protected:
+    /// Stores bytes and compares what is read with what OpenCV reads.
+    void expectAsOpenCv(const QByteArray& bytes, const std::string& what) {
+        store(file_, bytes);
+        const cv::Mat expected = readByOpenCv(file_);
+        ASSERT_FALSE(expected.empty()) << what;
+        EXPECT_TRUE(areEqual(ImageFile(file_).page(1), expected)) << what;
+    }
+
+    QTemporaryDir folder_;
+    QString file_ = folder_.filePath("without an extension");
+};
+
+/// EXIF data that tell an orientation.
+QByteArray exif(int orientation, bool isBigEndian) {
+    const auto number = [&](int value, int length) {
+        QByteArray bytes;
+        for (int i = 0; i < length; ++i)
+            bytes += static_cast<char>(value >> 8 * (isBigEndian ? length - 1 - i : i));
+        return bytes;
+    };
+    return (isBigEndian ? "MM" : "II") + number(42, 2) + number(8, 4) + number(2, 2) +
+           number(0x10F, 2) + number(2, 2) + number(4, 4) + number(0, 4) + number(0x112, 2) +
+           number(3, 2) + number(1, 4) + number(orientation, 2) + number(0, 2) + number(0, 4);
+}
+
+struct PngKind {
+    int colourType, bits;
+    bool isInterlaced, isTransparent;
+    QByteArray exif;
+};
+
+QByteArray encodedPng(const PngKind& kind) {
+    QByteArray out;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(
+        png, &out,
+        [](png_structp of, png_bytep bytes, std::size_t count) {
+            static_cast<QByteArray*>(png_get_io_ptr(of))
+                ->append(reinterpret_cast<const char*>(bytes), static_cast<int>(count));
+        },
+        nullptr);
+    constexpr png_uint_32 width = 45, height = 33;
+    png_set_IHDR(png, info, width, height, kind.bits, kind.colourType,
+                 kind.isInterlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, 0, 0);
+    std::vector<png_color> palette;
+    for (int i = 0; i < 1 << std::min(kind.bits, 8); ++i) {
+        const auto value = static_cast<png_byte>(i * 3);
+        palette.push_back({value, static_cast<png_byte>(255 - value), 7});
+    }
+    if (kind.colourType == PNG_COLOR_TYPE_PALETTE)
+        png_set_PLTE(png, info, palette.data(), static_cast<int>(palette.size()));
+    const png_byte alphas[] = {0, 128};
+    const png_color_16 clear{1, 1, 1, 1, 1};
+    if (kind.isTransparent)
+        png_set_tRNS(png, info, alphas, 2, &clear);
+    QByteArray block = kind.exif;
+    if (!block.isEmpty())
+        png_set_eXIf_1(png, info, static_cast<png_uint_32>(block.size()),
+                       reinterpret_cast<png_bytep>(block.data()));
+    png_write_info(png, info);
+    const std::size_t rowBytes = png_get_rowbytes(png, info);
+    const cv::Mat noise = testImage({static_cast<int>(rowBytes), height}, CV_8UC1);
+    const int passes = png_set_interlace_handling(png);
+    for (int pass = 0; pass < passes; ++pass)
+        for (int y = 0; y < noise.rows; ++y)
+            png_write_row(png, noise.ptr(y));
+    png_write_end(png, info);
+    png_destroy_write_struct(&png, &info);
+    return out;
+}
+
+TEST_F(ImageFiles, OfPngAreReadAsByOpenCv) {
+    const std::vector<std::pair<int, std::vector<int>>> kinds{
+        {PNG_COLOR_TYPE_GRAY, {1, 2, 4, 8, 16}}, {PNG_COLOR_TYPE_PALETTE, {1, 2, 4, 8}},
+        {PNG_COLOR_TYPE_GRAY_ALPHA, {8, 16}},    {PNG_COLOR_TYPE_RGB, {8, 16}},
+        {PNG_COLOR_TYPE_RGB_ALPHA, {8, 16}},
+    };
+    for (const auto& [colourType, depths] : kinds)
+        for (const int bits : depths)
+            for (const bool isInterlaced : {false, true})
+                for (const bool isTransparent : {false, true}) {
+                    if (isTransparent && (colourType & PNG_COLOR_MASK_ALPHA) != 0)
+                        continue;
+                    expectAsOpenCv(encodedPng({colourType, bits, isInterlaced, isTransparent, {}}),
+                                   "type " + std::to_string(colourType) + ", bits " +
+                                       std::to_string(bits) + (isInterlaced ? ", interlaced" : "") +
+                                       (isTransparent ? ", transparent" : ""));
+                }
+    for (int orientation = 1; orientation <= 8; ++orientation)
+        expectAsOpenCv(encodedPng({PNG_COLOR_TYPE_GRAY, 8, false, false, exif(orientation, true)}),
+                       "orientation " + std::to_string(orientation));
+}
+
+TEST_F(ImageFiles, OfJpegAreReadAsByOpenCv) {
+    for (const int type : {CV_8UC1, CV_8UC3})
+        for (const int progressive : {0, 1}) {
+            const QByteArray bytes =
+                encodedByOpenCv(".jpg", testImage({45, 33}, type),
+                                {cv::IMWRITE_JPEG_PROGRESSIVE, progressive,
+                                 cv::IMWRITE_JPEG_RST_INTERVAL, progressive * 2});
+            expectAsOpenCv(bytes, "type " + std::to_string(type));
+            for (int orientation = 0; orientation <= 9; ++orientation)
+                for (const bool isBigEndian : {false, true}) {
+                    const QByteArray block =
+                        QByteArray("Exif\0\0", 6) + exif(orientation, isBigEndian);
+                    QByteArray marked = bytes;
+                    marked.insert(2, QByteArray("\xFF\xE1\0", 3) +
+                                         static_cast<char>(block.size() + 2) + block);
+                    expectAsOpenCv(marked, "orientation " + std::to_string(orientation));
+                }
+        }
+}
+
+TEST_F(ImageFiles, OfSimpleFormatsAreReadAsByOpenCv) {
+    for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
+        const cv::Mat image = testImage({45, 33}, type);
+        const char* extension = image.channels() == 1 ? ".pgm" : ".ppm";
+        expectAsOpenCv(encodedByOpenCv(extension, image), "binary");
+        expectAsOpenCv(encodedByOpenCv(extension, image, {cv::IMWRITE_PXM_BINARY, 0}), "decimal");
+        if (image.depth() == CV_8U)
+            expectAsOpenCv(encodedByOpenCv(".bmp", image), "BMP");
+    }
+    expectAsOpenCv(encodedByOpenCv(".bmp", testImage({45, 33}, CV_8UC4)), "BMP with masks");
+    QByteArray palette = encodedByOpenCv(".bmp", testImage({45, 33}, CV_8UC1));
+    palette[54 + 4 * 100] = 3; // one colour that is not gray
+    expectAsOpenCv(palette, "BMP with a palette");
+    QByteArray fromTheTop = encodedByOpenCv(".bmp", testImage({45, 33}, CV_8UC3));
+    for (int i = 22; i < 26; ++i) // the height, negative
+        fromTheTop[i] = static_cast<char>(i == 22 ? -33 : -1);
+    expectAsOpenCv(fromTheTop, "BMP from the top down");
+    expectAsOpenCv("P2 # a comment\n3 1\n255\n 1 2\t300\n", "PGM with too large a value");
+}
+
+TEST_F(ImageFiles, OfOtherKindsAreRefusedByName) {
+    const auto refusal = [](const QString& file) -> std::string {
+        try {
+            ImageFile(file).page(1);
+        } catch (const FileError& error) {
+            return error.what();
+        }
+        return "nothing";
+    };
+    const cv::Mat image = testImage({44, 33}, CV_8UC3);
+    const std::string name = file_.toStdString();
+    for (const char* extension : {".webp", ".jp2", ".ras", ".hdr"}) {
+        cv::Mat written = image;
+        if (QLatin1String(extension) == QLatin1String(".hdr"))
+            image.convertTo(written, CV_32F);
+        const QByteArray bytes = encodedByOpenCv(extension, written);
+        ASSERT_FALSE(bytes.isEmpty());
+        store(file_, bytes);
+        EXPECT_EQ(refusal(file_), name + ": is not a TIFF, PNG, JPEG, BMP, PGM or PPM file");
+    }
+    store(file_, {});
+    EXPECT_EQ(refusal(file_), name + ": is empty");
+    EXPECT_EQ(refusal(folder_.path()), folder_.path().toStdString() + ": is not a file");
+    EXPECT_EQ(refusal("nowhere.tif"), "nowhere.tif: there is no such file");
+}
+
+} // namespace
+} // namespace lumetra

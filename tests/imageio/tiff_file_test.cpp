@@ -1,0 +1,306 @@
+// TIFF files of all kinds, made by libtiff itself, beside what they were made of and beside what
+// OpenCV reads.
+#include "imageio/file_error.h"
+#include "imageio/image_file.h"
+#include "imageio/orientation.h"
+#include "imageio/tiff_writer.h"
+
+#include <gtest/gtest.h>
+
+#include "images.h"
+
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <map>
+
+#include <tiffio.h>
+
+namespace lumetra {
+namespace {
+
+struct Kind {
+    const char* mode = "w"; ///< "wb" for big-endian, "w8" for BigTIFF
+    int compression = COMPRESSION_NONE;
+    int predictor = PREDICTOR_NONE;
+    int planes = PLANARCONFIG_CONTIG;
+    int tile = 0; ///< Its side, or strips of `rows`.
+    int rows = 16;
+    int orientation = ORIENTATION_TOPLEFT;
+    int extra = -1; ///< What a fourth value is; -1 for none.
+    int photometric = -1;
+    std::map<int, int> others{};
+};
+
+/// Writes a page of a kind through libtiff's tiles or strips, row by row of values.
+template<class Value>
+void writePieces(TIFF* tiff, const cv::Mat& image, const Kind& kind) {
+    const int stored = image.channels();
+    const bool isPlanar = kind.planes == PLANARCONFIG_SEPARATE;
+    const int width = kind.tile ? kind.tile : image.cols;
+    const int height = kind.tile ? kind.tile : kind.rows;
+    for (int plane = 0; plane < (isPlanar ? stored : 1); ++plane)
+        for (int y0 = 0; y0 < image.rows; y0 += height)
+            for (int x0 = 0; x0 < image.cols; x0 += width) {
+                const int step = isPlanar ? 1 : stored;
+                const int rows = kind.tile ? height : std::min(height, image.rows - y0);
+                std::vector<Value> values(static_cast<std::size_t>(rows) *
+                                          static_cast<std::size_t>(width) *
+                                          static_cast<std::size_t>(step));
+                for (int y = 0; y < std::min(rows, image.rows - y0); ++y)
+                    for (int x = 0; x < std::min(width, image.cols - x0); ++x)
+                        for (int c = 0; c < step; ++c) {
+                            const int from = isPlanar ? plane : c;
+                            // The first three are blue, green and red, and stored the other way.
+                            const int bgr = stored >= 3 && from < 3 ? 2 - from : from;
+                            values[static_cast<std::size_t>((y * width + x) * step + c)] =
+                                image.ptr<Value>(y0 + y)[(x0 + x) * stored + bgr];
+                        }
+                const auto bytes = static_cast<tmsize_t>(values.size() * sizeof(Value));
+                const auto x = static_cast<std::uint32_t>(x0), y = static_cast<std::uint32_t>(y0);
+                const auto of = static_cast<std::uint16_t>(plane);
+                ASSERT_GE(kind.tile ? TIFFWriteEncodedTile(tiff, TIFFComputeTile(tiff, x, y, 0, of),
+                                                           values.data(), bytes)
+                                    : TIFFWriteEncodedStrip(tiff, TIFFComputeStrip(tiff, y, of),
+                                                            values.data(), bytes),
+                          0);
+            }
+}
+
+void writeTiff(const QString& file, const std::vector<cv::Mat>& pages, const Kind& kind) {
+    TIFF* tiff = TIFFOpen(QFile::encodeName(file).constData(), kind.mode);
+    ASSERT_NE(tiff, nullptr);
+    for (const cv::Mat& image : pages) {
+        const auto set = [&](int tag, auto value) {
+            TIFFSetField(tiff, static_cast<std::uint32_t>(tag), value);
+        };
+        const bool isColour = image.channels() >= 3;
+        set(TIFFTAG_IMAGEWIDTH, image.cols);
+        set(TIFFTAG_IMAGELENGTH, image.rows);
+        set(TIFFTAG_SAMPLESPERPIXEL, image.channels());
+        set(TIFFTAG_BITSPERSAMPLE, image.depth() == CV_8U ? 8 : 16);
+        set(TIFFTAG_PHOTOMETRIC, kind.photometric >= 0 ? kind.photometric
+                                 : isColour            ? PHOTOMETRIC_RGB
+                                                       : PHOTOMETRIC_MINISBLACK);
+        set(TIFFTAG_PLANARCONFIG, kind.planes);
+        set(TIFFTAG_COMPRESSION, kind.compression);
+        set(TIFFTAG_ORIENTATION, kind.orientation);
+        if (kind.predictor != PREDICTOR_NONE)
+            set(TIFFTAG_PREDICTOR, kind.predictor);
+        if (kind.extra >= 0) {
+            const auto meaning = static_cast<std::uint16_t>(kind.extra);
+            TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &meaning);
+        }
+        if (kind.photometric == PHOTOMETRIC_PALETTE) {
+            std::vector<std::uint16_t> map(3 * 256);
+            for (std::size_t i = 0; i < map.size(); ++i)
+                map[i] = static_cast<std::uint16_t>(i * 257 * 5 % 65536);
+            TIFFSetField(tiff, TIFFTAG_COLORMAP, map.data(), &map[256], &map[512]);
+        }
+        for (const auto& [tag, value] : kind.others)
+            set(tag, value);
+        if (kind.tile) {
+            set(TIFFTAG_TILEWIDTH, kind.tile);
+            set(TIFFTAG_TILELENGTH, kind.tile);
+        } else {
+            set(TIFFTAG_ROWSPERSTRIP, kind.rows);
+        }
+        if (image.depth() == CV_8U)
+            writePieces<std::uint8_t>(tiff, image, kind);
+        else
+            writePieces<std::uint16_t>(tiff, image, kind);
+        ASSERT_TRUE(TIFFWriteDirectory(tiff));
+    }
+    TIFFClose(tiff);
+}
+
+std::string refusal(const QString& file) {
+    try {
+        ImageFile(file).page(1);
+    } catch (const FileError& error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
+class TiffFile : public testing::Test {
+protected:
+    QTemporaryDir folder_;
+    QString file_ = folder_.filePath("a.tif");
+};
+
+/// Four channels of an image, with the first three of it.
+cv::Mat withAlpha(const cv::Mat& image) {
+    cv::Mat wide(image.size(), CV_MAKETYPE(image.depth(), 4));
+    const cv::Mat alpha = testImage(image.size(), CV_MAKETYPE(image.depth(), 1), 9);
+    const std::vector<cv::Mat> parts{image, alpha};
+    cv::mixChannels(parts, std::vector<cv::Mat>{wide}, {0, 0, 1, 1, 2, 2, 3, 3});
+    return wide;
+}
+
+TEST_F(TiffFile, ComesBackAsItWasStored) {
+    const std::vector<Kind> kinds{
+        {},
+        {"wb"},
+        {"w8"},
+        {"w8b"},
+        {"w", COMPRESSION_LZW, PREDICTOR_HORIZONTAL},
+        {"wb", COMPRESSION_LZW, PREDICTOR_HORIZONTAL},
+        {"w", COMPRESSION_PACKBITS},
+        {"w", COMPRESSION_ADOBE_DEFLATE, PREDICTOR_HORIZONTAL},
+        {"w", COMPRESSION_DEFLATE},
+        {"w", COMPRESSION_LZMA},
+        {"w", COMPRESSION_ZSTD, PREDICTOR_HORIZONTAL},
+        {"w", COMPRESSION_LERC},
+        {"w", COMPRESSION_NONE, PREDICTOR_NONE, PLANARCONFIG_CONTIG, 16},
+        {"wb", COMPRESSION_LZW, PREDICTOR_HORIZONTAL, PLANARCONFIG_CONTIG, 32},
+        {"w", COMPRESSION_NONE, PREDICTOR_NONE, PLANARCONFIG_SEPARATE},
+        {"wb", COMPRESSION_ZSTD, PREDICTOR_NONE, PLANARCONFIG_SEPARATE, 16},
+        {"w", COMPRESSION_NONE, PREDICTOR_NONE, PLANARCONFIG_CONTIG, 0, 1},
+        {"w", COMPRESSION_NONE, PREDICTOR_NONE, PLANARCONFIG_CONTIG, 0, 1000},
+    };
+    for (const Kind& kind : kinds) {
+        if (!TIFFIsCODECConfigured(static_cast<std::uint16_t>(kind.compression)))
+            continue;
+        for (const int type : {CV_8UC1, CV_16UC1, CV_8UC3, CV_16UC3}) {
+            const cv::Mat image = testImage({45, 33}, type);
+            const std::string what = std::string(kind.mode) + ' ' +
+                                     std::to_string(kind.compression) + ' ' + std::to_string(type);
+            writeTiff(file_, {image}, kind);
+            const cv::Mat page = ImageFile(file_).page(1);
+            EXPECT_TRUE(areEqual(page, image)) << what;
+            const bool isMisread = kind.planes == PLANARCONFIG_SEPARATE && type == CV_16UC3;
+            EXPECT_TRUE(isMisread || areEqual(page, readByOpenCv(file_))) << what;
+            if (type != CV_8UC3 && type != CV_16UC3)
+                continue;
+            Kind alpha = kind;
+            alpha.extra = EXTRASAMPLE_ASSOCALPHA;
+            writeTiff(file_, {withAlpha(image)}, alpha);
+            EXPECT_TRUE(areEqual(ImageFile(file_).page(1), image)) << what << " with alpha";
+        }
+    }
+}
+
+TEST_F(TiffFile, IsTurnedAsItsOrientationTells) {
+    for (int orientation = 0; orientation <= 9; ++orientation)
+        for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
+            Kind kind;
+            kind.orientation = orientation;
+            kind.rows = 1000;
+            const cv::Mat image = testImage({45, 33}, type);
+            writeTiff(file_, {image}, kind);
+            const cv::Mat page = ImageFile(file_).page(1);
+            EXPECT_TRUE(areEqual(page, readByOpenCv(file_))) << orientation << ' ' << type;
+            kind.rows = 16; // the same in many strips
+            writeTiff(file_, {image}, kind);
+            EXPECT_TRUE(areEqual(ImageFile(file_).page(1), page)) << orientation << ' ' << type;
+        }
+}
+
+TEST_F(TiffFile, OfOtherColoursIsConvertedAsByOpenCv) {
+    const auto expectAsOpenCv = [&](const cv::Mat& image, Kind kind, const char* what) {
+        for (const int tile : {0, 16}) {
+            kind.tile = tile;
+            kind.orientation = 1;
+            writeTiff(file_, {image}, kind);
+            const cv::Mat expected = readByOpenCv(file_);
+            ASSERT_EQ(expected.type(), CV_8UC3);
+            EXPECT_TRUE(areEqual(ImageFile(file_).page(1), expected)) << what << ' ' << tile;
+            kind.orientation = 6; // OpenCV mirrors the pieces of a page, not the page
+            writeTiff(file_, {image}, kind);
+            EXPECT_TRUE(areEqual(ImageFile(file_).page(1), oriented(expected, 6)))
+                << what << ' ' << tile << ", turned";
+        }
+    };
+    Kind palette;
+    palette.photometric = PHOTOMETRIC_PALETTE;
+    expectAsOpenCv(testImage({45, 33}, CV_8UC1), palette, "palette");
+    Kind cmyk;
+    cmyk.photometric = PHOTOMETRIC_SEPARATED;
+    expectAsOpenCv(testImage({45, 33}, CV_8UC4), cmyk, "CMYK");
+    Kind loose;
+    loose.extra = EXTRASAMPLE_UNASSALPHA;
+    expectAsOpenCv(testImage({45, 33}, CV_8UC4), loose, "alpha apart");
+    Kind jpeg{"w", COMPRESSION_JPEG};
+    jpeg.photometric = PHOTOMETRIC_YCBCR;
+    jpeg.others = {{TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB}};
+    expectAsOpenCv(testImage({48, 32}, CV_8UC3), jpeg, "YCbCr");
+}
+
+TEST_F(TiffFile, ThatWouldBeMisreadIsRefused) {
+    const auto expect = [&](const char* reason) {
+        const std::string expected = QFile::encodeName(file_).toStdString() + ": page 1 " + reason;
+        EXPECT_EQ(refusal(file_).substr(0, expected.size()), expected);
+    };
+    const cv::Mat gray = testImage({20, 10}, CV_16UC1);
+    Kind kind;
+    kind.photometric = PHOTOMETRIC_MINISWHITE;
+    writeTiff(file_, {gray}, kind);
+    expect("is stored inverted (WhiteIsZero), which is not supported");
+    kind.photometric = PHOTOMETRIC_MINISBLACK;
+    writeTiff(file_, {testImage({20, 10}, CV_16UC2)}, kind);
+    expect("has two values per pixel");
+    writeTiff(file_, {testImage({20, 10}, CV_16UC3)}, kind);
+    expect("is gray with 3 values per pixel");
+    writeTiff(file_, {testImage({20, 10}, CV_8UC4)}, kind);
+    expect("is gray with 4 values per pixel");
+    kind.photometric = PHOTOMETRIC_SEPARATED;
+    writeTiff(file_, {testImage({20, 10}, CV_16UC4)}, kind);
+    expect("has colours of a kind that is not supported");
+    kind.photometric = -1;
+    kind.others = {{TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_INT}};
+    writeTiff(file_, {gray}, kind);
+    expect("has pixel values that are not unsigned integers");
+    kind.others = {{TIFFTAG_BITSPERSAMPLE, 32}};
+    writeTiff(file_, {testImage({20, 14}, CV_16UC1)}, kind);
+    expect("has a bit depth of 32");
+}
+
+TEST_F(TiffFile, OfAnImageJStackBehindOneDirectoryIsRefused) {
+    for (const int stated : {1, 3}) {
+        TIFF* tiff = TIFFOpen(QFile::encodeName(file_).constData(), "w");
+        const QByteArray text =
+            "ImageJ=1.53t\nimages=" + QByteArray::number(stated) + "\nslices=3\n";
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, text.constData());
+        std::uint32_t row = 0;
+        TIFFWriteScanline(tiff, &row, 0);
+        TIFFClose(tiff);
+        EXPECT_EQ(refusal(file_).find("says that it has 3 pages, but only 1 can be reached") !=
+                      std::string::npos,
+                  stated == 3);
+    }
+}
+
+TEST_F(TiffFile, OfManyPagesIsReadInAnyOrderAndFast) {
+    constexpr int pages = 1000;
+    std::vector<cv::Mat> written;
+    {
+        TiffWriter writer(file_, Existing::keep, 0);
+        for (int i = 0; i < pages; ++i) {
+            written.push_back(testImage({64, 64}, i % 3 ? CV_16UC1 : CV_8UC3, i));
+            writer.add(written.back());
+        }
+        EXPECT_FALSE(QFile::exists(file_)); // not seen before it is whole
+        writer.commit();
+    }
+    const auto start = std::chrono::steady_clock::now();
+    const ImageFile file(file_);
+    ASSERT_EQ(file.pages(), pages);
+    for (int i = 0; i < pages; ++i) {
+        const int page = i * 37 % pages;
+        ASSERT_TRUE(areEqual(file.page(page + 1), written[static_cast<std::size_t>(page)])) << page;
+    }
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(taken.count(), 4); // a search from the first page each time takes 10 s and more
+    EXPECT_THROW(file.page(0), FileError);
+    EXPECT_THROW(file.page(pages + 1), FileError);
+    EXPECT_THROW(file.grayPage(1), FileError);
+    EXPECT_EQ(file.grayPage(2).type(), CV_16UC1);
+}
+
+} // namespace
+} // namespace lumetra

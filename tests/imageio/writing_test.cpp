@@ -1,0 +1,197 @@
+#include "imageio/file_error.h"
+#include "imageio/image_file.h"
+#include "imageio/image_writer.h"
+#include "imageio/output_conflicts.h"
+#include "imageio/tiff_writer.h"
+
+#include <gtest/gtest.h>
+
+#include "images.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <atomic>
+#include <csignal>
+#include <thread>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace lumetra {
+namespace {
+
+class Writing : public testing::Test {
+protected:
+    QString path(const QString& name) const { return folder_.filePath(name); }
+    int filesThere() const {
+        return static_cast<int>(
+            QDir(folder_.path()).entryList(QDir::Files | QDir::Hidden | QDir::System).size());
+    }
+
+    QTemporaryDir folder_;
+};
+
+TEST_F(Writing, GivesTheBytesOfOpenCvsEncoders) {
+    for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3})
+        for (const cv::Size size : {cv::Size(1, 1), cv::Size(45, 33), cv::Size(700, 300)}) {
+            const cv::Mat whole = testImage(size + cv::Size(3, 0), type);
+            const cv::Mat image = whole(cv::Rect({1, 0}, size)); // its rows lie apart
+            writeImage(path("a.png"), image, Existing::replace);
+            EXPECT_EQ(contentOf(path("a.png")), encodedByOpenCv(".png", image)) << type << size;
+            if (image.depth() == CV_8U) {
+                writeImage(path("a.JPEG"), image, Existing::replace);
+                EXPECT_EQ(contentOf(path("a.JPEG")), encodedByOpenCv(".jpg", image))
+                    << type << size;
+            }
+            writeImage(path("a.tif"), image, Existing::replace);
+            EXPECT_TRUE(areEqual(readByOpenCv(path("a.tif")), image)) << type << size;
+            EXPECT_TRUE(areEqual(ImageFile(path("a.tif")).page(1), image)) << type << size;
+        }
+}
+
+TEST_F(Writing, TakesNamesOfAllLettersAndLengths) {
+    const QString odd = QString::fromUtf8("ä 'q\" \n%1.png");
+    for (const QString& name : {odd, QString(251, 'x') + ".png", QString(251, 'y') + ".tif"}) {
+        writeImage(path(name), testImage({5, 4}, CV_8UC1), Existing::keep);
+        EXPECT_EQ(ImageFile(path(name)).page(1).cols, 5);
+    }
+    EXPECT_EQ(filesThere(), 3);
+    EXPECT_THROW(writeImage(path("a.gif"), testImage({5, 4}, CV_8UC1), Existing::keep), FileError);
+    EXPECT_THROW(writeImage(path("a.jpg"), testImage({5, 4}, CV_16UC1), Existing::keep), FileError);
+    EXPECT_THROW(writeImage(path("no/a.png"), testImage({5, 4}, CV_8UC1), Existing::keep),
+                 FileError);
+    EXPECT_EQ(filesThere(), 3);
+}
+
+TEST_F(Writing, GivesFilesThePermissionsOfAnyOther) {
+    const mode_t before = umask(027);
+    for (const Existing existing : {Existing::keep, Existing::replace, Existing::replace}) {
+        const QString file = path(existing == Existing::keep ? "a.png" : "b.png");
+        writeImage(file, testImage({5, 4}, CV_8UC1), existing);
+        struct stat status = {};
+        ASSERT_EQ(stat(QFile::encodeName(file).constData(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777U, 0640U);
+        EXPECT_EQ(status.st_nlink, 1U);
+    }
+    umask(before);
+}
+
+TEST_F(Writing, ReplacesOnlyWhatItMay) {
+    const QString file = path("a.png"), link = path("link.png"), pipe = path("pipe.png");
+    writeImage(file, testImage({4, 4}, CV_8UC1), Existing::keep);
+    ASSERT_TRUE(QFile::link(file, link));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString& name : {file, link}) {
+        EXPECT_THROW(checkOutput(name, {}, Existing::keep), FileExistsError);
+        EXPECT_THROW(writeImage(name, testImage({5, 5}, CV_8UC1), Existing::keep), FileExistsError);
+        EXPECT_NO_THROW(checkOutput(name, {path("b.png")}, Existing::replace));
+        EXPECT_THROW(checkOutput(name, {file}, Existing::replace), FileError); // also an input
+    }
+    EXPECT_EQ(ImageFile(file).page(1).cols, 4);
+    for (const QString& name : {folder_.path(), QString("/dev/null"), pipe}) {
+        EXPECT_THROW(checkOutput(name, {}, Existing::replace), FileError);
+        EXPECT_THROW(writeBytes(name, "x", Existing::replace), FileError);
+    }
+    EXPECT_FALSE(QFileInfo(pipe).isFile());
+
+    writeImage(link, testImage({5, 5}, CV_8UC1), Existing::replace); // what it leads to
+    EXPECT_EQ(ImageFile(file).page(1).cols, 5);
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    ASSERT_TRUE(QFile::link(path("later.png"), path("dangling.png")));
+    writeImage(path("dangling.png"), testImage({6, 6}, CV_8UC1), Existing::keep);
+    EXPECT_EQ(ImageFile(path("later.png")).page(1).cols, 6);
+    EXPECT_EQ(filesThere(), 5);
+}
+
+TEST_F(Writing, TellsFilesApartByWhatTheyAre) {
+    writeBytes(path("a.tif"), "x", Existing::keep);
+    ASSERT_TRUE(QDir(folder_.path()).mkdir("sub"));
+    ASSERT_TRUE(QFile::link(path("sub"), path("way")));
+    ASSERT_EQ(link(QFile::encodeName(path("a.tif")).constData(),
+                   QFile::encodeName(path("sub/hard.tif")).constData()),
+              0);
+    EXPECT_EQ(fileId(path("a.tif")), fileId(path("way/../a.tif")));
+    EXPECT_EQ(fileId(path("a.tif")), fileId(path("way/hard.tif")));
+    EXPECT_EQ(fileId(path("way/new.tif")), fileId(path("sub/./new.tif")));
+    EXPECT_NE(fileId(path("way/new.tif")), fileId(path("new.tif")));
+    EXPECT_EQ(resolvedPath(path("way/b/c.tif")), resolvedPath(path("sub/b/c.tif")));
+
+    EXPECT_THROW(checkOutputConflicts({path("way/hard.tif")}, {path("a.tif")}), FileError);
+    EXPECT_THROW(checkOutputConflicts({path("way/o.png"), path("sub/o.png")}, {}), FileError);
+    EXPECT_NO_THROW(checkOutputConflicts({path("o.png"), path("sub/o.png"), "-", "-", "", ""},
+                                         {path("a.tif"), "-", ""}));
+}
+
+TEST_F(Writing, LeavesNothingOfWhatIsGivenUp) {
+    {
+        TiffWriter writer(path("stack.tif"), Existing::keep, 0);
+        writer.add(testImage({40, 30}, CV_8UC1));
+        AtomicFile file(path("a.txt"), Existing::keep);
+        EXPECT_TRUE(writeAll(file.device(), "abc", 3));
+    }
+    EXPECT_EQ(filesThere(), 0);
+}
+
+TEST_F(Writing, OnAFullDiskFailsAndLeavesNothing) {
+    // As a full disk, a limit makes a write fall short and the next one fail.
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const cv::Mat image = testImage({300, 200}, CV_8UC3);
+    for (const rlim_t most : {10U, 5000U, 20000U}) {
+        const rlimit small{most, before.rlim_max};
+        for (const char* name : {"a.png", "a.jpg", "a.tif"}) {
+            setrlimit(RLIMIT_FSIZE, &small);
+            EXPECT_THROW(writeImage(path(name), image, Existing::replace), FileError) << name;
+            setrlimit(RLIMIT_FSIZE, &before);
+        }
+        setrlimit(RLIMIT_FSIZE, &small);
+        EXPECT_THROW(writeBytes(path("a.txt"), QByteArray(static_cast<int>(most) + 1, 'x'),
+                                Existing::replace),
+                     FileError);
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(filesThere(), 0);
+    }
+    std::signal(SIGXFSZ, ignored);
+}
+
+TEST_F(Writing, OfOneFileByManyAtOnceGivesOneOfThem) {
+    constexpr int writers = 8, rounds = 30;
+    for (const Existing existing : {Existing::keep, Existing::replace})
+        for (int round = 0; round < rounds; ++round) {
+            const QString file =
+                path(QString::number(round) + (existing == Existing::keep ? "k.png" : "r.png"));
+            std::atomic<int> ready{0}, written{0}, kept{0}, winner{0};
+            std::vector<std::thread> threads;
+            threads.reserve(writers);
+            for (int i = 0; i < writers; ++i)
+                threads.emplace_back([&, i] {
+                    AtomicFile output(file, existing);
+                    EXPECT_TRUE(writeAll(output.device(), "xxxxxxxxxx", i + 1));
+                    for (++ready; ready < writers;) // all have found the name free
+                        std::this_thread::yield();
+                    try {
+                        output.commit();
+                        ++written;
+                        winner = i + 1;
+                    } catch (const FileExistsError&) {
+                        ++kept;
+                    } catch (const FileError& error) {
+                        ADD_FAILURE() << error.what();
+                    }
+                });
+            for (std::thread& thread : threads)
+                thread.join();
+            EXPECT_EQ(written, existing == Existing::keep ? 1 : writers);
+            EXPECT_EQ(kept, writers - written);
+            if (existing == Existing::keep) {
+                EXPECT_EQ(QFileInfo(file).size(), winner);
+            }
+        }
+    EXPECT_EQ(filesThere(), 2 * rounds);
+}
+
+} // namespace
+} // namespace lumetra
