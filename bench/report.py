@@ -59,14 +59,14 @@ def print_table(table):
 
 
 def plot(table, path):
-    """Bars of the time against that of the two rivals at 2048², shorter being better."""
+    """Bars of the time relative to the two alternatives at 2048², shorter is better."""
     table = [row for row in table if row.side == 2048]
     left, scale, step = 330, 160, 46
     height = 70 + step * len(table)
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="900" height="{height}" '
              'font-family="sans-serif" font-size="13"><rect width="100%" height="100%" '
              'fill="white"/>',
-             f'<text x="{left}" y="22">time at 2048 × 2048, as a multiple of the rival\'s '
+             f'<text x="{left}" y="22">time at 2048 × 2048, relative to '
              '(shorter is better)</text>',
              f'<rect x="{left}" y="32" width="12" height="12" fill="#4c78a8"/>'
              f'<text x="{left + 18}" y="43">a memcpy of the same bytes</text>'
@@ -79,7 +79,7 @@ def plot(table, path):
         parts.append(f'<text x="{left - 10}" y="{y + 20}" text-anchor="end">'
                      f'{html.escape(row.operation)}, {row.milliseconds:.2f} ms</text>')
         for offset, ratio, colour in ((0, row.memcpy, "#4c78a8"), (17, row.opencv, "#f58518")):
-            # A ratio beyond the edge (decoding files, against a copy) says nothing as a bar.
+            # A ratio beyond the edge (decoding files, against a copy) is useless as a bar.
             if ratio is not None and ratio < 3.2:
                 parts.append(f'<rect x="{left}" y="{y + offset}" width="{ratio * scale:.1f}" '
                              f'height="15" fill="{colour}"/><text x="{left + ratio * scale + 6:.1f}"'

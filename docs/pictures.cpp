@@ -1,4 +1,4 @@
-// Makes the pictures of the documentation out of the specimen that examples/specimen.cpp draws.
+// Draws the figures of the documentation from the specimen that examples/specimen.cpp draws.
 
 #include <algorithm>
 #include <array>
@@ -11,12 +11,11 @@
 
 #include <opencv2/core.hpp>
 
-#include <lumetra>
+#include <opencv2/imgcodecs.hpp>
 
-#include "apps/common/colour_table.h"
-#include "apps/common/display_table.h"
-#include "apps/common/histogram.h"
-#include "apps/common/stack.h"
+#include <lumetra>
+#include <lumetra_render.hpp>
+
 #include "drawing.h"
 #include "program.h"
 
@@ -24,28 +23,28 @@ namespace {
 
 constexpr auto usage = R"(usage: pictures SPECIMENDIR OUTDIR
 
-Makes the pictures of the documentation out of the channels in SPECIMENDIR.
+Draws the figures of the documentation from the channels in SPECIMENDIR.
 )";
 
 constexpr int side = 256, gap = 12;
 
 int placeOf(int column) { return gap + column * (side + gap); }
 
-/// A chart of the pictures side by side, with room for something below them.
-QImage chartOf(const std::vector<LabelledPicture>& pictures, int room = 0) {
-    const int count = static_cast<int>(pictures.size());
+/// A chart of images side by side, with room for something below them.
+QImage chartOf(const std::vector<LabelledImage>& images, int room = 0) {
+    const int count = static_cast<int>(images.size());
     QImage chart = emptyChart(placeOf(count), gap + side + label + room + gap);
     QPainter painter(&chart);
     for (int i = 0; i < count; ++i)
-        drawPicture(painter, {placeOf(i), gap}, side, pictures[static_cast<size_t>(i)]);
+        drawImage(painter, {placeOf(i), gap}, side, images[static_cast<size_t>(i)]);
     return chart;
 }
 
 cv::Mat dyed(cv::Mat gray, const QString& name) {
     const FLUO_DYE_TYPE dye = Lumetra::g_mapFluo.value(name);
-    cv::Mat picture;
-    Lumetra::Dye(gray, picture, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
-    return picture;
+    cv::Mat image;
+    Lumetra::Dye(gray, image, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
+    return image;
 }
 
 cv::Mat composite(cv::Mat first, cv::Mat second, QPoint offset) {
@@ -56,11 +55,11 @@ cv::Mat composite(cv::Mat first, cv::Mat second, QPoint offset) {
 
 QImage dyeing(const cv::Mat& gray) {
     return chartOf({{"The channel", "8 bits, gray", gray},
-                    {"Dyed", "as FITC (29, 255, 0)", dyed(gray, "FITC")},
-                    {"Dyed", "as Cy3", dyed(gray, "Cy3")}});
+                    {"Tinted", "as FITC (29, 255, 0)", dyed(gray, "FITC")},
+                    {"Tinted", "as Cy3", dyed(gray, "Cy3")}});
 }
 
-/// Two channels between whose exposures the camera moved.
+/// Two channels between whose exposures the stage moved.
 QImage compositing(const cv::Mat& nuclei, const cv::Mat& filaments) {
     const QPoint moved(14, -9);
     constexpr int margin = 16;
@@ -68,15 +67,15 @@ QImage compositing(const cv::Mat& nuclei, const cv::Mat& filaments) {
     cv::Mat const blue = dyed(nuclei(field), "DAPI");
     cv::Mat const green = dyed(filaments(field - cv::Point(moved.x(), moved.y())), "FITC");
     return chartOf(
-        {{"Two channels", "dyed and added: the camera has moved", composite(blue, green, {})},
-         {"The same", "the second one moved by (14, -9)", composite(blue, green, moved)}});
+        {{"Two channels", "tinted and added: the stage has moved", composite(blue, green, {})},
+         {"The same", "the second one shifted by (14, -9)", composite(blue, green, moved)}});
 }
 
-/// How many samples have each value, as bars, and the levels that a stretch would use.
+/// The histogram as bars, and the levels that a stretch would use.
 void drawHistogram(QPainter& painter, const QRectF& box, const cv::Mat& gray) {
     std::array<int, 256> counts{};
-    for (const uchar sample : cv::Mat_<uchar>(gray))
-        ++counts[sample];
+    for (const uchar value : cv::Mat_<uchar>(gray))
+        ++counts[value];
     const double highest = *std::max_element(counts.begin(), counts.end());
     painter.fillRect(box, paper.lighter(150));
     for (int value = 0; value < 256; ++value) {
@@ -96,7 +95,7 @@ void drawHistogram(QPainter& painter, const QRectF& box, const cv::Mat& gray) {
 QImage levels(const cv::Mat& gray) {
     constexpr int height = 80;
     cv::Mat dim, stretched;
-    gray.convertTo(dim, CV_8U, 0.25, 30); // as too short an exposure gives it
+    gray.convertTo(dim, CV_8U, 0.25, 30); // like an underexposed image
     stretched = dim.clone();
     //! [levels]
     unsigned short black = 0, white = 0;
@@ -105,7 +104,7 @@ QImage levels(const cv::Mat& gray) {
     //! [levels]
 
     QImage chart = chartOf(
-        {{"Before", "a dim exposure", dim}, {"After", "stretched between its levels", stretched}},
+        {{"Before", "a dim exposure", dim}, {"After", "stretched between the levels", stretched}},
         height + 20);
     QPainter painter(&chart);
     const int top = gap + side + label + 4;
@@ -114,43 +113,39 @@ QImage levels(const cv::Mat& gray) {
     return chart;
 }
 
-/// Gray of 16 bits for the eye.
-cv::Mat toEightBits(const cv::Mat& gray) {
-    apps::Histogram histogram;
-    histogram.add(gray);
-    apps::DisplayTable table;
-    table.set(histogram.bits(), histogram.range(), 1);
-    cv::Mat eightBits;
-    table.apply(gray, eightBits);
-    return eightBits;
+/// A 16-bit channel as 8 bits for display.
+cv::Mat toDisplay8(const cv::Mat& gray) {
+    return lumetra::stretched(gray, {lumetra::LevelPolicy::Method::clip, 0, {}}, 1);
 }
 
 cv::Mat readGray(const std::string& file) {
-    return apps::Stack(QString::fromStdString(file)).grayPage(1);
+    return cv::imread(file, cv::IMREAD_ANYDEPTH | cv::IMREAD_GRAYSCALE);
 }
 
 QImage pseudoColour(cv::Mat gray) {
     constexpr int ribbon = 20;
-    const auto table = apps::evenColours();
+    QVector<QColor> lut;
+    for (const auto [red, green, blue] : lumetra::oklabColormap())
+        lut << QColor(red, green, blue);
     //! [pseudo-colour]
-    cv::Mat picture;
-    Lumetra::Pseudo(gray, picture, table); // QVector<QColor>, 255 or 256 of them
+    cv::Mat image;
+    Lumetra::Pseudo(gray, image, lut); // a QVector of 255 or 256 QColors
     //! [pseudo-colour]
 
-    QImage chart = chartOf({{"The channel", "16 bits, gray", toEightBits(gray)},
-                            {"Pseudo-colour", "each value a colour of the table below", picture}},
+    QImage chart = chartOf({{"The channel", "16 bits, gray", toDisplay8(gray)},
+                            {"Pseudo-colour", "with the LUT below", image}},
                            ribbon + 20);
     QPainter painter(&chart);
     const double top = gap + side + label + 4, width = placeOf(2) - gap - gap;
-    const double slot = width / table.size();
-    for (int i = 0; i < table.size(); ++i)
-        painter.fillRect(QRectF(gap + i * slot, top, slot + 1, ribbon), table[i]);
+    const double slot = width / lut.size();
+    for (int i = 0; i < lut.size(); ++i)
+        painter.fillRect(QRectF(gap + i * slot, top, slot + 1, ribbon), lut[i]);
     write(painter, {gap, top + ribbon + 3, width, 14},
-          "the table: the darkest value of the picture left, the brightest right", 10, paleInk);
+          "LUT, from the smallest pixel value (left) to the largest (right)", 10, paleInk);
     return chart;
 }
 
-/// A frame as a camera of 12 bits gives it, dyed as it is and by way of 8 bits.
+/// A frame of a 12-bit camera, tinted unscaled and after conversion to 8 bits.
 QImage camera(const cv::Mat& gray) {
     const FLUO_DYE_TYPE dye = Lumetra::g_mapFluo.value("Cy3");
     cv::Mat frame, dark;
@@ -158,16 +153,16 @@ QImage camera(const cv::Mat& gray) {
     Lumetra::Dye(frame, dark, dye.nColorR, dye.nColorG, dye.nColorB, true, false);
     //! [camera]
     double black = 0, white = 0;
-    cv::minMaxLoc(frame, &black, &white); // or one pair for all frames: 0 and 4095 for 12 bits
+    cv::minMaxLoc(frame, &black, &white); // or fixed limits for all frames: 0 and 4095 for 12 bits
     const double scale = 255 / std::max(white - black, 1.0);
-    cv::Mat eightBits, picture;
-    frame.convertTo(eightBits, CV_8U, scale, -black * scale);
-    Lumetra::Dye(eightBits, picture, dye.nColorR, dye.nColorG, dye.nColorB, false, false);
+    cv::Mat display8, image;
+    frame.convertTo(display8, CV_8U, scale, -black * scale);
+    Lumetra::Dye(display8, image, dye.nColorR, dye.nColorG, dye.nColorB, false, false);
     //! [camera]
     cv::Mat shown;
-    dark.convertTo(shown, CV_8U, 1.0 / 256); // what a screen shows of 16 bits
-    return chartOf({{"Dyed as it is", "12 bits in 16, on a screen", shown},
-                    {"By way of 8 bits", "over its own range", picture}});
+    dark.convertTo(shown, CV_8U, 1.0 / 256); // what a screen displays of 16 bits
+    return chartOf({{"Tinted unscaled", "12 of 16 bits in use, on a screen", shown},
+                    {"Converted to 8 bits", "over its own range", image}});
 }
 
 } // namespace
@@ -177,7 +172,7 @@ int main(int argc, char** argv) {
     const QGuiApplication application(argc, argv);
     return runProgram(usage, [&] {
         if (argc != 3)
-            throw BadUsage{};
+            throw UsageError{};
         std::string const specimen = argv[1], out = argv[2];
         Lumetra::InitFluoDyeType();
         cv::Mat const nuclei = readGray(specimen + "/nuclei.png");
@@ -189,10 +184,10 @@ int main(int argc, char** argv) {
         saveChart(pseudoColour(mitochondria), out + "/pseudo_colour.png");
         saveChart(camera(mitochondria), out + "/camera.png");
         cv::Mat const blue = dyed(nuclei, "DAPI"), green = dyed(filaments, "FITC");
-        saveChart(
-            chartOf({{"Channel", "as the camera gives it", nuclei},
-                     {"Dyed", "as DAPI", blue},
-                     {"Composite", "with another, dyed as FITC", composite(blue, green, {})}}),
-            out + "/road.png");
+        saveChart(chartOf({{"Channel", "from the camera", nuclei},
+                           {"Tinted", "as DAPI", blue},
+                           {"Composite", "with a second one, tinted as FITC",
+                            composite(blue, green, {})}}),
+                  out + "/road.png");
     });
 }

@@ -1,4 +1,4 @@
-// Keeps a dye of one's own in a file.
+// Saves a custom dye to a file and loads it again.
 
 #include <lumetra>
 
@@ -18,7 +18,7 @@ void keepDyes(const QString& file) {
     Lumetra::LoadCustomDyeType(loaded, file);
     //! [custom dyes]
     if (loaded != ours)
-        throw Failure("cannot keep custom dyes in " + file.toStdString());
+        throw Error("cannot store custom dyes in " + file.toStdString());
 }
 
 } // namespace
@@ -26,7 +26,7 @@ void keepDyes(const QString& file) {
 int main(int argc, char** argv) {
     return runProgram(usage, [&] {
         if (argc != 2)
-            throw BadUsage{};
+            throw UsageError{};
         keepDyes(argv[1]);
     });
 }

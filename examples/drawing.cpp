@@ -9,19 +9,19 @@
 
 namespace {
 
-QImage toImage(const cv::Mat& picture) {
-    cv::Mat eightBits;
-    picture.convertTo(eightBits, CV_8U, picture.depth() == CV_16U ? 1 / 256.0 : 1);
+QImage toImage(const cv::Mat& image) {
+    cv::Mat display8;
+    image.convertTo(display8, CV_8U, image.depth() == CV_16U ? 1 / 256.0 : 1);
     const auto format =
-        eightBits.channels() == 1 ? QImage::Format_Grayscale8 : QImage::Format_BGR888;
-    // The image only borrows the pixels, hence the copy.
-    return QImage(eightBits.data, eightBits.cols, eightBits.rows,
-                  static_cast<int>(eightBits.step[0]), format)
+        display8.channels() == 1 ? QImage::Format_Grayscale8 : QImage::Format_BGR888;
+    // The QImage does not own the pixels, hence the copy.
+    return QImage(display8.data, display8.cols, display8.rows, static_cast<int>(display8.step[0]),
+                  format)
         .copy();
 }
 
-/// Rounds to 32 levels of each colour, which halves the size of the file; in small pictures of a
-/// noisy specimen nobody sees the difference.
+/// Rounds to 32 levels of each colour, which halves the size of the file; in small images of a
+/// noisy specimen the difference is not visible.
 void roundLevels(QImage& image) {
     for (int y = 0; y < image.height(); ++y) {
         auto* line = image.scanLine(y);
@@ -35,7 +35,7 @@ void roundLevels(QImage& image) {
 void drawWithoutDisplay() {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Qt misses a runtime directory where nobody is logged in; pictures need none.
+    // Qt warns about a missing runtime directory where nobody is logged in; drawing needs none.
     QLoggingCategory::setFilterRules("default.warning=false");
 }
 
@@ -47,7 +47,7 @@ QImage emptyChart(int width, int height) {
 
 void write(QPainter& painter, const QRectF& box, const QString& text, int height,
            const QColor& colour, bool bold) {
-    constexpr int narrowest = 60; // percent, still readable
+    constexpr int narrowest = 60; // percent; still readable
     QFont font("DejaVu Sans");
     font.setPixelSize(height);
     font.setBold(bold);
@@ -63,9 +63,9 @@ void write(QPainter& painter, const QRectF& box, const QString& text, int height
                      QFontMetricsF(font).elidedText(text, Qt::ElideRight, box.width()));
 }
 
-void drawPicture(QPainter& painter, QPoint corner, int side, const LabelledPicture& shown) {
-    // Scaled before it is drawn: the painter alone would skip pixels.
-    QImage image = toImage(shown.picture)
+void drawImage(QPainter& painter, QPoint corner, int side, const LabelledImage& shown) {
+    // Scaled before it is drawn, since the painter would skip pixels.
+    QImage image = toImage(shown.image)
                        .scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
                        .convertToFormat(QImage::Format_RGB888);
     roundLevels(image);
@@ -77,7 +77,8 @@ void drawPicture(QPainter& painter, QPoint corner, int side, const LabelledPictu
 }
 
 void saveChart(const QImage& chart, const std::string& file) {
-    constexpr int smallest = 0; // for PNG the quality is the size of the file, the pixels stay
+    constexpr int smallest =
+        0; // for PNG, quality 0 gives the smallest file; the pixels are the same
     if (!chart.save(QString::fromStdString(file), nullptr, smallest))
-        throw Failure("cannot write a picture to " + file);
+        throw Error("cannot write an image to " + file);
 }

@@ -1,5 +1,5 @@
 // Draws the dyes of the colour slider in their order and in their display colours, so that a fault
-// in the catalogue shows at a glance: a gap in the wheel, a point off the curve, a missing swatch.
+// in the catalogue is visible at once: a gap in the wheel, a point off the curve, a missing swatch.
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr auto usage = R"(usage: dye_wheel OUTPUT
 
-Draws the dyes of the catalogue's colour slider to the picture file OUTPUT.
+Draws the dyes of the catalogue's colour slider to the image file OUTPUT.
 )";
 
 constexpr int columns = 4, columnWidth = 219, rowHeight = 29, margin = 12, header = 232;
@@ -123,7 +123,7 @@ int main(int argc, char** argv) {
     const QGuiApplication application(argc, argv);
     return runProgram(usage, [&] {
         if (argc != 2)
-            throw BadUsage{};
+            throw UsageError{};
         Lumetra::InitFluoDyeType();
         saveChart(drawChart(), argv[1]);
         std::cout << argv[1] << ": the " << dyeCount() << " dyes of the colour slider\n";

@@ -25,19 +25,19 @@ void drawCatalogue(QPainter& painter, QPoint corner, double width) {
 
 } // namespace
 
-QImage overview(const std::vector<LabelledPicture>& pictures) {
-    const int columns = static_cast<int>(pictures.size()) / 2;
+QImage overview(const std::vector<LabelledImage>& images) {
+    const int columns = static_cast<int>(images.size()) / 2;
     const int width = large + columns * (gap + tile);
     QImage chart = emptyChart(width + 2 * gap, large + label + ribbon + 22 + 2 * gap);
     QPainter painter(&chart);
 
-    drawPicture(painter, {gap, gap}, large, pictures.front());
-    for (int i = 1; i < static_cast<int>(pictures.size()); ++i) {
+    drawImage(painter, {gap, gap}, large, images.front());
+    for (int i = 1; i < static_cast<int>(images.size()); ++i) {
         const QPoint cell((i - 1) % columns, (i - 1) / columns);
-        drawPicture(painter,
-                    QPoint(gap + large + gap, gap) +
-                        QPoint(cell.x() * (tile + gap), cell.y() * (tile + label + gap)),
-                    tile, pictures[static_cast<size_t>(i)]);
+        drawImage(painter,
+                  QPoint(gap + large + gap, gap) +
+                      QPoint(cell.x() * (tile + gap), cell.y() * (tile + label + gap)),
+                  tile, images[static_cast<size_t>(i)]);
     }
     drawCatalogue(painter, {gap, gap + large + label + 4}, width);
     return chart;

@@ -1,5 +1,5 @@
 /// @file
-/// All pictures of the demo in one.
+/// All images of the demo in one.
 
 #ifndef LUMETRA_EXAMPLES_OVERVIEW_H
 #define LUMETRA_EXAMPLES_OVERVIEW_H
@@ -8,7 +8,7 @@
 
 #include "drawing.h"
 
-/// The first picture large, the others in two rows beside it, the colours of the catalogue below.
-QImage overview(const std::vector<LabelledPicture>& pictures);
+/// The first image large, the others in two rows beside it, the colours of the catalogue below.
+QImage overview(const std::vector<LabelledImage>& images);
 
 #endif

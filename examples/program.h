@@ -1,6 +1,6 @@
 /// @file
 /// How every example ends: with status 0, with one line on stderr and status 1, or with its usage
-/// and status 2; and how it writes pictures.
+/// and status 2; and how it writes images.
 
 #ifndef LUMETRA_EXAMPLES_PROGRAM_H
 #define LUMETRA_EXAMPLES_PROGRAM_H
@@ -15,29 +15,29 @@
 #include <opencv2/core/utils/logger.hpp>
 #include <opencv2/imgcodecs.hpp>
 
-/// Why a program cannot go on, in one line for its user.
-struct Failure : std::runtime_error {
+/// Why a program cannot go on, in one line for the user.
+struct Error : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// The arguments make no sense; the usage text says what would.
-struct BadUsage : std::exception {};
+/// The arguments are invalid; the usage text explains the valid ones.
+struct UsageError : std::exception {};
 
-/// Writes a picture in the format that the file's extension asks for.
-inline void writePicture(const std::string& file, const cv::Mat& picture) {
-    if (!cv::haveImageWriter(file) || !cv::imwrite(file, picture))
-        throw Failure("cannot write a picture to " + file);
+/// Writes an image in the format that the file's extension asks for.
+inline void writeImage(const std::string& file, const cv::Mat& image) {
+    if (!cv::haveImageWriter(file) || !cv::imwrite(file, image))
+        throw Error("cannot write an image to " + file);
 }
 
 /// Runs `program` and turns how it ends into an exit status.
 template<typename Program>
 int runProgram(const char* usage, const Program& program) {
-    // An error is told once, by us; OpenCV's own log would only repeat it at length.
+    // Errors are reported once, below; OpenCV's own log would repeat them.
     cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
     try {
         program();
         return EXIT_SUCCESS;
-    } catch (const BadUsage&) {
+    } catch (const UsageError&) {
         std::cerr << usage;
         return 2;
     } catch (const cv::Exception& error) {

@@ -1,5 +1,5 @@
-// Draws a specimen that nobody had to stain: cultured cells under a three-channel fluorescence
-// microscope. The same seed and size give the same pictures everywhere.
+// Draws a simulated specimen: cultured cells under a three-channel fluorescence microscope. The
+// same seed and size give the same images everywhere.
 
 #include <algorithm>
 #include <array>
@@ -26,17 +26,17 @@ Draws a field of N x N pixels (64 to 2048, by default 512) of cultured cells and
 channels, nuclei, filaments and mitochondria, to OUTDIR: as 8-bit .png and as 16-bit .tif.
 
 With --plate it draws N fields (1 to 1000) of each of the 20 wells B02 to E06 instead, by default of
-256 x 256 pixels, and writes them as 16-bit .tif alone: B02_s1_nuclei.tif. From the first field to
-the last one the dyes bleach, and the channels drift apart by a pixel or two.
+256 x 256 pixels, and writes them as 16-bit .tif only: B02_s1_nuclei.tif. From the first field to the
+last the dyes bleach, and the channels drift apart by one or two pixels.
 )";
 
-/// A dye in the microscope, and what has become of it when the last field of a plate is seen.
+/// A dye under the microscope, and how it has changed by the last field of a plate.
 struct Channel {
     const char* name;
     Light (*draw)(const std::vector<Cell>&, int, Random&);
     double sigma, exposure;
-    double bleached; ///< The share of the dye that glows no more.
-    cv::Point drift; ///< How far the camera has moved, in pixels.
+    double bleached; ///< The share of the dye that has bleached.
+    cv::Point drift; ///< How far the stage has moved, in pixels.
 };
 
 const std::array<Channel, 3> channels{{
@@ -48,17 +48,9 @@ const std::array<Channel, 3> channels{{
 struct Field {
     unsigned seed;
     int size;
-    int margin;  ///< What is drawn around the field, for channels that drift.
+    int margin;  ///< Pixels drawn around the field, for channels that drift.
     double time; ///< From 0, the first field of a plate, to 1, its last one.
 };
-
-/// What the lens makes of the light: the point-spread function is sharp, with a wide faint skirt
-/// from the planes out of focus.
-Light throughLens(const Light& light, double sigma) {
-    Light image;
-    cv::addWeighted(blurred(light, sigma), 0.78, blurred(light, 7 * sigma), 0.22, 0, image);
-    return image;
-}
 
 /// What the camera counts: photons of background and specimen, whose dye cannot glow brighter than
 /// it saturates, with their shot noise.
@@ -73,20 +65,20 @@ cv::Mat_<ushort> exposed(const Light& image, double exposure, Random& random) {
     return counts;
 }
 
-/// The same picture as a camera of 8 bits would have taken it.
-cv::Mat eightBits(const cv::Mat& counts) {
+/// The same image as an 8-bit camera would have recorded it.
+cv::Mat display8(const cv::Mat& counts) {
     constexpr double black = 120, white = 4400;
-    cv::Mat picture;
-    counts.convertTo(picture, CV_8U, 255 / (white - black), -black * 255 / (white - black));
-    return picture;
+    cv::Mat image;
+    counts.convertTo(image, CV_8U, 255 / (white - black), -black * 255 / (white - black));
+    return image;
 }
 
 int numberAfter(const std::string& option, const char* text, int low, int high) {
     bool isNumber = false;
     const int value = QString(text).toInt(&isNumber);
     if (!isNumber || value < low || value > high)
-        throw Failure(option + " takes a number from " + std::to_string(low) + " to " +
-                      std::to_string(high));
+        throw Error(option + " takes a number from " + std::to_string(low) + " to " +
+                    std::to_string(high));
     return value;
 }
 
@@ -106,14 +98,14 @@ void photograph(const Field& field, const Take& take) {
     }
 }
 
-void save(const std::filesystem::path& file, const cv::Mat& picture) {
-    writePicture(file.string(), picture);
+void save(const std::filesystem::path& file, const cv::Mat& image) {
+    writeImage(file.string(), image);
     std::cout << file.string() << '\n';
 }
 
 void drawSpecimen(const std::filesystem::path& directory, unsigned seed, int size) {
     photograph({seed, size, 0, 0}, [&](const std::string& name, const cv::Mat& counts) {
-        save(directory / (name + ".png"), eightBits(counts));
+        save(directory / (name + ".png"), display8(counts));
         save(directory / (name + ".tif"), counts);
     });
 }
@@ -129,7 +121,7 @@ std::vector<std::string> plateOf(int sites) {
 }
 
 void drawPlate(const std::filesystem::path& directory, unsigned seed, int size, int sites) {
-    constexpr unsigned seedsApart = 100003; // so that plates of seeds in a row share no field
+    constexpr unsigned seedsApart = 100003; // so that plates of consecutive seeds share no field
     constexpr int margin = 2;
     const auto names = plateOf(sites);
     for (size_t i = 0; i < names.size(); ++i) {
@@ -145,7 +137,7 @@ void makeDirectory(const std::filesystem::path& directory) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (error)
-        throw Failure("cannot make the directory " + directory.string());
+        throw Error("cannot make the directory " + directory.string());
 }
 
 } // namespace
@@ -153,7 +145,7 @@ void makeDirectory(const std::filesystem::path& directory) {
 int main(int argc, char** argv) {
     return runProgram(usage, [&] {
         if (argc < 2 || argc % 2 != 0 || argc > 8 || argv[1][0] == '-')
-            throw BadUsage{};
+            throw UsageError{};
         int seed = 1, size = 0, sites = 0;
         for (int i = 2; i < argc; i += 2) {
             std::string const option = argv[i];
@@ -164,7 +156,7 @@ int main(int argc, char** argv) {
             else if (option == "--plate")
                 sites = numberAfter(option, argv[i + 1], 1, 1000);
             else
-                throw BadUsage{};
+                throw UsageError{};
         }
         makeDirectory(argv[1]);
         if (sites > 0)

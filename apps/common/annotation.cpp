@@ -1,6 +1,7 @@
 #include "apps/common/annotation.h"
 
-#include "apps/common/failure.h"
+#include "apps/common/error.h"
+#include "apps/common/text.h"
 
 #include <opencv2/core.hpp>
 
@@ -12,7 +13,7 @@
 #include <cmath>
 #include <type_traits>
 
-namespace apps {
+namespace lumetra {
 namespace {
 
 constexpr int smallestLetter = 10, largestLetter = 200; // pixels
@@ -22,8 +23,8 @@ struct Line {
     QColor colour;
 };
 
-int letterHeight(const cv::Mat& picture) {
-    return std::clamp(std::min(picture.rows, picture.cols) / 32, smallestLetter, largestLetter);
+int letterHeight(const cv::Mat& image) {
+    return std::clamp(std::min(image.rows, image.cols) / 32, smallestLetter, largestLetter);
 }
 
 QFont letters(int height) {
@@ -32,54 +33,50 @@ QFont letters(int height) {
     return font;
 }
 
-/// Lays a drawing with transparency over the part of the picture whose corner is given.
-template<class Sample>
-void lay(const QImage& drawing, QPoint corner, cv::Mat& picture) {
-    constexpr int full = std::is_same_v<Sample, unsigned char> ? 1 : 257;
-    const int samplesOfPixel = picture.channels();
+/// Lays a drawing with transparency over the part of the image whose corner is given.
+template<class Component>
+void lay(const QImage& drawing, QPoint corner, cv::Mat& image) {
+    constexpr int full = std::is_same_v<Component, unsigned char> ? 1 : 257;
+    const int components = image.channels();
     for (int y = 0; y < drawing.height(); ++y) {
         const int row = corner.y() + y;
-        if (row < 0 || row >= picture.rows)
+        if (row < 0 || row >= image.rows)
             continue;
         const auto* line = reinterpret_cast<const QRgb*>(drawing.constScanLine(y));
-        auto* pixels = picture.ptr<Sample>(row);
+        auto* pixels = image.ptr<Component>(row);
         for (int x = 0; x < drawing.width(); ++x) {
             const int column = corner.x() + x;
-            if (column < 0 || column >= picture.cols)
+            if (column < 0 || column >= image.cols)
                 continue;
             const QRgb drawn = line[x]; // premultiplied
             const int rest = 255 - qAlpha(drawn);
-            const int samples[] = {qBlue(drawn), qGreen(drawn), qRed(drawn)};
+            const int added[] = {qBlue(drawn), qGreen(drawn), qRed(drawn)};
             for (int c = 0; c < 3; ++c) {
-                auto& pixel = pixels[samplesOfPixel * column + c];
-                pixel = static_cast<Sample>((pixel * rest + 127) / 255 + samples[c] * full);
+                auto& pixel = pixels[components * column + c];
+                pixel = static_cast<Component>((pixel * rest + 127) / 255 + added[c] * full);
             }
         }
     }
 }
 
-void layOver(const QImage& drawing, QPoint corner, cv::Mat& picture) {
-    if (picture.depth() == CV_8U)
-        lay<unsigned char>(drawing, corner, picture);
+void layOver(const QImage& drawing, QPoint corner, cv::Mat& image) {
+    if (image.depth() == CV_8U)
+        lay<unsigned char>(drawing, corner, image);
     else
-        lay<unsigned short>(drawing, corner, picture);
+        lay<unsigned short>(drawing, corner, image);
 }
 
-/// Transparent paper; a shade makes letters of any colour readable on any picture.
+/// Transparent paper; a shade makes letters of any colour readable on any image.
 QImage paper(QSize size) {
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull())
-        throw Failure(QStringLiteral("there is not enough memory to draw the legend"));
-    image.fill(QColor(0, 0, 0, 110));
-    return image;
+    QImage canvas(size, QImage::Format_ARGB32_Premultiplied);
+    if (canvas.isNull())
+        throw Error(QStringLiteral("there is not enough memory to draw the legend"));
+    canvas.fill(QColor(0, 0, 0, 110));
+    return canvas;
 }
 
-QString label(const Channel& channel) {
-    return channel.dye.isEmpty() ? channel.colour.name() : shown(channel.dye);
-}
-
-void drawLegend(cv::Mat& picture, const std::vector<Channel>& channels) {
-    const int height = letterHeight(picture);
+void drawLegend(cv::Mat& image, const std::vector<Channel>& channels) {
+    const int height = letterHeight(image);
     const QFont font = letters(height);
     const QFontMetrics metrics(font);
     std::vector<Line> lines;
@@ -87,15 +84,15 @@ void drawLegend(cv::Mat& picture, const std::vector<Channel>& channels) {
     for (const Channel& channel : channels) {
         if (!channel.visible)
             continue;
-        lines.push_back({label(channel), channel.colour});
+        lines.push_back({channelLabel(channel), toQt(channel.colour)});
         width = std::max(width, metrics.horizontalAdvance(lines.back().text));
     }
     if (lines.empty())
         return;
     const int step = metrics.height();
     const int margin = height / 2;
-    QImage drawing = paper({std::min(width + 2 * margin, picture.cols),
-                            static_cast<int>(lines.size()) * step + margin});
+    QImage drawing = paper(
+        {std::min(width + 2 * margin, image.cols), static_cast<int>(lines.size()) * step + margin});
     QPainter painter(&drawing);
     painter.setFont(font);
     int baseline = margin / 2 + metrics.ascent();
@@ -105,21 +102,21 @@ void drawLegend(cv::Mat& picture, const std::vector<Channel>& channels) {
         baseline += step;
     }
     painter.end();
-    layOver(drawing, {0, 0}, picture);
+    layOver(drawing, {0, 0}, image);
 }
 
 QString barText(double micrometres) { return QStringLiteral("%1 µm").arg(micrometres); }
 
-void drawScaleBar(cv::Mat& picture, const ScaleBar& bar) {
-    const int height = letterHeight(picture);
+void drawScaleBar(cv::Mat& image, const ScaleBar& bar) {
+    const int height = letterHeight(image);
     const int margin = height / 2;
     const double pixels = bar.micrometres / bar.pixelSize;
-    if (!(pixels >= 1 && pixels <= picture.cols - 2.0 * margin))
-        throw Failure(QStringLiteral("a scale bar of %1 would be %2 pixels long in a picture %3 "
-                                     "pixels wide")
-                          .arg(barText(bar.micrometres))
-                          .arg(pixels, 0, 'f', 0)
-                          .arg(picture.cols));
+    if (!(pixels >= 1 && pixels <= image.cols - 2.0 * margin))
+        throw Error(QStringLiteral("a scale bar of %1 would be %2 pixels long in an image %3 "
+                                   "pixels wide")
+                        .arg(barText(bar.micrometres))
+                        .arg(pixels, 0, 'f', 0)
+                        .arg(image.cols));
     const int length = static_cast<int>(std::lround(pixels));
     const int thickness = std::max(2, height / 5);
     const QFont font = letters(height);
@@ -127,7 +124,7 @@ void drawScaleBar(cv::Mat& picture, const ScaleBar& bar) {
     const QString text = barText(bar.micrometres);
     const int width = std::max(length, metrics.horizontalAdvance(text)) + 2 * margin;
     QImage drawing =
-        paper({std::min(width, picture.cols), metrics.height() + thickness + 2 * margin});
+        paper({std::min(width, image.cols), metrics.height() + thickness + 2 * margin});
     QPainter painter(&drawing);
     painter.setFont(font);
     painter.setPen(Qt::white);
@@ -136,23 +133,23 @@ void drawScaleBar(cv::Mat& picture, const ScaleBar& bar) {
     painter.fillRect((drawing.width() - length) / 2, margin + metrics.height(), length, thickness,
                      Qt::white);
     painter.end();
-    layOver(drawing, {picture.cols - drawing.width(), picture.rows - drawing.height()}, picture);
+    layOver(drawing, {image.cols - drawing.width(), image.rows - drawing.height()}, image);
 }
 
 } // namespace
 
-void drawWithoutDisplay() {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+QString channelLabel(const Channel& channel) {
+    return escaped(toQt(channel.dye.empty() ? toHex(channel.colour) : channel.dye));
 }
 
-void annotate(cv::Mat& picture, const std::vector<Channel>& channels,
-              const Annotation& annotation) {
-    CV_Assert(picture.channels() >= 3 && (picture.depth() == CV_8U || picture.depth() == CV_16U));
+void drawWithoutDisplay() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
+
+void annotate(cv::Mat& image, const std::vector<Channel>& channels, const Annotation& annotation) {
+    CV_Assert(image.channels() >= 3 && (image.depth() == CV_8U || image.depth() == CV_16U));
     if (annotation.legend)
-        drawLegend(picture, channels);
+        drawLegend(image, channels);
     if (annotation.scaleBar)
-        drawScaleBar(picture, *annotation.scaleBar);
+        drawScaleBar(image, *annotation.scaleBar);
 }
 
-} // namespace apps
+} // namespace lumetra

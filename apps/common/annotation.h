@@ -1,14 +1,19 @@
-// Words and measures drawn onto finished pictures.
+// Text and scale bars drawn onto finished images.
 #pragma once
 
-#include "apps/common/channel.h"
+#include "render/channel.h"
 
 #include <opencv2/core/mat.hpp>
+
+#include <QString>
 
 #include <optional>
 #include <vector>
 
-namespace apps {
+namespace lumetra {
+
+/// What a channel is called where there is little room: its dye, or its colour as `#rrggbb`.
+QString channelLabel(const Channel& channel);
 
 /// A bar of so many micrometres.
 struct ScaleBar {
@@ -16,7 +21,7 @@ struct ScaleBar {
     double pixelSize = 0;   ///< Micrometres a pixel, above 0.
 };
 
-/// What is drawn onto a picture.
+/// What is drawn onto an image.
 struct Annotation {
     bool legend = false; ///< The names of the dyes of visible channels, in their colours.
     std::optional<ScaleBar> scaleBar;
@@ -24,13 +29,13 @@ struct Annotation {
     bool isEmpty() const { return !legend && !scaleBar; }
 };
 
-/// Makes it possible to draw text in a program without a window; the environment may choose another
-/// of Qt's platforms. To be called before the QGuiApplication is made that text needs.
+/// Makes it possible to draw text in a program without a window, whatever platform of Qt's the
+/// environment names. To be called before the QGuiApplication is made that text needs.
 void drawWithoutDisplay();
 
-/// Draws onto a picture of three channels of 8 or 16 bits, or of four for the screen. Needs a
+/// Draws onto an image of three channels of 8 or 16 bits, or of four for the screen. Needs a
 /// QGuiApplication.
-/// @throws Failure if the bar is wider than the picture or narrower than a pixel.
-void annotate(cv::Mat& picture, const std::vector<Channel>& channels, const Annotation& annotation);
+/// @throws Error if the bar is wider than the image or narrower than a pixel.
+void annotate(cv::Mat& image, const std::vector<Channel>& channels, const Annotation& annotation);
 
-} // namespace apps
+} // namespace lumetra

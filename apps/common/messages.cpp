@@ -1,52 +1,53 @@
 #include "apps/common/messages.h"
 
+#include "apps/common/error.h"
+
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
 
 #include <QByteArray>
-#include <QLoggingCategory>
+#include <QtGlobal>
 
-#include <atomic>
-#include <cerrno>
-
-#include <fcntl.h>
-#include <tiffio.h>
+#include <cstdio>
+#ifdef Q_OS_WIN
+#include <io.h>
+#else
 #include <unistd.h>
+#endif
 
-namespace apps {
+namespace lumetra {
 namespace {
 
-std::atomic<int> userOutput{STDERR_FILENO};
+/// What Qt says before it ends the program, and nothing else.
+void printFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    if (type == QtFatalMsg)
+        printError(message);
+}
 
 } // namespace
 
 void silenceLibraries() {
     cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
     cv::redirectError([](int, const char*, const char*, const char*, int, void*) { return 0; });
-    TIFFSetErrorHandler(nullptr);
-    TIFFSetWarningHandler(nullptr);
-    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\ndefault.warning=false"));
-
-    const int kept = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (kept >= 0 && nowhere >= 0 && dup2(nowhere, STDERR_FILENO) == STDERR_FILENO)
-        userOutput = kept;
-    if (nowhere >= 0)
-        close(nowhere);
+    qInstallMessageHandler(printFatal);
 }
 
-bool isToldToTerminal() { return isatty(userOutput) == 1; }
+bool printsToTerminal() {
+#ifdef Q_OS_WIN
+    return _isatty(_fileno(stderr)) != 0;
+#else
+    return isatty(STDERR_FILENO) == 1;
+#endif
+}
 
-void tell(const QString& text) {
+void printStatus(const QString& text) {
     const QByteArray bytes = text.toUtf8();
-    const char* next = bytes.constData();
-    const char* const end = next + bytes.size();
-    while (next < end) {
-        const auto written = write(userOutput, next, static_cast<size_t>(end - next));
-        if (written < 0 && errno != EINTR)
-            return; // nobody is left to be told
-        next += written > 0 ? written : 0;
-    }
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+    std::fflush(stderr);
 }
 
-} // namespace apps
+void printError(const QString& message) {
+    printStatus(QStringLiteral("lumetra: %1\n").arg(escaped(message)));
+}
+
+} // namespace lumetra

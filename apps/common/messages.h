@@ -1,19 +1,22 @@
-// The lines that a program without a window says to its user.
+// The lines that a program without a window prints for its user.
 #pragma once
 
 #include <QString>
 
-namespace apps {
+namespace lumetra {
 
-/// Leaves the standard error output to the program. OpenCV, the libraries below it and Qt would
-/// write to it at will, partly past every handler that they offer; from now on what they write
-/// goes nowhere. To be called first of all, while there is one thread.
+/// Lets the libraries below print nothing on the standard error output, which belongs to the
+/// program, but for the reason why one of them ends it. To be called first of all.
 void silenceLibraries();
 
-/// Whether what is told appears on a terminal.
-bool isToldToTerminal();
+/// Whether messages appear on a terminal.
+bool printsToTerminal();
 
-/// Writes text to the user's standard error output, at once and whole, from any thread.
-void tell(const QString& text);
+/// Prints `lumetra: MESSAGE` as one line on the standard error output, at once and whole, from any
+/// thread. Control characters in it, which names of files may hold, become escapes.
+void printError(const QString& message);
 
-} // namespace apps
+/// Prints text as it is in the place of such a line.
+void printStatus(const QString& text);
+
+} // namespace lumetra

@@ -1,6 +1,7 @@
 #include "apps/common/settings.h"
 
-#include "apps/common/failure.h"
+#include "apps/common/error.h"
+#include "apps/common/text.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -12,17 +13,17 @@
 #include <tuple>
 #include <utility>
 
-namespace apps {
+namespace lumetra {
 namespace {
 
 QJsonObject toObject(const Channel& channel) {
-    QJsonObject object{{"dye", channel.dye},
-                       {"colour", channel.colour.name()},
-                       {"offset", QJsonArray{channel.offset.x(), channel.offset.y()}},
+    QJsonObject object{{"dye", toQt(channel.dye)},
+                       {"colour", toQt(toHex(channel.colour))},
+                       {"offset", QJsonArray{channel.offset.x, channel.offset.y}},
                        {"gamma", channel.gamma},
                        {"visible", channel.visible}};
-    if (!channel.name.isEmpty())
-        object["name"] = channel.name;
+    if (!channel.name.empty())
+        object["name"] = toQt(channel.name);
     if (channel.levels)
         object["levels"] = QJsonArray{channel.levels->low, channel.levels->high};
     return object;
@@ -34,7 +35,7 @@ struct Entry {
     QJsonValue value;
 
     [[noreturn]] void refuse(const QString& wanted) const {
-        throw Failure(QStringLiteral("%1 is not %2").arg(where, wanted));
+        throw Error(QStringLiteral("%1 is not %2").arg(where, wanted));
     }
     QString string() const {
         if (!value.isString())
@@ -59,11 +60,11 @@ struct Entry {
         return {Entry{where, array[0]}.integer(least, most),
                 Entry{where, array[1]}.integer(least, most)};
     }
-    QColor colour() const {
-        QColor parsed(string());
-        if (!parsed.isValid() || string().size() != 7)
+    Colour colour() const {
+        const auto parsed = parseHex(toUtf8(string()));
+        if (!parsed)
             refuse(QStringLiteral("a colour #rrggbb"));
-        return parsed;
+        return *parsed;
     }
     double gamma() const {
         const double number = value.toDouble(0);
@@ -71,7 +72,7 @@ struct Entry {
             refuse(QStringLiteral("a number from %1 to %2").arg(smallestGamma).arg(largestGamma));
         return number;
     }
-    LevelRange levels() const {
+    ContrastLimits levels() const {
         const auto [low, high] = twoIntegers(0, 65535);
         if (low >= high)
             refuse(QStringLiteral("a black level below a white level"));
@@ -83,13 +84,12 @@ struct Entry {
 template<class Take>
 void forEachEntry(const QJsonValue& value, const QString& where, const Take& take) {
     if (!value.isObject())
-        throw Failure(QStringLiteral("%1 is not an object").arg(where));
+        throw Error(QStringLiteral("%1 is not an object").arg(where));
     const QJsonObject object = value.toObject();
     for (auto entry = object.begin(); entry != object.end(); ++entry)
         if (!take(entry.key(),
                   Entry{QStringLiteral("\"%1\" of %2").arg(entry.key(), where), entry.value()}))
-            throw Failure(
-                QStringLiteral("%1 has an unknown key \"%2\"").arg(where, shown(entry.key())));
+            throw Error(QStringLiteral("%1 has an unknown key \"%2\"").arg(where, entry.key()));
 }
 
 Channel toChannel(const QJsonValue& value, int number, const DyeList& dyes) {
@@ -98,13 +98,13 @@ Channel toChannel(const QJsonValue& value, int number, const DyeList& dyes) {
     const QString where = QStringLiteral("channel %1").arg(number);
     forEachEntry(value, where, [&](const QString& key, const Entry& entry) {
         if (key == QLatin1String("name"))
-            channel.name = entry.string();
+            channel.name = toUtf8(entry.string());
         else if (key == QLatin1String("dye"))
-            channel.dye = entry.string();
+            channel.dye = toUtf8(entry.string());
         else if (key == QLatin1String("colour"))
             channel.colour = entry.colour(), hasColour = true;
         else if (key == QLatin1String("offset"))
-            std::tie(channel.offset.rx(), channel.offset.ry()) =
+            std::tie(channel.offset.x, channel.offset.y) =
                 entry.twoIntegers(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
         else if (key == QLatin1String("levels"))
             channel.levels = entry.levels();
@@ -116,8 +116,8 @@ Channel toChannel(const QJsonValue& value, int number, const DyeList& dyes) {
             return false;
         return true;
     });
-    if (!hasColour && channel.dye.isEmpty())
-        throw Failure(where + QStringLiteral(" has neither a dye nor a colour"));
+    if (!hasColour && channel.dye.empty())
+        throw Error(where + QStringLiteral(" has neither a dye nor a colour"));
     if (!hasColour) {
         const Dye& dye = dyes.at(channel.dye);
         channel.dye = dye.name;
@@ -162,8 +162,9 @@ Settings parseSettings(const QByteArray& json, const DyeList& dyes) {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (document.isNull())
-        throw Failure(
-            QStringLiteral("is no JSON at byte %1: %2").arg(error.offset).arg(error.errorString()));
+        throw Error(QStringLiteral("invalid JSON at byte %1: %2")
+                        .arg(error.offset)
+                        .arg(error.errorString()));
     Settings settings;
     const QJsonValue root = document.isObject() ? QJsonValue(document.object()) : QJsonValue();
     forEachEntry(root, QStringLiteral("the file"), [&](const QString& key, const Entry& entry) {
@@ -183,19 +184,19 @@ Settings parseSettings(const QByteArray& json, const DyeList& dyes) {
         return true;
     });
     if (settings.channels.empty())
-        throw Failure(QStringLiteral("has no channels"));
+        throw Error(QStringLiteral("has no channels"));
     return settings;
 }
 
 Settings readSettings(const QString& file, const DyeList& dyes) {
     QFile device(file);
     if (!device.open(QIODevice::ReadOnly))
-        throw Failure(QStringLiteral("%1: %2").arg(shown(file), device.errorString()));
+        throw Error(QStringLiteral("%1: %2").arg(file, device.errorString()));
     try {
         return parseSettings(device.readAll(), dyes);
-    } catch (const Failure& failure) {
-        throw Failure(QStringLiteral("%1: %2").arg(shown(file), failure.text()));
+    } catch (const std::runtime_error& error) {
+        throw Error(QStringLiteral("%1: %2").arg(file, toQt(error.what())));
     }
 }
 
-} // namespace apps
+} // namespace lumetra

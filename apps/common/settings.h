@@ -1,14 +1,16 @@
-// Settings of channels as a file that people keep, and that pictures can be compared by.
+// Settings of channels as a file that people keep, and that images can be compared by.
 #pragma once
 
-#include "apps/common/channel.h"
+#include "render/channel.h"
+#include "render/dyes.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <optional>
 #include <vector>
 
-namespace apps {
+namespace lumetra {
 
 /// How levels were measured.
 struct Measurement {
@@ -30,11 +32,11 @@ QByteArray settingsJson(const Settings& settings);
 
 /// Understands the text of a settings file. A dye without a colour must be one of the list; a
 /// colour that is written down counts, so that a file with custom dyes stands by itself.
-/// @throws Failure for anything that is not understood, unknown keys by name.
+/// @throws Error for anything that is not understood, unknown keys by name.
 Settings parseSettings(const QByteArray& json, const DyeList& dyes);
 
 /// Reads a settings file.
-/// @throws Failure with the file's name.
+/// @throws Error with the file's name.
 Settings readSettings(const QString& file, const DyeList& dyes);
 
-} // namespace apps
+} // namespace lumetra

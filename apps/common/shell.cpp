@@ -2,7 +2,7 @@
 
 #include <QRegularExpression>
 
-namespace apps {
+namespace lumetra {
 
 QString quotedForShell(const QString& word) {
     static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_@%+=:,./-]+$"));
@@ -20,4 +20,4 @@ QString shellLine(const QStringList& words) {
     return quoted.join(QLatin1Char(' '));
 }
 
-} // namespace apps
+} // namespace lumetra

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace apps {
+namespace lumetra {
 
 /// A word as a POSIX shell takes it for exactly this text, whatever is in it.
 QString quotedForShell(const QString& word);
@@ -12,4 +12,4 @@ QString quotedForShell(const QString& word);
 /// A line of words.
 QString shellLine(const QStringList& words);
 
-} // namespace apps
+} // namespace lumetra

@@ -1,20 +1,21 @@
 #include "apps/viewer/actions.h"
 
+#include <QCoreApplication>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 
-namespace apps {
+namespace lumetra {
 namespace {
 
 enum Kind {
     command,
-    choice,  ///< Can be switched on and off.
-    movement ///< Its keys are taken in the picture only.
+    choice, ///< Can be switched on and off.
+    shift   ///< Its keys are taken in the image only.
 };
 
 struct Row {
-    Act act;
+    ActionId id;
     const char* menu;
     const char* text;
     const char* keys;
@@ -25,80 +26,90 @@ struct Row {
 
 constexpr auto noKey = QKeySequence::UnknownKey;
 
-const Row rows[] = {
-    {Act::open, "&File", "&Open…", "", QKeySequence::Open},
-    {Act::add, "&File", "&Add Channels…", "Ctrl+Shift+O"},
-    {Act::keepSettings, "&File", "&Keep Levels from File to File", "", noKey, choice, true},
-    {Act::saveAs, "&File", "&Save Picture As…", "", QKeySequence::Save},
-    {Act::saveSettings, "&File", "Save S&ettings As…", "Ctrl+Shift+S"},
-    {Act::copyPicture, "&File", "&Copy Picture", "", QKeySequence::Copy},
-    {Act::copyCommand, "&File", "Copy as Co&mmand", "Ctrl+Shift+C", noKey, command, true},
-    {Act::ownDyes, "&File", "Own &Dyes…", "Ctrl+D", noKey, command, true},
-    {Act::closeAll, "&File", "C&lose", "", QKeySequence::Close},
-    {Act::quit, "&File", "&Quit", "Ctrl+Q"},
+constexpr auto fileMenu = QT_TRANSLATE_NOOP("Actions", "&File");
+constexpr auto acquisitionMenu = QT_TRANSLATE_NOOP("Actions", "&Acquisition");
+constexpr auto viewMenu = QT_TRANSLATE_NOOP("Actions", "&View");
+constexpr auto channelsMenu = QT_TRANSLATE_NOOP("Actions", "&Channels");
+constexpr auto contrastMenu = QT_TRANSLATE_NOOP("Actions", "Co&ntrast");
+constexpr auto helpMenu = QT_TRANSLATE_NOOP("Actions", "&Help");
 
-    {Act::camera2, "F&rames", "Camera of &2 Channels", "F2"},
-    {Act::camera3, "F&rames", "Camera of &3 Channels", "F3"},
-    {Act::camera4, "F&rames", "Camera of &4 Channels", "F4"},
-    {Act::cameraFiles, "F&rames", "Camera Films the &Open Files", "Shift+F3", noKey, command, true},
-    {Act::run, "F&rames", "&Run", "F5", noKey, choice},
-    {Act::single, "F&rames", "&Single Frame", "F6", noKey, command, true},
-    {Act::previousPage, "F&rames", "&Previous Page", "Ctrl+,"},
-    {Act::nextPage, "F&rames", "&Next Page", "Ctrl+."},
+// clang-format off
+const Row actionTable[] = {
+    {ActionId::open, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Open…"), "", QKeySequence::Open},
+    {ActionId::add, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Add Channels…"), "Ctrl+Shift+O"},
+    {ActionId::keepSettings, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Keep Channel Settings for the Next Files"), "", noKey, choice, true},
+    {ActionId::saveImage, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Save Image As…"), "", QKeySequence::Save},
+    {ActionId::saveSettings, fileMenu, QT_TRANSLATE_NOOP("Actions", "Save Channel S&ettings As…"), "Ctrl+Shift+S"},
+    {ActionId::copyImage, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Copy Image"), "", QKeySequence::Copy},
+    {ActionId::copyCommand, fileMenu, QT_TRANSLATE_NOOP("Actions", "Copy as Co&mmand"), "Ctrl+Shift+C", noKey, command, true},
+    {ActionId::customDyes, fileMenu, QT_TRANSLATE_NOOP("Actions", "Custom &Dyes…"), "Ctrl+D", noKey, command, true},
+    {ActionId::closeAll, fileMenu, QT_TRANSLATE_NOOP("Actions", "C&lose"), "", QKeySequence::Close},
+    {ActionId::quit, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Quit"), "Ctrl+Q"},
 
-    {Act::fit, "&View", "&Fit", "0"},
-    {Act::actualSize, "&View", "&1:1", "Ctrl+1"},
-    {Act::zoomIn, "&View", "Zoom &In", "", QKeySequence::ZoomIn},
-    {Act::zoomOut, "&View", "Zoom &Out", "", QKeySequence::ZoomOut, command, true},
-    {Act::gray, "&View", "Single Channel in &Gray", "G", noKey, choice},
-    {Act::saturated, "&View", "&Mark Saturated Samples", "M", noKey, choice, true},
-    {Act::legend, "&View", "&Legend", "L", noKey, choice},
-    {Act::scaleBar, "&View", "Scale &Bar", "B", noKey, choice},
-    {Act::pixelSize, "&View", "Pi&xel Size…", "Shift+B", noKey, command, true},
-    {Act::pseudo, "&View", "&Pseudo-Colour", "P", noKey, choice},
-    {Act::reversed, "&View", "&Reversed Table", "Shift+P", noKey, choice, true},
-    {Act::channelPanel, "&View", "&Channel Panel", "F8", noKey, choice},
-    {Act::course, "&View", "Course of &Times", "F9", noKey, choice},
-    {Act::fullScreen, "&View", "F&ull Screen", "", QKeySequence::FullScreen, choice},
+    {ActionId::live, acquisitionMenu, QT_TRANSLATE_NOOP("Actions", "&Live"), "F5", noKey, choice},
+    {ActionId::snap, acquisitionMenu, QT_TRANSLATE_NOOP("Actions", "&Snap"), "F6", noKey, command, true},
+    {ActionId::camera2, acquisitionMenu, QT_TRANSLATE_NOOP("Actions", "Simulate Camera with &2 Channels"), "F2"},
+    {ActionId::camera3, acquisitionMenu, QT_TRANSLATE_NOOP("Actions", "Simulate Camera with &3 Channels"), "F3"},
+    {ActionId::camera4, acquisitionMenu, QT_TRANSLATE_NOOP("Actions", "Simulate Camera with &4 Channels"), "F4"},
+    {ActionId::cameraFromImages, acquisitionMenu, QT_TRANSLATE_NOOP("Actions", "Simulate Camera from &Open Files"), "Shift+F3"},
 
-    {Act::goToChannels, "&Channels", "&Go to Channels", "Shift+Z", noKey, command, true},
-    {Act::show1, "&Channels", "Channel &1", "1"},
-    {Act::show2, "&Channels", "Channel &2", "2"},
-    {Act::show3, "&Channels", "Channel &3", "3"},
-    {Act::show4, "&Channels", "Channel &4", "4"},
-    {Act::show5, "&Channels", "Channel &5", "5"},
-    {Act::show6, "&Channels", "Channel &6", "6"},
-    {Act::show7, "&Channels", "Channel &7", "7"},
-    {Act::show8, "&Channels", "Channel &8", "8"},
-    {Act::show9, "&Channels", "Channel &9", "9", noKey, command, true},
-    {Act::solo, "&Channels", "&Solo", "S"},
-    {Act::showAll, "&Channels", "Show &All", "Shift+S"},
-    {Act::distinct, "&Channels", "Colours Told Apart by &Everybody", "D", noKey, command, true},
-    {Act::left, "&Channels", "Move Left", "Left", noKey, movement},
-    {Act::right, "&Channels", "Move Right", "Right", noKey, movement},
-    {Act::up, "&Channels", "Move Up", "Up", noKey, movement},
-    {Act::down, "&Channels", "Move Down", "Down", noKey, movement},
-    {Act::farLeft, "&Channels", "Move Left by Ten", "Shift+Left", noKey, movement},
-    {Act::farRight, "&Channels", "Move Right by Ten", "Shift+Right", noKey, movement},
-    {Act::farUp, "&Channels", "Move Up by Ten", "Shift+Up", noKey, movement},
-    {Act::farDown, "&Channels", "Move Down by Ten", "Shift+Down", noKey, movement},
-    {Act::unmoved, "&Channels", "Move All &Back", "Ctrl+Backspace"},
+    {ActionId::fit, viewMenu, QT_TRANSLATE_NOOP("Actions", "&Fit to Window"), "0"},
+    {ActionId::actualSize, viewMenu, QT_TRANSLATE_NOOP("Actions", "&1:1"), "Ctrl+1"},
+    {ActionId::zoomIn, viewMenu, QT_TRANSLATE_NOOP("Actions", "Zoom &In"), "", QKeySequence::ZoomIn},
+    {ActionId::zoomOut, viewMenu, QT_TRANSLATE_NOOP("Actions", "Zoom &Out"), "", QKeySequence::ZoomOut, command, true},
+    {ActionId::previousPage, viewMenu, QT_TRANSLATE_NOOP("Actions", "Pre&vious Page"), "Ctrl+,"},
+    {ActionId::nextPage, viewMenu, QT_TRANSLATE_NOOP("Actions", "&Next Page"), "Ctrl+.", noKey, command, true},
+    {ActionId::gray, viewMenu, QT_TRANSLATE_NOOP("Actions", "Single Channel in &Gray"), "G", noKey, choice},
+    {ActionId::saturated, viewMenu, QT_TRANSLATE_NOOP("Actions", "&Mark Saturated Pixels"), "M", noKey, choice, true},
+    {ActionId::legend, viewMenu, QT_TRANSLATE_NOOP("Actions", "&Legend"), "L", noKey, choice},
+    {ActionId::scaleBar, viewMenu, QT_TRANSLATE_NOOP("Actions", "Scale &Bar"), "B", noKey, choice},
+    {ActionId::pixelSize, viewMenu, QT_TRANSLATE_NOOP("Actions", "Pi&xel Size…"), "Shift+B", noKey, command, true},
+    {ActionId::pseudo, viewMenu, QT_TRANSLATE_NOOP("Actions", "&Pseudo-Colour"), "P", noKey, choice},
+    {ActionId::inverted, viewMenu, QT_TRANSLATE_NOOP("Actions", "Inv&ert LUT"), "Shift+P", noKey, choice, true},
+    {ActionId::channelPanel, viewMenu, QT_TRANSLATE_NOOP("Actions", "&Channel Panel"), "F8", noKey, choice},
+    {ActionId::fullScreen, viewMenu, QT_TRANSLATE_NOOP("Actions", "F&ull Screen"), "", QKeySequence::FullScreen, choice},
 
-    {Act::goToLevels, "&Levels", "&Go to Levels", "Shift+C", noKey, command, true},
-    {Act::automatic, "&Levels", "&Automatic", "A"},
-    {Act::allAutomatic, "&Levels", "A&utomatic for All", "Shift+A"},
-    {Act::follow, "&Levels", "&Follow Every Frame", "F", noKey, choice, true},
-    {Act::full8, "&Levels", "Full Range of &8 Bits", "Alt+1"},
-    {Act::full10, "&Levels", "Full Range of 1&0 Bits", "Alt+2"},
-    {Act::full12, "&Levels", "Full Range of 1&2 Bits", "Alt+3"},
-    {Act::full14, "&Levels", "Full Range of 1&4 Bits", "Alt+4"},
-    {Act::full16, "&Levels", "Full Range of 1&6 Bits", "Alt+5", noKey, command, true},
-    {Act::reset, "&Levels", "&Reset", "R"},
-    {Act::toAll, "&Levels", "Copy to A&ll Channels", "Shift+L"},
+    {ActionId::goToChannels, channelsMenu, QT_TRANSLATE_NOOP("Actions", "&Go to Channel List"), "Shift+Z", noKey, command, true},
+    {ActionId::show1, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &1"), "1"},
+    {ActionId::show2, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &2"), "2"},
+    {ActionId::show3, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &3"), "3"},
+    {ActionId::show4, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &4"), "4"},
+    {ActionId::show5, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &5"), "5"},
+    {ActionId::show6, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &6"), "6"},
+    {ActionId::show7, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &7"), "7"},
+    {ActionId::show8, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &8"), "8"},
+    {ActionId::show9, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show or Hide Channel &9"), "9", noKey, command, true},
+    {ActionId::solo, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show Selected Channel &Only"), "S"},
+    {ActionId::showAll, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Show &All Channels"), "Shift+S"},
+    {ActionId::colourBlindSafe, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Colour-&Blind-Safe Colours"), "D", noKey, command, true},
+    {ActionId::left, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Left"), "Left", noKey, shift},
+    {ActionId::right, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Right"), "Right", noKey, shift},
+    {ActionId::up, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Up"), "Up", noKey, shift},
+    {ActionId::down, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Down"), "Down", noKey, shift},
+    {ActionId::farLeft, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Left by 10 Pixels"), "Shift+Left", noKey, shift},
+    {ActionId::farRight, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Right by 10 Pixels"), "Shift+Right", noKey, shift},
+    {ActionId::farUp, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Up by 10 Pixels"), "Shift+Up", noKey, shift},
+    {ActionId::farDown, channelsMenu, QT_TRANSLATE_NOOP("Actions", "Shift Channel Down by 10 Pixels"), "Shift+Down", noKey, shift},
+    {ActionId::resetOffsets, channelsMenu, QT_TRANSLATE_NOOP("Actions", "&Reset All Offsets"), "Ctrl+Backspace"},
 
-    {Act::keys, "&Help", "&Keys", "", QKeySequence::HelpContents},
-    {Act::about, "&Help", "&About", ""},
+    {ActionId::goToLevels, contrastMenu, QT_TRANSLATE_NOOP("Actions", "&Go to Contrast Limits"), "Shift+C", noKey, command, true},
+    {ActionId::automatic, contrastMenu, QT_TRANSLATE_NOOP("Actions", "&Auto-Contrast"), "A"},
+    {ActionId::allAutomatic, contrastMenu, QT_TRANSLATE_NOOP("Actions", "A&uto-Contrast for All Channels"), "Shift+A"},
+    {ActionId::continuous, contrastMenu, QT_TRANSLATE_NOOP("Actions", "&Continuous Auto-Contrast"), "F", noKey, choice, true},
+    {ActionId::full8, contrastMenu, QT_TRANSLATE_NOOP("Actions", "Full &8-Bit Range"), "Alt+1"},
+    {ActionId::full10, contrastMenu, QT_TRANSLATE_NOOP("Actions", "Full 1&0-Bit Range"), "Alt+2"},
+    {ActionId::full12, contrastMenu, QT_TRANSLATE_NOOP("Actions", "Full 1&2-Bit Range"), "Alt+3"},
+    {ActionId::full14, contrastMenu, QT_TRANSLATE_NOOP("Actions", "Full 1&4-Bit Range"), "Alt+4"},
+    {ActionId::full16, contrastMenu, QT_TRANSLATE_NOOP("Actions", "Full 1&6-Bit Range"), "Alt+5", noKey, command, true},
+    {ActionId::reset, contrastMenu, QT_TRANSLATE_NOOP("Actions", "&Reset Contrast Limits"), "R"},
+    {ActionId::toAll, contrastMenu, QT_TRANSLATE_NOOP("Actions", "Copy Contrast to A&ll Channels"), "Shift+L"},
+
+    {ActionId::shortcuts, helpMenu, QT_TRANSLATE_NOOP("Actions", "&Keyboard Shortcuts"), "", QKeySequence::HelpContents},
+    {ActionId::about, helpMenu, QT_TRANSLATE_NOOP("Actions", "&About Lumetra Viewer"), ""},
 };
+// clang-format on
+
+QString translated(const char* text) { return QCoreApplication::translate("Actions", text); }
 
 QMenu& menuCalled(QMainWindow& window, const QString& title) {
     for (QAction* action : window.menuBar()->actions())
@@ -109,32 +120,32 @@ QMenu& menuCalled(QMainWindow& window, const QString& title) {
 
 } // namespace
 
-Actions::Actions(QMainWindow& window, QWidget& picture) {
-    for (const Row& row : rows) {
-        auto* action = new QAction(QString::fromUtf8(row.text), &window);
+Actions::Actions(QMainWindow& window, QWidget& image) {
+    for (const Row& row : actionTable) {
+        auto* action = new QAction(translated(row.text), &window);
         if (row.standardKey != noKey)
             action->setShortcuts(row.standardKey);
         if (action->shortcut().isEmpty()) // not every desktop has keys for everything
             action->setShortcut(QKeySequence(QString::fromLatin1(row.keys)));
         action->setCheckable(row.kind == choice);
-        if (row.kind == movement) {
+        if (row.kind == shift) {
             action->setShortcutContext(Qt::WidgetShortcut);
-            picture.addAction(action);
+            image.addAction(action);
         }
-        QMenu& menu = menuCalled(window, QString::fromLatin1(row.menu));
+        QMenu& menu = menuCalled(window, translated(row.menu));
         menu.addAction(action);
-        if (row.kind != movement)
+        if (row.kind != shift)
             window.addAction(action); // keys go on working while the menu bar is hidden
         if (row.endsGroup)
             menu.addSeparator();
-        actions_[row.act] = action;
+        actions_[row.id] = action;
     }
 }
 
-QString Actions::keyTable() const {
+QString Actions::shortcutTable() const {
     QString table = QStringLiteral("<table cellpadding=2>");
-    for (const Row& row : rows) {
-        const QAction& action = *actions_.at(row.act);
+    for (const Row& row : actionTable) {
+        const QAction& action = *actions_.at(row.id);
         if (!action.shortcut().isEmpty())
             table += QStringLiteral("<tr><td>%1</td><td>&nbsp;%2</td></tr>")
                          .arg(QString(action.text()).remove(QLatin1Char('&')).toHtmlEscaped(),
@@ -143,4 +154,4 @@ QString Actions::keyTable() const {
     return table + QStringLiteral("</table>");
 }
 
-} // namespace apps
+} // namespace lumetra

@@ -7,35 +7,42 @@
 
 class QMainWindow;
 
-namespace apps {
+namespace lumetra {
 
-enum class Act {
+enum class ActionId {
     // clang-format off
-    open, add, saveAs, saveSettings, copyPicture, copyCommand, ownDyes, closeAll, quit,
-    camera2, camera3, camera4, cameraFiles, run, single, previousPage, nextPage,
-    fit, actualSize, zoomIn, zoomOut, gray, saturated, legend, scaleBar, pixelSize, pseudo, reversed,
-    channelPanel, course, fullScreen,
-    show1, show2, show3, show4, show5, show6, show7, show8, show9, solo, showAll, distinct,
-    goToChannels, left, right, up, down, farLeft, farRight, farUp, farDown, unmoved,
-    goToLevels, automatic, allAutomatic, follow, full8, full10, full12, full14, full16, reset, toAll,
-    keepSettings, keys, about
+    open, add, keepSettings, saveImage, saveSettings, copyImage, copyCommand, customDyes, closeAll,
+    quit,
+    live, snap, camera2, camera3, camera4, cameraFromImages,
+    fit, actualSize, zoomIn, zoomOut, previousPage, nextPage, gray, saturated, legend, scaleBar,
+    pixelSize, pseudo, inverted, channelPanel, fullScreen,
+    goToChannels, show1, show2, show3, show4, show5, show6, show7, show8, show9, solo, showAll,
+    colourBlindSafe, left, right, up, down, farLeft, farRight, farUp, farDown, resetOffsets,
+    goToLevels, automatic, allAutomatic, continuous, full8, full10, full12, full14, full16, reset,
+    toAll,
+    shortcuts, about
     // clang-format on
 };
+
+/// The action so many places behind another.
+inline ActionId operator+(ActionId first, int places) {
+    return static_cast<ActionId>(static_cast<int>(first) + places);
+}
 
 /// Makes the menus of a window.
 class Actions {
 public:
-    /// @param picture  The widget in which the arrow keys move channels; elsewhere they move what
-    ///                 they always move.
-    Actions(QMainWindow& window, QWidget& picture);
+    /// @param image  The widget in which the arrow keys shift channels; elsewhere they move what
+    ///               they always move.
+    Actions(QMainWindow& window, QWidget& image);
 
-    QAction& operator[](Act act) const { return *actions_.at(act); }
+    QAction& operator[](ActionId id) const { return *actions_.at(id); }
 
-    /// All actions that have keys, in the order of the menus.
-    QString keyTable() const;
+    /// All actions that have keys, in the order of the menus, as HTML.
+    QString shortcutTable() const;
 
 private:
-    std::map<Act, QAction*> actions_;
+    std::map<ActionId, QAction*> actions_;
 };
 
-} // namespace apps
+} // namespace lumetra

@@ -7,17 +7,17 @@
 #include <algorithm>
 #include <cmath>
 
-namespace apps {
+namespace lumetra {
 
 Canvas::Canvas(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setMinimumSize(160, 120);
     setAttribute(Qt::WA_OpaquePaintEvent);
-    setAccessibleName(QStringLiteral("Picture"));
+    setAccessibleName(tr("Image"));
 }
 
-void Canvas::setPicture(const cv::Mat& screen, bool isSmooth) {
+void Canvas::setImage(const cv::Mat& screen, bool isSmooth) {
     const bool isOtherSize = screen.size() != screen_.size();
     screen_ = screen;
     isSmooth_ = isSmooth;
@@ -25,15 +25,10 @@ void Canvas::setPicture(const cv::Mat& screen, bool isSmooth) {
         fit();
     else if (isOtherSize)
         keepInSight();
-    repaint(); // at once, so that every picture that was taken is seen
+    repaint(); // at once, so that every image that was taken is seen
 }
 
-void Canvas::setHint(const QString& text) {
-    hint_ = text;
-    update();
-}
-
-QSizeF Canvas::pictureSize() const { return QSizeF(screen_.cols, screen_.rows) * scale_; }
+QSizeF Canvas::imageSize() const { return QSizeF(screen_.cols, screen_.rows) * scale_; }
 
 void Canvas::fit() {
     isFitted_ = true;
@@ -49,7 +44,7 @@ void Canvas::actualSize() {
 
 void Canvas::zoom(double factor) { setScale(scale_ * factor, QRectF(rect()).center()); }
 
-/// @param fixed  The point of the widget below which the picture stays.
+/// @param fixed  The point of the widget below which the image stays.
 void Canvas::setScale(double scale, QPointF fixed) {
     constexpr double smallest = 1 / 64.0, largest = 64;
     scale = std::clamp(scale, smallest, largest);
@@ -59,57 +54,58 @@ void Canvas::setScale(double scale, QPointF fixed) {
     keepInSight();
 }
 
-/// A picture smaller than the widget stands in the middle; of a larger one, no side is left empty.
+/// An image smaller than the widget stands in the middle; of a larger one, no side is left empty.
 void Canvas::keepInSight() {
-    const auto keep = [](double corner, double picture, double widget) {
-        if (picture <= widget)
-            return (widget - picture) / 2;
-        return std::clamp(corner, widget - picture, 0.0);
+    const auto keep = [](double corner, double image, double widget) {
+        if (image <= widget)
+            return (widget - image) / 2;
+        return std::clamp(corner, widget - image, 0.0);
     };
-    const QSizeF size = pictureSize();
+    const QSizeF size = imageSize();
     corner_ = {keep(corner_.x(), size.width(), width()),
                keep(corner_.y(), size.height(), height())};
     update();
     emit scaleChanged();
 }
 
-/// The picture begins with a whole pixel of the screen: within one, 1:1 would show some pixels
+/// The image begins with a whole pixel of the screen: within one, 1:1 would show some pixels
 /// twice and others not at all.
-QRectF Canvas::pictureRect() const {
+QRectF Canvas::imageRect() const {
     const double unit = devicePixelRatioF();
     const QPointF corner(std::round(corner_.x() * unit), std::round(corner_.y() * unit));
-    return {corner / unit, pictureSize()};
+    return {corner / unit, imageSize()};
 }
 
 QPoint Canvas::pixelAt(QPointF point) const {
-    const QPointF pixel = (point - pictureRect().topLeft()) / scale_;
+    const QPointF pixel = (point - imageRect().topLeft()) / scale_;
     const QPoint at(static_cast<int>(std::floor(pixel.x())),
                     static_cast<int>(std::floor(pixel.y())));
     return QRect(0, 0, screen_.cols, screen_.rows).contains(at) ? at : QPoint(-1, -1);
 }
 
-void Canvas::paintPicture(QPainter& painter) const {
+void Canvas::paintImage(QPainter& painter) const {
     const QImage image(screen_.data, screen_.cols, screen_.rows, static_cast<int>(screen_.step),
                        QImage::Format_RGB32);
-    const QRectF picture = pictureRect(), target = picture & QRectF(rect());
-    const QRectF source((target.topLeft() - picture.topLeft()) / scale_, target.size() / scale_);
+    const QRectF whole = imageRect(), target = whole & QRectF(rect());
+    const QRectF source((target.topLeft() - whole.topLeft()) / scale_, target.size() / scale_);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, isSmooth_ && scale() < 1);
     painter.drawImage(target, image, source);
 }
 
 void Canvas::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const QColor ground(0x1b, 0x1c, 0x1e); // dark in every palette, since pictures are
+    const QColor ground(0x1b, 0x1c, 0x1e); // dark in every palette, since images are
     if (screen_.empty()) {
         painter.fillRect(rect(), ground);
         painter.setPen(QColor(0xb8, 0xbc, 0xc4));
         painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
-                         hint_);
+                         tr("Drop image files here, one for each channel,\nopen them with Ctrl+O,\n"
+                            "or start a simulated camera with F3"));
     } else {
-        const QRect covered = pictureRect().toAlignedRect();
+        const QRect covered = imageRect().toAlignedRect();
         for (const QRect& bare : QRegion(rect()).subtracted(covered.adjusted(1, 1, -1, -1)))
             painter.fillRect(bare, ground);
-        paintPicture(painter);
+        paintImage(painter);
     }
 }
 
@@ -156,4 +152,4 @@ void Canvas::mouseDoubleClickEvent(QMouseEvent* /*event*/) {
 
 void Canvas::leaveEvent(QEvent* /*event*/) { emit hovered({-1, -1}); }
 
-} // namespace apps
+} // namespace lumetra

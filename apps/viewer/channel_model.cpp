@@ -1,37 +1,42 @@
 #include "apps/viewer/channel_model.h"
 
-#include "apps/common/failure.h"
+#include "apps/common/annotation.h"
+#include "apps/common/channel_spec.h"
+#include "apps/common/error.h"
+#include "apps/common/text.h"
 
 #include <algorithm>
 #include <limits>
 
-namespace apps {
+namespace lumetra {
 namespace {
 
-QString offsetText(QPoint offset) {
+QString offsetText(cv::Point offset) {
     const auto part = [](int pixels, const char* forward, const char* backward) {
         const char* arrow = pixels > 0 ? forward : backward;
         return pixels == 0 ? QString()
                            : QString::fromUtf8(arrow) + QString::number(qAbs(qint64{pixels}));
     };
-    return (part(offset.x(), "←", "→") + QLatin1Char(' ') + part(offset.y(), "↑", "↓")).trimmed();
+    return (part(offset.x, "←", "→") + QLatin1Char(' ') + part(offset.y, "↑", "↓")).trimmed();
 }
 
-int moved(int from, int by) {
+int shifted(int from, int by) {
     constexpr qint64 least = std::numeric_limits<int>::min(),
                      most = std::numeric_limits<int>::max();
     return static_cast<int>(std::clamp(qint64{from} + by, least, most));
 }
 
-} // namespace
-
-std::vector<QColor> distinctColours(int channels) {
-    std::vector<QColor> colours{"#ff00ff", "#00ff00"};
+/// For so many channels.
+std::vector<Colour> colourBlindSafeColours(int channels) {
+    constexpr Colour neutral{0xd8, 0xd8, 0xd8};
+    std::vector<Colour> colours{{0xff, 0, 0xff}, {0, 0xff, 0}};
     if (channels > 2) // bright ones of the blue, the orange and the neutral side
-        colours = {"#3d9bff", "#ffb000", "#ff3fae", "#d8d8d8"};
-    colours.resize(static_cast<size_t>(std::max(channels, 0)), QColor(0xd8, 0xd8, 0xd8));
+        colours = {{0x3d, 0x9b, 0xff}, {0xff, 0xb0, 0}, {0xff, 0x3f, 0xae}, neutral};
+    colours.resize(static_cast<size_t>(std::max(channels, 0)), neutral);
     return colours;
 }
+
+} // namespace
 
 int ChannelModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : size();
@@ -44,38 +49,41 @@ int ChannelModel::columnCount(const QModelIndex& parent) const {
 QVariant ChannelModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const Channel& channel = this->channel(index.row());
-    const LevelRange levels = channel.levels.value_or(LevelRange{});
-    const bool isText = role == Qt::DisplayRole || role == Qt::EditRole;
+    const int row = index.row();
+    const Channel& channel = this->channel(row);
+    if (role == Qt::CheckStateRole && index.column() == visibleColumn)
+        return static_cast<int>(channel.visible ? Qt::Checked : Qt::Unchecked);
+    if (role == Qt::DecorationRole && index.column() == colourColumn)
+        return toQt(channel.colour);
+    if (role == Qt::ToolTipRole && index.column() == colourColumn)
+        return tr("Click to show this channel only; click again to show all");
+    if (role == Qt::ToolTipRole && index.column() == dyeColumn && !channel.name.empty())
+        return toQt(channel.name);
+    if (role != Qt::DisplayRole)
+        return {};
     switch (index.column()) {
     case visibleColumn:
-        if (role == Qt::CheckStateRole)
-            return static_cast<int>(channel.visible ? Qt::Checked : Qt::Unchecked);
-        return role == Qt::DisplayRole ? QVariant(QString::number(index.row() + 1)) : QVariant();
-    case colourColumn:
-        if (role == Qt::ToolTipRole)
-            return QStringLiteral("Click to see this channel alone, and again to see all");
-        return role == Qt::DecorationRole ? QVariant(channel.colour) : QVariant();
+        return row + 1;
     case dyeColumn:
-        if (role == Qt::ToolTipRole && !channel.name.isEmpty())
-            return channel.name;
-        return isText ? QVariant(channel.dye.isEmpty() ? channel.colour.name() : channel.dye)
-                      : QVariant();
+        return channelLabel(channel);
     case blackColumn:
-        return isText ? QVariant(levels.low) : QVariant();
+        return levels(row).low;
     case whiteColumn:
-        return isText ? QVariant(levels.high) : QVariant();
+        return levels(row).high;
+    case offsetColumn:
+        return offsetText(channel.offset);
     default:
-        return role == Qt::DisplayRole ? QVariant(offsetText(channel.offset)) : QVariant();
+        return {};
     }
 }
 
 QVariant ChannelModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    static const char* const titles[] = {"On", "", "Dye", "Black", "White", "Moved"};
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
         section >= columns)
         return QAbstractTableModel::headerData(section, orientation, role);
-    return QString::fromLatin1(titles[section]);
+    const QString titles[] = {tr("Visible"), tr("Colour"), tr("Dye"),
+                              tr("Black"),   tr("White"),  tr("Offset")};
+    return titles[section];
 }
 
 Qt::ItemFlags ChannelModel::flags(const QModelIndex& index) const {
@@ -84,65 +92,64 @@ Qt::ItemFlags ChannelModel::flags(const QModelIndex& index) const {
     Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
     if (index.column() == visibleColumn)
         flags |= Qt::ItemIsUserCheckable;
-    if (index.column() >= dyeColumn && index.column() <= whiteColumn)
-        flags |= Qt::ItemIsEditable;
     return flags;
 }
 
 bool ChannelModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || role != Qt::CheckStateRole ||
+        index.column() != visibleColumn)
         return false;
-    const int row = index.row();
-    const LevelRange levels = channel(row).levels.value_or(LevelRange{});
-    if (index.column() == visibleColumn && role == Qt::CheckStateRole)
-        setVisible(row, value.toInt() == Qt::Checked);
-    else if (index.column() == dyeColumn && role == Qt::EditRole)
-        return setDyeByWords(row, value.toString());
-    else if (index.column() == blackColumn && role == Qt::EditRole)
-        setLevels(row, {value.toInt(), std::max(levels.high, value.toInt() + 1)});
-    else if (index.column() == whiteColumn && role == Qt::EditRole)
-        setLevels(row, {std::min(levels.low, value.toInt() - 1), value.toInt()});
-    else
-        return false;
+    setVisible(index.row(), value.toInt() == Qt::Checked);
     return true;
 }
 
-bool ChannelModel::setDyeByWords(int row, const QString& words) {
-    try {
-        const Channel parsed = parseChannel(words, dyes_);
-        setDye(row, {parsed.dye, parsed.colour, 0, 0, false});
-        return true;
-    } catch (const Failure& failure) {
-        emit refused(failure.text());
-        return false;
-    }
-}
-
-void ChannelModel::changed(int firstRow, int lastRow) {
+void ChannelModel::notifyEdited(int firstRow, int lastRow) {
     if (firstRow > lastRow)
         return;
     emit dataChanged(index(firstRow, 0), index(lastRow, columns - 1));
     emit edited();
 }
 
-int ChannelModel::largestSample(int row) const { return measured(row).bits == 8 ? 255 : 65535; }
+/// Lets `edit(channel, row)` change all channels.
+template<class Edit>
+void ChannelModel::editAll(const Edit& edit) {
+    const std::vector<Channel> before = channels_;
+    for (int row = 0; row < size(); ++row)
+        edit(channels_[static_cast<size_t>(row)], row);
+    if (channels_ != before)
+        notifyEdited(0, size() - 1);
+}
 
-void ChannelModel::setCustomDyes(const QMap<QString, QColor>& custom) {
+/// Lets `edit(channel)` change a channel, if it is there.
+template<class Edit>
+void ChannelModel::editOne(int row, const Edit& edit) {
+    if (!has(row))
+        return;
+    const Channel before = channel(row);
+    edit(channels_[static_cast<size_t>(row)]);
+    if (before != channel(row))
+        notifyEdited(row, row);
+}
+
+int ChannelModel::largestValue(int row) const { return statistics(row).bits == 8 ? 255 : 65535; }
+
+void ChannelModel::setCustomDyes(const std::vector<Dye>& custom) {
     dyes_ = DyeList();
     dyes_.add(custom);
-    for (Channel& channel : channels_)
-        if (custom.contains(channel.dye))
-            channel.colour = custom[channel.dye];
-    changed(0, size() - 1);
+    editAll([&](Channel& channel, int) {
+        for (const Dye& dye : custom)
+            if (dye.name == channel.dye)
+                channel.colour = dye.colour;
+    });
 }
 
 void ChannelModel::setChannels(const std::vector<Channel>& channels) {
     beginResetModel();
     channels_ = channels;
-    measures_.assign(channels.size(), {});
+    statistics_.assign(channels.size(), {});
     measuresLevels_.clear();
     for (const Channel& channel : channels)
-        measuresLevels_.push_back(follows_ || !channel.levels);
+        measuresLevels_.push_back(isContinuous_ || !channel.levels);
     endResetModel();
     emit edited();
 }
@@ -155,88 +162,100 @@ std::vector<Channel> ChannelModel::requested() const {
     return channels;
 }
 
-bool ChannelModel::adopt(const std::vector<LevelRange>& levels,
-                         const std::vector<Measure>& measures) {
-    if (levels.size() != channels_.size() || measures.size() != channels_.size() || size() == 0)
+bool ChannelModel::adopt(const std::vector<ContrastLimits>& levels,
+                         const std::vector<ChannelStatistics>& statistics) {
+    if (levels.size() != channels_.size() || statistics.size() != channels_.size() || size() == 0)
         return false;
-    measures_ = measures;
+    statistics_ = statistics;
     bool isFixed = false;
     for (std::size_t i = 0; i < channels_.size(); ++i) {
         if (measuresLevels_[i])
             channels_[i].levels = levels[i];
-        isFixed = isFixed || (measuresLevels_[i] && !follows_);
-        measuresLevels_[i] = measuresLevels_[i] && follows_;
+        isFixed = isFixed || (measuresLevels_[i] && !isContinuous_);
+        measuresLevels_[i] = measuresLevels_[i] && isContinuous_;
     }
     emit dataChanged(index(0, 0), index(size() - 1, columns - 1));
     return isFixed;
 }
 
 void ChannelModel::setVisible(int row, bool visible) {
-    if (!has(row) || channel(row).visible == visible)
-        return;
-    at(row).visible = visible;
-    changed(row, row);
+    editOne(row, [&](Channel& channel) { channel.visible = visible; });
 }
 
 void ChannelModel::setDye(int row, const Dye& dye) {
-    if (!has(row) || (channel(row).dye == dye.name && channel(row).colour == dye.colour))
-        return;
-    at(row).dye = dye.name;
-    at(row).colour = dye.colour;
-    changed(row, row);
+    editOne(row, [&](Channel& channel) {
+        channel.dye = dye.name;
+        channel.colour = dye.colour;
+    });
 }
 
-void ChannelModel::setLevels(int row, LevelRange levels) {
+bool ChannelModel::setDye(int row, const QString& name) {
+    try {
+        const Channel parsed = parseChannel(name, dyes_);
+        setDye(row, {parsed.dye, parsed.colour, 0, 0, false});
+        return true;
+    } catch (const std::runtime_error&) {
+        emit refused(currentExceptionText());
+        return false;
+    }
+}
+
+void ChannelModel::setLevels(int row, ContrastLimits levels) {
     if (!has(row))
         return;
-    const int largest = largestSample(row);
+    const int largest = largestValue(row);
     levels.low = std::clamp(levels.low, 0, largest - 1);
     levels.high = std::clamp(levels.high, levels.low + 1, largest);
-    if (channel(row).levels == levels && !measuresLevels_[static_cast<size_t>(row)])
-        return;
-    at(row).levels = levels;
+    const bool wasMeasured = measuresLevels_[static_cast<size_t>(row)];
     measuresLevels_[static_cast<size_t>(row)] = false;
-    changed(row, row);
+    editOne(row, [&](Channel& channel) { channel.levels = levels; });
+    if (wasMeasured) // even if they are what was measured
+        emit edited();
+}
+
+void ChannelModel::setBlackLevel(int row, int low) {
+    if (has(row))
+        setLevels(row, {low, std::max(levels(row).high, low + 1)});
+}
+
+void ChannelModel::setWhiteLevel(int row, int high) {
+    if (has(row))
+        setLevels(row, {std::min(levels(row).low, high - 1), high});
 }
 
 void ChannelModel::setGamma(int row, double gamma) {
-    gamma = std::clamp(gamma, smallestGamma, largestGamma);
-    if (!has(row) || channel(row).gamma == gamma)
-        return;
-    at(row).gamma = gamma;
-    changed(row, row);
+    editOne(row, [&](Channel& channel) {
+        channel.gamma = std::clamp(gamma, smallestGamma, largestGamma);
+    });
 }
 
 void ChannelModel::useAutomaticLevels(int row) {
     if (!has(row))
         return;
     measuresLevels_[static_cast<size_t>(row)] = true;
-    changed(row, row);
+    emit edited();
 }
 
 void ChannelModel::useFullRange(int row, int bits) {
     if (has(row))
-        setLevels(row, {0, bits > 0 ? largestOf(bits) : largestSample(row)});
+        setLevels(row, {0, bits > 0 ? largestOf(bits) : largestValue(row)});
 }
 
 void ChannelModel::nudge(int row, QPoint by) {
-    if (!has(row))
-        return;
-    const QPoint offset = channel(row).offset; // to the left and up
-    setOffset(row, {moved(offset.x(), -by.x()), moved(offset.y(), -by.y())});
+    editOne(row, [&](Channel& channel) {
+        const cv::Point offset = channel.offset; // to the left and up
+        channel.offset = {shifted(offset.x, -by.x()), shifted(offset.y, -by.y())};
+    });
 }
 
-void ChannelModel::setOffset(int row, QPoint offset) {
-    if (!has(row) || channel(row).offset == offset)
-        return;
-    at(row).offset = offset;
-    changed(row, row);
+void ChannelModel::setOffset(int row, cv::Point offset) {
+    editOne(row, [&](Channel& channel) { channel.offset = offset; });
 }
 
 void ChannelModel::copyLevelsToAll(int row) {
     if (!has(row) || !channel(row).levels)
         return;
-    const LevelRange levels = *channel(row).levels;
+    const ContrastLimits levels = *channel(row).levels;
     const double gamma = channel(row).gamma;
     for (int other = 0; other < size(); ++other) {
         setLevels(other, levels);
@@ -250,35 +269,27 @@ void ChannelModel::solo(int row) {
     const auto visible = std::count_if(channels_.begin(), channels_.end(),
                                        [](const Channel& channel) { return channel.visible; });
     const bool isAlone = visible == 1 && channel(row).visible;
-    for (int other = 0; other < size(); ++other)
-        at(other).visible = isAlone || other == row;
-    changed(0, size() - 1);
+    editAll([&](Channel& channel, int other) { channel.visible = isAlone || other == row; });
 }
 
 void ChannelModel::showAll() {
-    for (Channel& channel : channels_)
-        channel.visible = true;
-    changed(0, size() - 1);
+    editAll([](Channel& channel, int) { channel.visible = true; });
 }
 
 void ChannelModel::resetOffsets() {
-    for (Channel& channel : channels_)
-        channel.offset = {};
-    changed(0, size() - 1);
+    editAll([](Channel& channel, int) { channel.offset = {}; });
 }
 
-void ChannelModel::followLevels(bool on) {
-    follows_ = on;
+void ChannelModel::setContinuousLevels(bool on) {
+    isContinuous_ = on;
     if (on)
         measuresLevels_.assign(channels_.size(), true);
-    changed(0, size() - 1);
+    notifyEdited(0, size() - 1);
 }
 
-void ChannelModel::useDistinctColours() {
-    const std::vector<QColor> colours = distinctColours(size());
-    for (int row = 0; row < size(); ++row)
-        at(row).colour = colours[static_cast<size_t>(row)];
-    changed(0, size() - 1);
+void ChannelModel::useColourBlindSafeColours() {
+    const std::vector<Colour> colours = colourBlindSafeColours(size());
+    editAll([&](Channel& channel, int row) { channel.colour = colours[static_cast<size_t>(row)]; });
 }
 
 void ChannelModel::applySettings(const std::vector<Channel>& settings) {
@@ -287,4 +298,4 @@ void ChannelModel::applySettings(const std::vector<Channel>& settings) {
     setChannels(channels);
 }
 
-} // namespace apps
+} // namespace lumetra

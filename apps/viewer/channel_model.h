@@ -1,14 +1,15 @@
 // The channels and how they are shown, as a table that widgets look at.
 #pragma once
 
-#include "apps/common/channel.h"
-#include "apps/viewer/measure.h"
+#include "apps/common/channel_spec.h"
+#include "apps/viewer/channel_statistics.h"
 
 #include <QAbstractTableModel>
+#include <QPoint>
 
 #include <vector>
 
-namespace apps {
+namespace lumetra {
 
 /// One row for each channel. Everything that changes how channels are shown happens here.
 class ChannelModel : public QAbstractTableModel {
@@ -28,16 +29,18 @@ public:
 
     const DyeList& dyes() const { return dyes_; }
 
-    /// Replaces the user's own dyes; channels that have one of them follow its colour.
-    void setCustomDyes(const QMap<QString, QColor>& custom);
+    /// Replaces the custom dyes; channels with one of them take over its colour.
+    void setCustomDyes(const std::vector<Dye>& custom);
 
-    /// Replaces all channels. Those without levels get them from the next picture.
+    /// Replaces all channels. Those without levels get them from the next image.
     void setChannels(const std::vector<Channel>& channels);
 
     /// All channels with the levels that they are shown with.
     const std::vector<Channel>& channels() const { return channels_; }
     const Channel& channel(int row) const { return channels_.at(static_cast<size_t>(row)); }
-    const Measure& measured(int row) const { return measures_.at(static_cast<size_t>(row)); }
+    const ChannelStatistics& statistics(int row) const {
+        return statistics_.at(static_cast<size_t>(row));
+    }
     int size() const { return static_cast<int>(channels_.size()); }
 
     /// The channels without the levels that are to be measured.
@@ -45,18 +48,22 @@ public:
 
     /// Takes over what was measured, and the levels of the channels that asked for them.
     /// @return Whether levels that were measured are fixed from now on.
-    bool adopt(const std::vector<LevelRange>& levels, const std::vector<Measure>& measures);
+    bool adopt(const std::vector<ContrastLimits>& levels,
+               const std::vector<ChannelStatistics>& statistics);
 
     /// @name Edits of one channel; a row that is not there changes nothing.
     /// @{
     void setVisible(int row, bool visible);
     void setDye(int row, const Dye& dye);
-    void setLevels(int row, LevelRange levels); ///< Moved apart if they are not in order.
+    bool setDye(int row, const QString& name); ///< Or `#rrggbb`; false if there is none like it.
+    void setLevels(int row, ContrastLimits levels); ///< Moved apart if they are not in order.
+    void setBlackLevel(int row, int low);           ///< Moves the white level where it has to.
+    void setWhiteLevel(int row, int high);          ///< Moves the black level where it has to.
     void setGamma(int row, double gamma);
-    void useAutomaticLevels(int row);         ///< Measured once, in the next picture.
-    void useFullRange(int row, int bits = 0); ///< Of so many bits; 0 for those of the samples.
-    void nudge(int row, QPoint by);           ///< Pixels to the right and down.
-    void setOffset(int row, QPoint offset);   ///< Pixels to the left and up, as channels have it.
+    void useAutomaticLevels(int row);          ///< Measured once, in the next image.
+    void useFullRange(int row, int bits = 0);  ///< Of so many bits; 0 for those of the plane.
+    void nudge(int row, QPoint by);            ///< Pixels to the right and down.
+    void setOffset(int row, cv::Point offset); ///< Pixels to the left and up, as channels have it.
     void copyLevelsToAll(int row);
     /// Shows this channel alone; or all of them, if it is alone already.
     void solo(int row);
@@ -65,38 +72,37 @@ public:
     void showAll();
     void resetOffsets();
 
-    /// Levels are measured in every picture.
-    void followLevels(bool on);
-    bool followsLevels() const { return follows_; }
+    /// Measures the levels of all channels in every image.
+    void setContinuousLevels(bool on);
+    bool hasContinuousLevels() const { return isContinuous_; }
 
-    /// Colours that colour-blind people tell apart.
-    void useDistinctColours();
+    /// Colours that are told apart without red against green: magenta and green for two channels.
+    void useColourBlindSafeColours();
 
     /// Each channel as settings say, in their order; channels beyond them stay.
     void applySettings(const std::vector<Channel>& settings);
 
 signals:
-    /// The picture has to be made anew.
+    /// The image has to be rendered again.
     void edited();
     /// What the user wrote cannot be taken.
     void refused(const QString& reason);
 
 private:
     bool has(int row) const { return row >= 0 && row < size(); }
-    Channel& at(int row) { return channels_[static_cast<size_t>(row)]; }
-    int largestSample(int row) const;
-    bool setDyeByWords(int row, const QString& words);
-    void changed(int firstRow, int lastRow);
+    ContrastLimits levels(int row) const { return channel(row).levels.value_or(ContrastLimits{}); }
+    int largestValue(int row) const;
+    template<class Edit>
+    void editAll(const Edit& edit);
+    template<class Edit>
+    void editOne(int row, const Edit& edit);
+    void notifyEdited(int firstRow, int lastRow);
 
     DyeList dyes_;
     std::vector<Channel> channels_;
-    std::vector<Measure> measures_;
-    std::vector<bool> measuresLevels_; // of each channel, in the next picture
-    bool follows_ = false;
+    std::vector<ChannelStatistics> statistics_;
+    std::vector<bool> measuresLevels_; // of each channel, in the next image
+    bool isContinuous_ = false;
 };
 
-/// The colours for so many channels that are told apart without red against green: magenta and
-/// green for two.
-std::vector<QColor> distinctColours(int channels);
-
-} // namespace apps
+} // namespace lumetra

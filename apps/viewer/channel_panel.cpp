@@ -1,6 +1,7 @@
 #include "apps/viewer/channel_panel.h"
 
-#include "apps/viewer/channel_delegate.h"
+#include "apps/common/annotation.h"
+#include "apps/common/text.h"
 #include "apps/viewer/channel_model.h"
 #include "apps/viewer/dye_controls.h"
 #include "apps/viewer/level_editor.h"
@@ -18,14 +19,16 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-namespace apps {
+namespace lumetra {
 namespace {
 
-QString noteOn(const Measure& measure) {
-    QString note =
-        QStringLiteral("Samples %1 to %2").arg(measure.range.low).arg(measure.range.high);
-    if (measure.saturated > 0)
-        note += QStringLiteral(" · <b>%1 % saturated</b>").arg(100 * measure.saturated, 0, 'g', 2);
+QString noteOn(const ChannelStatistics& statistics) {
+    QString note = ChannelPanel::tr("Intensities %1 to %2")
+                       .arg(statistics.range.low)
+                       .arg(statistics.range.high);
+    if (statistics.saturated > 0)
+        note +=
+            ChannelPanel::tr(" · <b>%1 % saturated</b>").arg(100 * statistics.saturated, 0, 'g', 2);
     return note;
 }
 
@@ -62,15 +65,13 @@ ChannelPanel::ChannelPanel(ChannelModel& model, QWidget* parent) : QWidget(paren
 QWidget* ChannelPanel::makeTable() {
     table_ = new QTableView(this);
     table_->setModel(&model_);
-    table_->setItemDelegate(new ChannelDelegate(model_, table_));
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
-    table_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     table_->setTabKeyNavigation(false); // Tab leads out of the table
     table_->setShowGrid(false);
     table_->setAlternatingRowColors(true);
     table_->setMinimumHeight(140);
-    table_->setAccessibleName(QStringLiteral("Channels"));
+    table_->setAccessibleName(tr("Channels"));
     table_->verticalHeader()->hide();
     QHeaderView* header = table_->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -85,22 +86,22 @@ QWidget* ChannelPanel::makeDyeBox() {
     form->setContentsMargins(0, 0, 0, 0);
     dyeField_ = new DyeField(model_.dyes(), box);
     dyeSlider_ = new DyeSlider(model_.dyes(), box);
-    form->addRow(QStringLiteral("&Dye"), dyeField_);
+    form->addRow(tr("&Dye"), dyeField_);
     form->addRow(dyeSlider_);
     QLayout* offset = makeOffsetRow();
-    auto* moved = new QLabel(QStringLiteral("&Moved"), box);
-    moved->setBuddy(left_);
-    form->addRow(moved, offset);
+    auto* label = new QLabel(tr("&Offset"), box);
+    label->setBuddy(left_);
+    form->addRow(label, offset);
     return box;
 }
 
-/// The offset in the words and signs of the command.
+/// The offset with the signs of the command.
 QLayout* ChannelPanel::makeOffsetRow() {
     constexpr int farthest = 99999;
-    left_ = numberBox(QStringLiteral("Pixels to the left"), -farthest, farthest);
-    left_->setPrefix(QStringLiteral("← "));
-    up_ = numberBox(QStringLiteral("Pixels up"), -farthest, farthest);
-    up_->setPrefix(QStringLiteral("↑ "));
+    left_ = numberBox(tr("Pixels to the left"), -farthest, farthest);
+    left_->setPrefix(tr("← "));
+    up_ = numberBox(tr("Pixels up"), -farthest, farthest);
+    up_->setPrefix(tr("↑ "));
     auto* row = new QHBoxLayout;
     row->addWidget(left_, 1);
     row->addWidget(up_, 1);
@@ -116,13 +117,13 @@ QWidget* ChannelPanel::makeLevelBox() {
     column->addWidget(levels_, 1);
     column->addWidget(note_);
 
-    black_ = numberBox(QStringLiteral("Black level"), 0, 65535);
-    white_ = numberBox(QStringLiteral("White level"), 0, 65535);
-    gammaOn_ = new QCheckBox(QStringLiteral("&Gamma"), box);
+    black_ = numberBox(tr("Black level"), 0, 65535);
+    white_ = numberBox(tr("White level"), 0, 65535);
+    gammaOn_ = new QCheckBox(tr("&Gamma"), box);
     gamma_ = new QDoubleSpinBox(box);
     gamma_->setRange(0.05, 10);
     gamma_->setSingleStep(0.05);
-    gamma_->setAccessibleName(QStringLiteral("Gamma"));
+    gamma_->setAccessibleName(tr("Gamma"));
     gamma_->setEnabled(false);
     auto* numbers = new QHBoxLayout;
     numbers->addWidget(black_, 1);
@@ -138,17 +139,17 @@ QWidget* ChannelPanel::makeLevelBox() {
         connect(button, &QPushButton::clicked, this, action);
         buttons->addWidget(button);
     };
-    addButton(QStringLiteral("A&uto"), QStringLiteral("All but 0.1 % of the samples at each end"),
+    addButton(tr("A&uto"), tr("Auto-contrast: saturate 0.1 % of the pixels at each end"),
               [this] { model_.useAutomaticLevels(currentRow()); });
-    addButton(QStringLiteral("&Reset"), QStringLiteral("The whole range of the samples"), [this] {
+    addButton(tr("&Reset"), tr("Full range of the bit depth, no gamma"), [this] {
         model_.useFullRange(currentRow());
         model_.setGamma(currentRow(), 1);
     });
-    addButton(QStringLiteral("To a&ll"), QStringLiteral("These levels for all channels"),
+    addButton(tr("To a&ll"), tr("Copy levels and gamma to all channels"),
               [this] { model_.copyLevelsToAll(currentRow()); });
-    follow_ = new QCheckBox(QStringLiteral("Follo&w"), box);
-    follow_->setToolTip(QStringLiteral("Measures the levels of all channels in every frame"));
-    buttons->addWidget(follow_);
+    continuous_ = new QCheckBox(tr("Con&tinuous"), box);
+    continuous_->setToolTip(tr("Auto-contrast for all channels in every frame"));
+    buttons->addWidget(continuous_);
     column->addLayout(buttons);
     return box;
 }
@@ -156,24 +157,18 @@ QWidget* ChannelPanel::makeLevelBox() {
 void ChannelPanel::connectEditors() {
     connect(dyeField_, &QLineEdit::editingFinished, this, [this] {
         const int row = currentRow();
-        const auto cell = model_.index(row, ChannelModel::dyeColumn);
-        if (row >= 0 && dyeField_->isModified() &&
-            !model_.setData(cell, dyeField_->text(), Qt::EditRole))
+        if (row >= 0 && dyeField_->isModified() && !model_.setDye(row, dyeField_->text()))
             dyeField_->selectAll();
         dyeField_->setModified(false);
     });
     connect(dyeSlider_, &DyeSlider::dyeChosen, this,
             [this](const Dye& dye) { model_.setDye(currentRow(), dye); });
     connect(levels_, &LevelEditor::levelsMoved, this,
-            [this](LevelRange levels) { model_.setLevels(currentRow(), levels); });
-    const auto connectLevel = [this](QSpinBox* field, ChannelModel::Column column) {
-        connect(field, QOverload<int>::of(&QSpinBox::valueChanged), this,
-                [this, column](int value) {
-                    model_.setData(model_.index(currentRow(), column), value, Qt::EditRole);
-                });
-    };
-    connectLevel(black_, ChannelModel::blackColumn);
-    connectLevel(white_, ChannelModel::whiteColumn);
+            [this](ContrastLimits levels) { model_.setLevels(currentRow(), levels); });
+    connect(black_, QOverload<int>::of(&QSpinBox::valueChanged), this,
+            [this](int value) { model_.setBlackLevel(currentRow(), value); });
+    connect(white_, QOverload<int>::of(&QSpinBox::valueChanged), this,
+            [this](int value) { model_.setWhiteLevel(currentRow(), value); });
     const auto move = [this] { model_.setOffset(currentRow(), {left_->value(), up_->value()}); };
     connect(left_, QOverload<int>::of(&QSpinBox::valueChanged), this, move);
     connect(up_, QOverload<int>::of(&QSpinBox::valueChanged), this, move);
@@ -183,7 +178,11 @@ void ChannelPanel::connectEditors() {
     });
     connect(gamma_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
             [this](double gamma) { model_.setGamma(currentRow(), gamma); });
-    connect(follow_, &QCheckBox::toggled, &model_, &ChannelModel::followLevels);
+    connect(continuous_, &QCheckBox::toggled, &model_, &ChannelModel::setContinuousLevels);
+    connect(table_, &QTableView::clicked, this, [this](const QModelIndex& cell) {
+        if (cell.column() == ChannelModel::colourColumn)
+            model_.solo(cell.row());
+    });
     connect(&model_, &ChannelModel::modelReset, this, &ChannelPanel::showChannels);
     connect(&model_, &ChannelModel::dataChanged, this, &ChannelPanel::showCurrent);
     connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] {
@@ -222,28 +221,28 @@ void ChannelPanel::showCurrent() {
     if (row < 0)
         return;
     const Channel& channel = model_.channel(row);
-    const Measure& measure = model_.measured(row);
-    const LevelRange levels = channel.levels.value_or(LevelRange{});
-    const QSignalBlocker blockers[] = {QSignalBlocker(left_),    QSignalBlocker(up_),
-                                       QSignalBlocker(black_),   QSignalBlocker(white_),
-                                       QSignalBlocker(gammaOn_), QSignalBlocker(gamma_),
-                                       QSignalBlocker(follow_)};
+    const ChannelStatistics& statistics = model_.statistics(row);
+    const ContrastLimits levels = channel.levels.value_or(ContrastLimits{});
+    const QSignalBlocker blockers[] = {QSignalBlocker(left_),      QSignalBlocker(up_),
+                                       QSignalBlocker(black_),     QSignalBlocker(white_),
+                                       QSignalBlocker(gammaOn_),   QSignalBlocker(gamma_),
+                                       QSignalBlocker(continuous_)};
     if (!dyeField_->isModified())
-        dyeField_->setText(channel.dye.isEmpty() ? channel.colour.name() : channel.dye);
+        dyeField_->setText(channelLabel(channel));
     dyeSlider_->showDye(channel.dye);
-    showNumber(left_, channel.offset.x());
-    showNumber(up_, channel.offset.y());
+    showNumber(left_, channel.offset.x);
+    showNumber(up_, channel.offset.y);
     showNumber(black_, levels.low);
     showNumber(white_, levels.high);
     gammaOn_->setChecked(channel.gamma != 1);
     gamma_->setEnabled(channel.gamma != 1);
     if (!gamma_->hasFocus())
         gamma_->setValue(channel.gamma);
-    follow_->setChecked(model_.followsLevels());
-    levels_->setColour(channel.colour);
+    continuous_->setChecked(model_.hasContinuousLevels());
+    levels_->setColour(toQt(channel.colour));
     levels_->setLevels(levels, channel.gamma);
-    levels_->setMeasure(measure);
-    note_->setText(noteOn(measure));
+    levels_->setStatistics(statistics);
+    note_->setText(noteOn(statistics));
 }
 
-} // namespace apps
+} // namespace lumetra

@@ -1,4 +1,4 @@
-// The channels, and everything of the one that is chosen.
+// The channels, and everything about the selected one.
 #pragma once
 
 #include <QWidget>
@@ -10,7 +10,7 @@ class QLayout;
 class QSpinBox;
 class QTableView;
 
-namespace apps {
+namespace lumetra {
 
 class ChannelModel;
 class DyeField;
@@ -49,9 +49,9 @@ private:
     DyeSlider* dyeSlider_ = nullptr;
     LevelEditor* levels_ = nullptr;
     QSpinBox *left_ = nullptr, *up_ = nullptr, *black_ = nullptr, *white_ = nullptr;
-    QCheckBox *gammaOn_ = nullptr, *follow_ = nullptr;
+    QCheckBox *gammaOn_ = nullptr, *continuous_ = nullptr;
     QDoubleSpinBox* gamma_ = nullptr;
     QLabel* note_ = nullptr;
 };
 
-} // namespace apps
+} // namespace lumetra

@@ -1,14 +1,11 @@
 #include "apps/viewer/custom_dyes_dialog.h"
 
-#include "apps/common/dyes.h"
-#include "apps/common/failure.h"
-
-#include <lumetra>
+#include "apps/common/error.h"
+#include "render/dyes.h"
 
 #include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -17,33 +14,13 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include <cstdio>
+namespace lumetra {
 
-namespace apps {
-namespace {
-
-const QString filter = QStringLiteral("Dyes (*.ini);;All files (*)");
-
-} // namespace
-
-void writeCustomDyes(const QMap<QString, QColor>& dyes, const QString& file) {
-    const QString part = file + QStringLiteral(".part"); // what is there stays until it is whole
-    QMap<QString, QColor> written = dyes;
-    Lumetra::SaveCustomDyeType(written, part);
-    QMap<QString, QColor> read;
-    Lumetra::LoadCustomDyeType(read, part);
-    const bool isWhole = QFileInfo(part).isFile() && read == dyes;
-    if (!isWhole || std::rename(QFile::encodeName(part), QFile::encodeName(file)) != 0) {
-        QFile::remove(part);
-        throw Failure(QStringLiteral("%1: the dyes cannot be written there").arg(shown(file)));
-    }
-}
-
-CustomDyesDialog::CustomDyesDialog(const QMap<QString, QColor>& dyes, QWidget* parent)
+CustomDyesDialog::CustomDyesDialog(const CustomDyes& dyes, QWidget* parent)
     : QDialog(parent), table_(new QTableWidget(0, columns, this)), message_(new QLabel(this)) {
-    setWindowTitle(QStringLiteral("Own Dyes"));
+    setWindowTitle(tr("Custom Dyes"));
     resize(440, 360);
-    table_->setHorizontalHeaderLabels({QStringLiteral("Name"), QStringLiteral("Colour")});
+    table_->setHorizontalHeaderLabels({tr("Name"), tr("Colour")});
     table_->horizontalHeader()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
     table_->verticalHeader()->hide();
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -70,21 +47,22 @@ CustomDyesDialog::CustomDyesDialog(const QMap<QString, QColor>& dyes, QWidget* p
 }
 
 void CustomDyesDialog::addButtons(QHBoxLayout& row) {
-    const auto addButton = [&](const char* text, auto action) {
-        auto* button = new QPushButton(QString::fromUtf8(text), this);
+    const QString filter = tr("Custom dyes (*.ini);;All files (*)");
+    const auto addButton = [&](const QString& text, auto action) {
+        auto* button = new QPushButton(text, this);
         button->setAutoDefault(false);
         connect(button, &QPushButton::clicked, this, action);
         row.addWidget(button);
     };
-    addButton("&Add", [this] { add(QStringLiteral("New dye"), Qt::cyan); });
-    addButton("&Colour…", [this] { chooseColour(table_->currentRow()); });
-    addButton("&Remove", [this] { removeCurrent(); });
-    addButton("&Load…", [this] {
+    addButton(tr("&Add"), [this] { add(tr("New dye"), Qt::cyan); });
+    addButton(tr("&Colour…"), [this] { chooseColour(table_->currentRow()); });
+    addButton(tr("&Remove"), [this] { removeCurrent(); });
+    addButton(tr("&Load…"), [this, filter] {
         const QString file = QFileDialog::getOpenFileName(this, {}, {}, filter);
         if (!file.isEmpty())
             load(file);
     });
-    addButton("&Save…", [this] {
+    addButton(tr("&Save…"), [this, filter] {
         const QString file =
             QFileDialog::getSaveFileName(this, {}, QStringLiteral("dyes.ini"), filter);
         if (!file.isEmpty())
@@ -92,8 +70,8 @@ void CustomDyesDialog::addButtons(QHBoxLayout& row) {
     });
 }
 
-QMap<QString, QColor> CustomDyesDialog::dyes() const {
-    QMap<QString, QColor> dyes;
+CustomDyes CustomDyesDialog::dyes() const {
+    CustomDyes dyes;
     for (int row = 0; row < table_->rowCount(); ++row) {
         const QString name = table_->item(row, nameColumn)->text().trimmed();
         if (!name.isEmpty())
@@ -102,7 +80,7 @@ QMap<QString, QColor> CustomDyesDialog::dyes() const {
     return dyes;
 }
 
-void CustomDyesDialog::setDyes(const QMap<QString, QColor>& dyes) {
+void CustomDyesDialog::setDyes(const CustomDyes& dyes) {
     const QSignalBlocker blocker(table_);
     table_->setRowCount(0);
     for (auto dye = dyes.begin(); dye != dyes.end(); ++dye)
@@ -156,31 +134,28 @@ void CustomDyesDialog::chooseColour(int row) {
 
 void CustomDyesDialog::checkNames() {
     const bool isLost = dyes().size() < table_->rowCount();
-    say(isLost ? QStringLiteral("A dye without a name, or with the name of another, is not kept.")
+    message_->setText(
+        isLost ? tr("Dyes without a name, or with the name of another dye, are not kept.")
                : QString());
 }
 
 void CustomDyesDialog::load(const QString& file) {
     try {
         setDyes(readCustomDyes(file));
-        say(QStringLiteral("%1 dyes loaded.").arg(table_->rowCount()));
+        message_->setText(tr("Loaded dyes: %1").arg(table_->rowCount()));
         emit changed();
-    } catch (const Failure& failure) {
-        say(failure.text());
+    } catch (const std::runtime_error&) {
+        message_->setText(currentExceptionText());
     }
 }
 
 void CustomDyesDialog::save(const QString& file) {
     try {
         writeCustomDyes(dyes(), file);
-        say(QStringLiteral("%1 dyes saved.").arg(dyes().size()));
-    } catch (const Failure& failure) {
-        say(failure.text());
+        message_->setText(tr("Saved dyes: %1").arg(dyes().size()));
+    } catch (const std::runtime_error&) {
+        message_->setText(currentExceptionText());
     }
 }
 
-void CustomDyesDialog::say(const QString& words) { message_->setText(words); }
-
-QString CustomDyesDialog::message() const { return message_->text(); }
-
-} // namespace apps
+} // namespace lumetra

@@ -1,5 +1,7 @@
-// The user's own dyes.
+// The user's custom dyes in a dialog.
 #pragma once
+
+#include "apps/common/custom_dyes.h"
 
 #include <QColor>
 #include <QDialog>
@@ -9,28 +11,21 @@ class QHBoxLayout;
 class QLabel;
 class QTableWidget;
 
-namespace apps {
-
-/// Writes custom dyes as the library does, which says nothing of a file that cannot be written.
-/// @throws Failure with the file's name.
-void writeCustomDyes(const QMap<QString, QColor>& dyes, const QString& file);
+namespace lumetra {
 
 /// Adds, changes, removes, loads and saves dyes.
 class CustomDyesDialog : public QDialog {
     Q_OBJECT
 public:
-    explicit CustomDyesDialog(const QMap<QString, QColor>& dyes, QWidget* parent = nullptr);
+    explicit CustomDyesDialog(const CustomDyes& dyes, QWidget* parent = nullptr);
 
     /// The dyes as they are in the table.
-    QMap<QString, QColor> dyes() const;
+    CustomDyes dyes() const;
 
     void add(const QString& name, const QColor& colour);
     void removeCurrent();
     void load(const QString& file);
     void save(const QString& file);
-
-    /// What was said last.
-    QString message() const;
 
 signals:
     void changed();
@@ -39,14 +34,13 @@ private:
     enum Column { nameColumn, colourColumn, columns };
 
     void addButtons(QHBoxLayout& row);
-    void setDyes(const QMap<QString, QColor>& dyes);
+    void setDyes(const CustomDyes& dyes);
     void addRow(const QString& name, const QColor& colour);
     void chooseColour(int row);
     void checkNames();
-    void say(const QString& words);
 
     QTableWidget* table_;
     QLabel* message_;
 };
 
-} // namespace apps
+} // namespace lumetra

@@ -1,15 +1,17 @@
 #include "apps/viewer/dye_controls.h"
 
+#include "apps/common/text.h"
+
 #include <QCompleter>
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QStringListModel>
 
-namespace apps {
+namespace lumetra {
 
 DyeField::DyeField(const DyeList& dyes, QWidget* parent) : QLineEdit(parent) {
-    setPlaceholderText(QStringLiteral("dye, or #rrggbb"));
-    setAccessibleName(QStringLiteral("Dye"));
+    setPlaceholderText(tr("Dye, or #rrggbb"));
+    setAccessibleName(tr("Dye"));
     auto* completer = new QCompleter(this);
     completer->setModel(new QStringListModel(completer));
     completer->setCaseSensitivity(Qt::CaseInsensitive);
@@ -22,16 +24,16 @@ DyeField::DyeField(const DyeList& dyes, QWidget* parent) : QLineEdit(parent) {
 void DyeField::updateNames(const DyeList& dyes) {
     QStringList names;
     for (const Dye& dye : dyes.all())
-        names << dye.name;
+        names << toQt(dye.name);
     if (auto* model = qobject_cast<QStringListModel*>(completer()->model()))
         model->setStringList(names);
 }
 
 DyeSlider::DyeSlider(const DyeList& dyes, QWidget* parent) : QSlider(Qt::Horizontal, parent) {
-    setAccessibleName(QStringLiteral("Dyes in the order of their colours"));
+    setAccessibleName(tr("Dyes in the order of their colours"));
     updateDyes(dyes);
     connect(this, &QSlider::valueChanged, this, [this] {
-        setToolTip(dye().name);
+        setToolTip(toQt(dye().name));
         emit dyeChosen(dye());
     });
 }
@@ -43,7 +45,7 @@ void DyeSlider::updateDyes(const DyeList& dyes) {
     update();
 }
 
-void DyeSlider::showDye(const QString& name) {
+void DyeSlider::showDye(const std::string& name) {
     const QSignalBlocker blocker(this); // a dye may stand in it twice
     for (int i = 0; i <= maximum() && dye().name != name; ++i)
         if (dyes_[static_cast<size_t>(i)].name == name)
@@ -58,7 +60,7 @@ void DyeSlider::paintEvent(QPaintEvent* /*event*/) {
     QLinearGradient colours(groove.topLeft(), groove.topRight());
     const double last = std::max(maximum(), 1);
     for (std::size_t i = 0; i < dyes_.size(); ++i)
-        colours.setColorAt(static_cast<double>(i) / last, dyes_[i].colour);
+        colours.setColorAt(static_cast<double>(i) / last, toQt(dyes_[i].colour));
     painter.setPen(Qt::NoPen);
     painter.setBrush(colours);
     painter.drawRoundedRect(groove, 4, 4);
@@ -66,8 +68,8 @@ void DyeSlider::paintEvent(QPaintEvent* /*event*/) {
     const QColor ring =
         hasFocus() ? palette().color(QPalette::Highlight) : palette().color(QPalette::Text);
     painter.setPen(QPen(ring, 2));
-    painter.setBrush(dyes_.empty() ? QColor() : dye().colour);
+    painter.setBrush(dyes_.empty() ? QColor() : toQt(dye().colour));
     painter.drawRoundedRect(QRectF(x - 5, 2, 10, height() - 4), 4, 4);
 }
 
-} // namespace apps
+} // namespace lumetra

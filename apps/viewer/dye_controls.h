@@ -1,12 +1,12 @@
 // Ways to choose a dye.
 #pragma once
 
-#include "apps/common/dyes.h"
+#include "render/dyes.h"
 
 #include <QLineEdit>
 #include <QSlider>
 
-namespace apps {
+namespace lumetra {
 
 /// A field for a name or a `#rrggbb` colour, which completes names from any part, in any case.
 class DyeField : public QLineEdit {
@@ -26,8 +26,8 @@ public:
 
     void updateDyes(const DyeList& dyes);
 
-    /// Moves to a dye, if it is there, without saying so.
-    void showDye(const QString& name);
+    /// Moves to a dye, if it is there, without a signal.
+    void showDye(const std::string& name);
 
     const Dye& dye() const { return dyes_.at(static_cast<size_t>(value())); }
 
@@ -35,7 +35,7 @@ public:
     QSize minimumSizeHint() const override { return {80, 26}; }
 
 signals:
-    void dyeChosen(const apps::Dye& dye);
+    void dyeChosen(const lumetra::Dye& dye);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -44,4 +44,4 @@ private:
     std::vector<Dye> dyes_;
 };
 
-} // namespace apps
+} // namespace lumetra

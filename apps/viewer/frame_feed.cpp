@@ -1,12 +1,11 @@
 #include "apps/viewer/frame_feed.h"
 
-#include "apps/common/failure.h"
-#include "apps/common/render.h"
+#include "apps/common/error.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace apps {
+namespace lumetra {
 
 FrameFeed::FrameFeed(std::shared_ptr<FrameSource> source, Deliver deliver)
     : source_(std::move(source)), deliver_(std::move(deliver)), thread_([this] { run(); }) {}
@@ -35,9 +34,9 @@ void FrameFeed::stop() {
     running_ = false;
 }
 
-void FrameFeed::single() {
+void FrameFeed::snap() {
     const std::lock_guard lock(mutex_);
-    singles_ = 1; // impatience does not pile up
+    snaps_ = true; // impatience does not pile up
     changed_.notify_all();
 }
 
@@ -46,27 +45,15 @@ bool FrameFeed::isRunning() const {
     return running_;
 }
 
-std::uint64_t FrameFeed::frames() const {
-    const std::lock_guard lock(mutex_);
-    return frames_;
-}
-
-std::int64_t FrameFeed::processorTime() const {
-    const std::lock_guard lock(mutex_);
-    return processorTime_;
-}
-
 bool FrameFeed::waitForTurn() {
     std::unique_lock lock(mutex_);
-    while (!quitting_ && singles_ == 0 && !(running_ && Clock::now() >= next_)) {
+    while (!quitting_ && !snaps_ && !(running_ && Clock::now() >= next_)) {
         if (running_)
             changed_.wait_until(lock, std::min(next_, Clock::now() + std::chrono::seconds(1)));
         else
             changed_.wait(lock);
     }
-    if (singles_ > 0)
-        --singles_;
-    else // a source that is late does not catch up in a burst
+    if (!std::exchange(snaps_, false)) // a source that is late does not catch up in a burst
         next_ = std::max(next_ + period_, Clock::now() - period_);
     return !quitting_;
 }
@@ -75,7 +62,7 @@ void FrameFeed::grabOne() {
     try {
         source_->grab(frame_);
     } catch (...) {
-        const QString reason = currentReason();
+        const QString reason = currentExceptionText();
         {
             const std::lock_guard lock(mutex_);
             running_ = false;
@@ -85,11 +72,7 @@ void FrameFeed::grabOne() {
         emit failed(reason);
         return;
     }
-    {
-        const std::lock_guard lock(mutex_);
-        frame_.number = ++frames_;
-        processorTime_ = threadNanoseconds();
-    }
+    frame_.number = ++frames_;
     deliver_(frame_);
 }
 
@@ -98,4 +81,4 @@ void FrameFeed::run() {
         grabOne();
 }
 
-} // namespace apps
+} // namespace lumetra

@@ -11,7 +11,7 @@
 #include <mutex>
 #include <thread>
 
-namespace apps {
+namespace lumetra {
 
 /// Asks a source for frames, one by one or in a steady rhythm, and passes them on. Nothing here
 /// waits for the source but the destructor, which cancels it first.
@@ -29,15 +29,9 @@ public:
     void stop();
 
     /// One frame more, running or not.
-    void single();
+    void snap();
 
     bool isRunning() const;
-
-    /// How many frames have come so far.
-    std::uint64_t frames() const;
-
-    /// Processor time of the thread, in nanoseconds.
-    std::int64_t processorTime() const;
 
 signals:
     /// The source could not give a frame, and was stopped. Emitted in the feed's thread.
@@ -52,18 +46,18 @@ private:
 
     std::shared_ptr<FrameSource> source_;
     Deliver deliver_;
-    Frame frame_; // of the thread alone
+
+    // Of the thread alone.
+    Frame frame_;
+    std::uint64_t frames_ = 0;
 
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     Clock::duration period_{};
     Clock::time_point next_;
-    std::uint64_t frames_ = 0;
-    std::int64_t processorTime_ = 0;
-    int singles_ = 0;
-    bool running_ = false, quitting_ = false;
+    bool snaps_ = false, running_ = false, quitting_ = false;
 
     std::thread thread_; // the last to be made, since it uses all of the above
 };
 
-} // namespace apps
+} // namespace lumetra

@@ -6,16 +6,16 @@
 #include <cstdint>
 #include <vector>
 
-namespace apps {
+namespace lumetra {
 
 /// What all channels saw at one moment.
 struct Frame {
     std::vector<cv::Mat> planes; ///< CV_8UC1 or CV_16UC1, one for each channel.
     std::uint64_t number = 0;    ///< Counted from 1 since the source was opened.
-    int page = 0;                ///< Of a stack, counted from 1; 0 for a camera.
+    int page = 0;                ///< Of files, plural from 1; 0 for a camera.
 };
 
-/// A camera, or something that can be looked at like one.
+/// A camera, or something that can be shown like one.
 class FrameSource {
 public:
     FrameSource() = default;
@@ -25,7 +25,7 @@ public:
 
     /// Fills a frame, and takes as long as the exposure takes. Always called in one thread of the
     /// source's own. The frame holds the memory of an earlier one, which should be used again.
-    /// @throws Failure if no frame can be had; the source is then stopped.
+    /// @throws Error if no frame can be had; the source is then stopped.
     virtual void grab(Frame& frame) = 0;
 
     /// Makes a `grab` that waits for something return or throw at once, now and from now on. Called
@@ -33,4 +33,4 @@ public:
     virtual void cancel() {}
 };
 
-} // namespace apps
+} // namespace lumetra

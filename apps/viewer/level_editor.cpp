@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace apps {
+namespace lumetra {
 namespace {
 
 constexpr double handleSize = 7;
@@ -14,17 +14,17 @@ constexpr double handleSize = 7;
 } // namespace
 
 LevelEditor::LevelEditor(QWidget* parent) : QWidget(parent) {
-    setAccessibleName(QStringLiteral("Histogram with black and white level"));
-    setToolTip(QStringLiteral("Drag the black and the white handle"));
+    setAccessibleName(tr("Histogram with black and white level"));
+    setToolTip(tr("Drag the handles to set black and white level"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::MinimumExpanding);
 }
 
-void LevelEditor::setMeasure(const Measure& measure) {
-    measure_ = measure;
+void LevelEditor::setStatistics(const ChannelStatistics& statistics) {
+    statistics_ = statistics;
     update();
 }
 
-void LevelEditor::setLevels(LevelRange levels, double gamma) {
+void LevelEditor::setLevels(ContrastLimits levels, double gamma) {
     levels_ = levels;
     gamma_ = gamma;
     update();
@@ -41,17 +41,17 @@ QRectF LevelEditor::box() const {
 
 /// The axis of the curve, or a longer one if a level lies beyond its end.
 int LevelEditor::axis() const {
-    return std::max(measure_.axis, largestOf(converterBits(levels_.high)));
+    return std::max(statistics_.axis, largestOf(significantBits(levels_.high)));
 }
 
-double LevelEditor::xOf(int sample) const { return box().left() + box().width() * sample / axis(); }
+double LevelEditor::xOf(int value) const { return box().left() + box().width() * value / axis(); }
 
-int LevelEditor::sampleAt(double x) const {
+int LevelEditor::valueAt(double x) const {
     const double share = (x - box().left()) / std::max(box().width(), 1.0);
     return static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * axis()));
 }
 
-/// What the samples between the levels become, drawn as a line.
+/// What the pixel values between the levels become, drawn as a line.
 QPolygonF LevelEditor::rise() const {
     constexpr int steps = 32;
     const QRectF area = box();
@@ -59,15 +59,15 @@ QPolygonF LevelEditor::rise() const {
     line << area.bottomLeft();
     for (int i = 0; i <= steps; ++i) {
         const double share = double(i) / steps;
-        const double sample = levels_.low + share * (levels_.high - levels_.low);
-        line << QPointF(area.left() + area.width() * sample / axis(),
+        const double value = levels_.low + share * (levels_.high - levels_.low);
+        line << QPointF(area.left() + area.width() * value / axis(),
                         area.bottom() - area.height() * std::pow(share, gamma_));
     }
     return line << area.topRight();
 }
 
-void LevelEditor::drawHandle(QPainter& painter, int sample, const QColor& fill) const {
-    const QPointF tip(xOf(sample), box().bottom());
+void LevelEditor::drawHandle(QPainter& painter, int value, const QColor& fill) const {
+    const QPointF tip(xOf(value), box().bottom());
     painter.setPen(QPen(palette().color(QPalette::Text), 1));
     painter.setBrush(fill);
     painter.drawPolygon(QPolygonF() << tip << tip + QPointF(handleSize, 1.8 * handleSize)
@@ -79,11 +79,12 @@ void LevelEditor::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF area = box();
     painter.fillRect(area, QColor(0x1b, 0x1c, 0x1e));
-    const double width = area.width() * (measure_.axis + 1) / (axis() + 1) / Measure::bins;
+    const double width =
+        area.width() * (statistics_.axis + 1) / (axis() + 1) / ChannelStatistics::bins;
     QPolygonF outline;
     outline << area.bottomLeft();
     double x = area.left();
-    for (const float height : measure_.curve) {
+    for (const float height : statistics_.curve) {
         const double y = area.bottom() - area.height() * 0.95 * double{height};
         outline << QPointF(x, y) << QPointF(x + width, y);
         x += width;
@@ -115,13 +116,13 @@ void LevelEditor::mousePressEvent(QMouseEvent* event) {
 }
 
 void LevelEditor::mouseMoveEvent(QMouseEvent* event) {
-    const int sample = sampleAt(event->pos().x());
+    const int value = valueAt(event->pos().x());
     if (dragged_ == Handle::black)
-        emit levelsMoved({std::min(sample, levels_.high - 1), levels_.high});
+        emit levelsMoved({std::min(value, levels_.high - 1), levels_.high});
     else if (dragged_ == Handle::white)
-        emit levelsMoved({levels_.low, std::max(sample, levels_.low + 1)});
+        emit levelsMoved({levels_.low, std::max(value, levels_.low + 1)});
 }
 
 void LevelEditor::mouseReleaseEvent(QMouseEvent* /*event*/) { dragged_ = Handle::none; }
 
-} // namespace apps
+} // namespace lumetra

@@ -1,34 +1,34 @@
 // Black and white level as two handles on the histogram.
 #pragma once
 
-#include "apps/viewer/measure.h"
+#include "apps/viewer/channel_statistics.h"
 
 #include <QColor>
 #include <QWidget>
 
-namespace apps {
+namespace lumetra {
 
-/// Draws how often each sample occurs, with logarithmic height, and the line from black to white
-/// above it.
+/// Draws how often each pixel value occurs, with logarithmic height, and the line from black to
+/// white above it.
 class LevelEditor : public QWidget {
     Q_OBJECT
 public:
     explicit LevelEditor(QWidget* parent = nullptr);
 
-    void setMeasure(const Measure& measure);
-    void setLevels(LevelRange levels, double gamma);
+    void setStatistics(const ChannelStatistics& statistics);
+    void setLevels(ContrastLimits levels, double gamma);
     void setColour(const QColor& colour);
 
-    /// Where a sample lies in the widget, and the other way round.
-    double xOf(int sample) const;
-    int sampleAt(double x) const;
+    /// Where a pixel value lies in the widget, and the other way round.
+    double xOf(int value) const;
+    int valueAt(double x) const;
 
     QSize sizeHint() const override { return {260, 120}; }
     QSize minimumSizeHint() const override { return {160, 80}; }
 
 signals:
     /// The user moved a handle.
-    void levelsMoved(apps::LevelRange levels);
+    void levelsMoved(lumetra::ContrastLimits levels);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -41,14 +41,14 @@ private:
 
     QRectF box() const;
     int axis() const;
-    void drawHandle(QPainter& painter, int sample, const QColor& fill) const;
+    void drawHandle(QPainter& painter, int value, const QColor& fill) const;
     QPolygonF rise() const;
 
-    Measure measure_;
-    LevelRange levels_;
+    ChannelStatistics statistics_;
+    ContrastLimits levels_;
     double gamma_ = 1;
     QColor colour_ = Qt::white;
     Handle dragged_ = Handle::none;
 };
 
-} // namespace apps
+} // namespace lumetra

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <utility>
 
-namespace apps {
+namespace lumetra {
 
 /// Holds the newest of what is put into it. Three objects go round between the two threads, so
 /// nobody waits for the other's work, and the memory in them is used again and again.
@@ -36,4 +36,4 @@ private:
     bool isFresh_ = false;
 };
 
-} // namespace apps
+} // namespace lumetra

@@ -1,8 +1,8 @@
 // The program lumetra-viewer.
 
-#include "apps/common/failure.h"
+#include "apps/common/custom_dyes.h"
+#include "apps/common/error.h"
 #include "apps/common/messages.h"
-#include "apps/viewer/measuring.h"
 #include "apps/viewer/window.h"
 
 #include <opencv2/core.hpp>
@@ -13,82 +13,83 @@
 
 namespace {
 
-const QString channelsHelp =
-    QStringLiteral("Channels: FILE, or FILE[PAGE]=DYE+X+Y as for 'lumetra merge'; settings end in "
-                   ".json.");
-
 struct Options {
-    QCommandLineOption settings{QStringLiteral("settings"),
-                                QStringLiteral("Shows the channels as a settings file says."),
-                                QStringLiteral("FILE")};
-    QCommandLineOption custom{QStringLiteral("custom"), QStringLiteral("Adds a file of own dyes."),
+    QCommandLineOption settings{
+        QStringLiteral("settings"),
+        QCoreApplication::translate("main", "Show the channels as a settings file says."),
+        QStringLiteral("FILE")};
+    QCommandLineOption custom{QStringLiteral("custom"),
+                              QCoreApplication::translate("main", "Add custom dyes from a file."),
                               QStringLiteral("FILE")};
-    QCommandLineOption camera{QStringLiteral("camera"),
-                              QStringLiteral("Starts a simulated camera of N channels, 2 to 4."),
-                              QStringLiteral("N")};
-    QCommandLineOption rate{QStringLiteral("rate"), QStringLiteral("Frames a second."),
+    QCommandLineOption camera{
+        QStringLiteral("camera"),
+        QCoreApplication::translate("main", "Start a simulated camera with 2 to 4 channels."),
+        QStringLiteral("N")};
+    QCommandLineOption rate{QStringLiteral("rate"),
+                            QCoreApplication::translate("main", "Frames per second of the camera."),
                             QStringLiteral("NUMBER"), QStringLiteral("30")};
-    QCommandLineOption measure{QStringLiteral("measure"), QString(), QStringLiteral("SECONDS")};
 };
 
-/// A number between two others, or the end of the program with a word.
+/// A number between two others, or the end of the program with a message.
 double numberOf(const QCommandLineParser& parser, const QCommandLineOption& option, double least,
                 double most) {
     bool isNumber = false;
     const double number = parser.value(option).toDouble(&isNumber);
     if (isNumber && number >= least && number <= most)
         return number;
-    apps::tell(QStringLiteral("lumetra-viewer: --%1 takes a number from %2 to %3\n")
-                   .arg(option.names().constFirst())
-                   .arg(least)
-                   .arg(most));
+    lumetra::printStatus(
+        QCoreApplication::translate("main", "lumetra-viewer: --%1 takes a number from %2 to %3\n")
+            .arg(option.names().constFirst())
+            .arg(least)
+            .arg(most));
     std::exit(2);
 }
 
-void openWhatWasNamed(apps::Window& window, const QCommandLineParser& parser,
-                      const Options& options) {
-    apps::Viewer& viewer = window.viewer();
+void openNamedFiles(lumetra::Window& window, const QCommandLineParser& parser,
+                    const Options& options) {
+    lumetra::Viewer& viewer = window.viewer();
     if (parser.isSet(options.custom)) {
         try {
-            viewer.model().setCustomDyes(apps::readCustomDyes(parser.value(options.custom)));
-        } catch (const apps::Failure& failure) {
-            emit viewer.problem(failure.text());
+            viewer.model().setCustomDyes(
+                lumetra::asDyes(lumetra::readCustomDyes(parser.value(options.custom))));
+        } catch (const std::runtime_error&) {
+            emit viewer.errorOccurred(lumetra::currentExceptionText());
         }
     }
-    QStringList words = parser.positionalArguments();
+    QStringList texts = parser.positionalArguments();
     if (parser.isSet(options.settings))
-        words.prepend(parser.value(options.settings));
-    viewer.open(words);
+        texts.prepend(parser.value(options.settings));
+    viewer.open(texts);
 }
 
 int run(QApplication& application) {
     QCommandLineParser parser;
     Options options;
-    options.measure.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.setApplicationDescription(
-        QStringLiteral("Looks at the channels of fluorescence microscopes, live and in files."));
+    parser.setApplicationDescription(QCoreApplication::translate(
+        "main", "Viewer for multi-channel fluorescence images, live and from "
+                "files."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions(
-        {options.settings, options.custom, options.camera, options.rate, options.measure});
-    parser.addPositionalArgument(QStringLiteral("CHANNEL"), channelsHelp,
-                                 QStringLiteral("[CHANNEL...]"));
+    parser.addOptions({options.settings, options.custom, options.camera, options.rate});
+    parser.addPositionalArgument(
+        QStringLiteral("CHANNEL"),
+        QCoreApplication::translate("main", "Channels: FILE, or FILE[PAGE]=DYE+X+Y as for 'lumetra "
+                                            "merge'; a FILE that ends in .json holds settings."),
+        QStringLiteral("[CHANNEL...]"));
     if (!parser.parse(QApplication::arguments())) {
-        apps::tell(QStringLiteral("lumetra-viewer: %1\n").arg(apps::shown(parser.errorText())));
+        lumetra::printStatus(QStringLiteral("lumetra-viewer: %1\n").arg(parser.errorText()));
         return 2;
     }
     parser.process(application);
 
-    apps::Window window;
+    lumetra::Window window;
     const double rate = numberOf(parser, options.rate, 0, 1000);
     window.show();
-    if (parser.isSet(options.measure)) {
-        apps::measureAndQuit(window, numberOf(parser, options.measure, 1, 1e6), rate);
-    } else if (parser.isSet(options.camera)) {
+    if (parser.isSet(options.camera)) {
         window.viewer().setRate(rate);
-        window.startCamera(static_cast<int>(numberOf(parser, options.camera, 2, 4)));
+        window.viewer().simulateCamera(static_cast<int>(numberOf(parser, options.camera, 2, 4)));
     } else {
-        openWhatWasNamed(window, parser, options);
+        openNamedFiles(window, parser, options);
     }
     return QApplication::exec();
 }
@@ -106,7 +107,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(QStringLiteral(LUMETRA_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("lumetra-viewer"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lumetra-viewer")));
-    apps::silenceLibraries();
+    lumetra::silenceLibraries();
     cv::setNumThreads(1); // one core is for the camera
     return run(application);
 }

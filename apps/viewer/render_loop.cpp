@@ -1,81 +1,13 @@
 #include "apps/viewer/render_loop.h"
 
-#include "apps/common/failure.h"
+#include "apps/common/error.h"
 
 #include <QRect>
 
 #include <algorithm>
-#include <limits>
+#include <utility>
 
-namespace apps {
-namespace {
-
-/// The pixel of a plane below the first pixel of the picture, for a channel with this offset.
-QPoint firstPixel(const std::vector<Channel>& channels, QPoint offset) {
-    const auto distance = [&](auto part) {
-        std::int64_t least = part(offset);
-        for (const Channel& channel : channels)
-            least = std::min<std::int64_t>(least, part(channel.offset));
-        constexpr std::int64_t most = std::numeric_limits<int>::max();
-        return static_cast<int>(std::min(part(offset) - least, most));
-    };
-    return {distance([](QPoint p) { return p.x(); }), distance([](QPoint p) { return p.y(); })};
-}
-
-void drawView(Renderer& renderer, const std::vector<cv::Mat>& planes, const View& view,
-              cv::Mat& picture, PixelForm form) {
-    if (planes.size() != view.channels.size())
-        throw Failure(QStringLiteral("the camera gives %1 channels in place of %2")
-                          .arg(planes.size())
-                          .arg(view.channels.size()));
-    if (!view.pseudo)
-        return renderer.render(planes, view.channels, picture, form);
-    const Channel& channel = view.channels.at(view.pseudo->channel);
-    renderer.renderPseudo(planes.at(view.pseudo->channel), channel.levels, channel.gamma,
-                          view.pseudo->slotColours, picture, form);
-}
-
-void annotateView(const View& view, cv::Mat& picture) {
-    annotate(picture, view.pseudo ? std::vector<Channel>{} : view.channels, view.annotation);
-}
-
-template<class Sample>
-void markFrom(int limit, const cv::Mat& plane, cv::Mat& picture) {
-    const cv::Vec4b mark(0, 0, 255, 255);
-    const int columns = picture.cols;
-    for (int y = 0; y < picture.rows; ++y) {
-        const auto* in = plane.ptr<Sample>(y);
-        auto* out = picture.ptr<cv::Vec4b>(y);
-        for (int x = 0; x < columns; ++x)
-            if (in[x] >= limit)
-                out[x] = mark;
-    }
-}
-
-/// Marks what lies at the end of the converter's range, where it may have been brighter still.
-void markSaturated(const std::vector<cv::Mat>& planes, const View& view,
-                   const std::vector<Measure>& measures, cv::Mat& picture) {
-    for (std::size_t i = 0; i < planes.size(); ++i) {
-        if (!(view.pseudo ? view.pseudo->channel == i : view.channels[i].visible))
-            continue;
-        const QPoint first =
-            view.pseudo ? QPoint() : firstPixel(view.channels, view.channels[i].offset);
-        const cv::Mat part = planes[i]({first.x(), first.y(), picture.cols, picture.rows});
-        const int limit = largestOf(converterBits(measures[i].range.high));
-        if (part.depth() == CV_8U)
-            markFrom<unsigned char>(limit, part, picture);
-        else
-            markFrom<std::uint16_t>(limit, part, picture);
-    }
-}
-
-} // namespace
-
-void makePicture(Renderer& renderer, const std::vector<cv::Mat>& planes, const View& view,
-                 cv::Mat& picture) {
-    drawView(renderer, planes, view, picture, PixelForm::file);
-    annotateView(view, picture);
-}
+namespace lumetra {
 
 RenderLoop::RenderLoop() : thread_([this] { run(); }) {}
 
@@ -96,10 +28,10 @@ void RenderLoop::offer(Frame& frame) {
     work_.notify_all();
 }
 
-void RenderLoop::setView(const View& view) {
+void RenderLoop::setSettings(const DisplaySettings& settings) {
     const std::lock_guard lock(mutex_);
-    view_ = view;
-    hasView_ = true;
+    settings_ = settings;
+    hasSettings_ = true;
     work_.notify_all();
 }
 
@@ -111,22 +43,23 @@ void RenderLoop::clear() {
     hasFrame_ = false;
 }
 
-std::vector<int> RenderLoop::samplesAt(QPoint pixel, const std::vector<Channel>& channels) const {
+std::vector<int> RenderLoop::intensitiesAt(QPoint pixel, const DisplaySettings& settings) const {
     const std::lock_guard lock(frameMutex_);
-    std::vector<int> samples;
-    if (frame_.planes.size() != channels.size())
-        return samples;
-    for (std::size_t i = 0; i < channels.size(); ++i) {
+    std::vector<int> intensities;
+    if (frame_.planes.size() != settings.channels.size())
+        return intensities;
+    for (std::size_t i = 0; i < settings.channels.size(); ++i) {
         const cv::Mat& plane = frame_.planes[i];
-        const QPoint first = firstPixel(channels, channels[i].offset);
-        const QRect covered(0, 0, plane.cols, plane.rows);
-        if (!covered.contains(first) || !covered.contains(first + pixel))
+        const auto part = shownPart(settings, plane.size(), i);
+        if (!part)
             return {};
-        const QPoint at = first + pixel;
-        samples.push_back(plane.depth() == CV_8U ? plane.at<unsigned char>(at.y(), at.x())
-                                                 : plane.at<std::uint16_t>(at.y(), at.x()));
+        const cv::Point at = part->tl() + cv::Point(pixel.x(), pixel.y());
+        if (!part->contains(at))
+            return {};
+        intensities.push_back(plane.depth() == CV_8U ? plane.at<unsigned char>(at)
+                                                     : plane.at<std::uint16_t>(at));
     }
-    return samples;
+    return intensities;
 }
 
 std::vector<cv::Mat> RenderLoop::planes() const {
@@ -137,85 +70,80 @@ std::vector<cv::Mat> RenderLoop::planes() const {
     return copies;
 }
 
-bool RenderLoop::waitForWork(View& view, bool& isNewFrame) {
+bool RenderLoop::waitForWork(DisplaySettings& settings, bool& isNewFrame) {
     std::unique_lock lock(mutex_);
-    work_.wait(lock, [&] { return quitting_ || hasFrame_ || hasView_; });
+    work_.wait(lock, [&] { return quitting_ || hasFrame_ || hasSettings_; });
     if (quitting_)
         return false;
-    if (std::exchange(hasView_, false) || hasFrame_)
-        view = view_;
+    settings = settings_;
+    hasSettings_ = hasFrame_ = false;
     const bool isCleared = std::exchange(isCleared_, false);
-    hasFrame_ = false;
     lock.unlock();
 
     const std::lock_guard frameLock(frameMutex_);
     if (isCleared)
         frame_ = {};
     isNewFrame = frames_.take(frame_);
+    if (isCleared || isNewFrame)
+        drawn_.reset();
     return true;
 }
 
-void RenderLoop::measure(View& view, bool isNewFrame) {
+void RenderLoop::measure(DisplaySettings& settings, bool isNewFrame) {
     const auto& planes = frame_.planes;
-    const std::int64_t start = threadNanoseconds();
-    if (isNewFrame || measures_.size() != planes.size() || (measuredLive_ && !view.isLive)) {
-        measures_.resize(planes.size());
+    if (isNewFrame || statistics_.size() != planes.size() || (measuredLive_ && !settings.isLive)) {
+        statistics_.resize(planes.size());
         for (std::size_t i = 0; i < planes.size(); ++i)
-            measurer_.measure(planes[i], view.isLive, measures_[i]);
-        measuredLive_ = view.isLive;
-        measuring_ = threadNanoseconds() - start;
+            meter_.measure(planes[i], settings.isLive, statistics_[i]);
+        measuredLive_ = settings.isLive;
     }
-    shown_.levels.resize(view.channels.size());
-    for (std::size_t i = 0; i < std::min(planes.size(), view.channels.size()); ++i) {
-        auto& levels = view.channels[i].levels;
+    rendered_.levels.resize(settings.channels.size());
+    for (std::size_t i = 0; i < std::min(planes.size(), settings.channels.size()); ++i) {
+        auto& levels = settings.channels[i].levels;
         if (!levels)
-            levels = measures_[i].automatic;
-        shown_.levels[i] = *levels;
+            levels = statistics_[i].automatic;
+        rendered_.levels[i] = *levels;
     }
 }
 
-void RenderLoop::draw(const View& view) {
-    drawView(renderer_, frame_.planes, view, shown_.screen, PixelForm::screen);
-    if (view.marksSaturated)
-        markSaturated(frame_.planes, view, measures_, shown_.screen);
+void RenderLoop::draw(const DisplaySettings& settings) {
+    renderForScreen(renderer_, frame_.planes, settings, statistics_, rendered_.screen);
     try {
-        annotateView(view, shown_.screen);
+        annotateImage(settings, rendered_.screen);
     } catch (...) {
-        shown_.problem = currentReason();
+        rendered_.problem = currentExceptionText();
     }
 }
 
-void RenderLoop::publish(const View& view) {
-    shown_.measures = measures_;
-    shown_.measuring = measuring_;
-    shown_.frame = frame_.number;
-    shown_.page = frame_.page;
-    shown_.revision = view.revision;
-    shown_.stages = renderer_.times();
-    shown_.processorTime = threadNanoseconds();
-    const std::uint64_t published = shown_.frame;
-    if (!pictures_.put(shown_))
+void RenderLoop::publish(const DisplaySettings& settings) {
+    rendered_.statistics = statistics_;
+    rendered_.frame = frame_.number;
+    rendered_.page = frame_.page;
+    rendered_.revision = settings.revision;
+    const std::uint64_t published = rendered_.frame;
+    if (!images_.put(rendered_))
         emit ready();
-    else if (shown_.frame != published) // what came back was never seen
+    else if (rendered_.frame != published) // what came back was never seen
         ++dropped_;
 }
 
 void RenderLoop::run() {
-    View view;
+    DisplaySettings settings;
     bool isNewFrame = false;
-    while (waitForWork(view, isNewFrame)) {
-        if (frame_.planes.empty())
+    while (waitForWork(settings, isNewFrame)) {
+        if (frame_.planes.empty() || (drawn_ && *drawn_ == settings))
             continue;
-        shown_.problem.clear();
+        rendered_.problem.clear();
         try {
-            measure(view, isNewFrame);
-            draw(view);
+            measure(settings, isNewFrame);
+            draw(settings);
         } catch (...) {
-            shown_.problem = currentReason();
-            shown_.screen.release();
+            rendered_.problem = currentExceptionText();
+            rendered_.screen.release();
         }
-        publish(view);
+        drawn_ = settings; // with the levels that were measured
+        publish(settings);
     }
 }
 
-} // namespace apps
+} // namespace lumetra

@@ -1,11 +1,9 @@
-// The thread that makes pictures of frames.
+// The thread that makes images of frames.
 #pragma once
 
-#include "apps/common/annotation.h"
-#include "apps/common/render.h"
+#include "apps/viewer/display_settings.h"
 #include "apps/viewer/frame_source.h"
 #include "apps/viewer/mailbox.h"
-#include "apps/viewer/measure.h"
 
 #include <QObject>
 
@@ -15,44 +13,19 @@
 #include <optional>
 #include <thread>
 
-namespace apps {
+namespace lumetra {
 
-/// One channel through a table of colours, in place of the composite.
-struct PseudoColour {
-    std::size_t channel = 0;
-    QVector<QColor> slotColours; ///< 255 colours.
-};
-
-/// How frames are to be shown.
-struct View {
-    std::vector<Channel> channels; ///< Without levels where they are measured in each frame.
-    std::optional<PseudoColour> pseudo;
-    Annotation annotation;
-    bool marksSaturated = false;
-    bool isLive = false; ///< Frames come faster than all of their samples can be counted.
-    int revision = 0;    ///< Comes back with the picture.
-};
-
-/// Makes the picture of a view, as it is shown, saved and copied; `channels` all have levels.
-/// @throws Failure as `Renderer::render` and `annotate` do.
-void makePicture(Renderer& renderer, const std::vector<cv::Mat>& planes, const View& view,
-                 cv::Mat& picture);
-
-/// A picture on its way to the window, and what was seen on the way.
-struct Shown {
+/// An image on its way to the window, and what was measured on the way.
+struct RenderedFrame {
     cv::Mat screen; ///< CV_8UC4, as QImage::Format_RGB32 has it; empty if nothing can be shown.
-    std::vector<Measure> measures;
-    std::vector<LevelRange> levels;
-    std::uint64_t frame = 0;
+    std::vector<ChannelStatistics> statistics;
+    std::vector<ContrastLimits> levels;
+    std::uint64_t frame = 0; ///< As `Frame::number`.
     int page = 0, revision = 0;
-    QString problem; ///< Why there is no picture, or what is missing in it.
-
-    std::int64_t measuring = 0; ///< Nanoseconds of the thread, as `stages`.
-    StageTimes stages;
-    std::int64_t processorTime = 0; ///< Of the thread so far.
+    QString problem; ///< Why there is no image, or what is missing in it.
 };
 
-/// Takes the newest frame and the newest view, and leaves a picture for the window to take.
+/// Takes the newest frame and the newest settings, and leaves an image for the window to take.
 class RenderLoop : public QObject {
     Q_OBJECT
 public:
@@ -62,17 +35,18 @@ public:
     /// Leaves a frame and gives an older one in exchange. From any thread.
     void offer(Frame& frame);
 
-    /// Changes how frames are shown, the last one included.
-    void setView(const View& view);
+    /// Changes how frames are shown, the last one included. If that makes the same image of it,
+    /// nothing is rendered.
+    void setSettings(const DisplaySettings& settings);
 
-    /// Takes the newest picture, if there is one since the last time.
-    bool take(Shown& shown) { return pictures_.take(shown); }
+    /// Takes the newest image, if there is one since the last time.
+    bool take(RenderedFrame& frame) { return images_.take(frame); }
 
     /// How many frames came too late, because a newer one was there before they could be shown.
     std::uint64_t dropped() const { return dropped_; }
 
-    /// The samples of all channels below a pixel of the picture; empty outside.
-    std::vector<int> samplesAt(QPoint pixel, const std::vector<Channel>& channels) const;
+    /// The pixel values of all channels below a pixel of the image; empty outside.
+    std::vector<int> intensitiesAt(QPoint pixel, const DisplaySettings& settings) const;
 
     /// A copy of the planes that are shown.
     std::vector<cv::Mat> planes() const;
@@ -81,18 +55,18 @@ public:
     void clear();
 
 signals:
-    /// There is a picture to take. Emitted in the loop's thread, once until it is taken.
+    /// There is an image to take. Emitted in the loop's thread, once until it is taken.
     void ready();
 
 private:
     void run();
-    bool waitForWork(View& view, bool& isNewFrame);
-    void measure(View& view, bool isNewFrame);
-    void draw(const View& view);
-    void publish(const View& view);
+    bool waitForWork(DisplaySettings& settings, bool& isNewFrame);
+    void measure(DisplaySettings& settings, bool isNewFrame);
+    void draw(const DisplaySettings& settings);
+    void publish(const DisplaySettings& settings);
 
     Mailbox<Frame> frames_;
-    Mailbox<Shown> pictures_;
+    Mailbox<RenderedFrame> images_;
     std::atomic<std::uint64_t> dropped_{0};
 
     mutable std::mutex frameMutex_; // held to exchange the frame, not while it is drawn
@@ -100,18 +74,18 @@ private:
 
     std::mutex mutex_;
     std::condition_variable work_;
-    View view_;
-    bool hasFrame_ = false, hasView_ = false, isCleared_ = false, quitting_ = false;
+    DisplaySettings settings_;
+    bool hasFrame_ = false, hasSettings_ = false, isCleared_ = false, quitting_ = false;
 
     // Of the thread alone.
     Renderer renderer_;
-    Measurer measurer_;
-    std::vector<Measure> measures_;
+    ChannelMeter meter_;
+    std::vector<ChannelStatistics> statistics_;
     bool measuredLive_ = false;
-    std::int64_t measuring_ = 0;
-    Shown shown_;
+    RenderedFrame rendered_;
+    std::optional<DisplaySettings> drawn_; ///< What the last frame was drawn with.
 
     std::thread thread_; // the last to be made, since it uses all of the above
 };
 
-} // namespace apps
+} // namespace lumetra

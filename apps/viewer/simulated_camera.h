@@ -1,4 +1,4 @@
-// A camera that nobody had to buy.
+// A camera that needs no hardware.
 #pragma once
 
 #include "apps/viewer/frame_source.h"
@@ -7,16 +7,16 @@
 
 #include <vector>
 
-namespace apps {
+namespace lumetra {
 
 /// What the simulated camera is like.
 struct SimulatedCameraOptions {
-    int channels = 3;              ///< 2 to 4; the number of pictures, if there are any.
-    int side = 2048;               ///< Pixels a side.
-    std::vector<cv::Mat> pictures; ///< What it looks at, gray; empty for cells drawn for it.
+    int channels = 3;            ///< 1 to 4; the number of images, if there are any.
+    int side = 2048;             ///< Pixels a side.
+    std::vector<cv::Mat> images; ///< What it sees, gray; empty for cells drawn for it.
 };
 
-/// Films a still specimen that drifts below the lens, with the noise and the hot pixels of a sensor
+/// Sees a fixed specimen that drifts below the lens, with the noise and the hot pixels of a sensor
 /// of 16 bits.
 class SimulatedCamera : public FrameSource {
 public:
@@ -24,6 +24,7 @@ public:
     void grab(Frame& frame) override;
 
 private:
+    void prepare();
     cv::Rect driftingPart() const;
 
     SimulatedCameraOptions options_;
@@ -34,4 +35,4 @@ private:
     int exposures_ = 0;
 };
 
-} // namespace apps
+} // namespace lumetra

@@ -1,68 +1,75 @@
 #include "apps/viewer/viewer.h"
 
-#include "apps/common/colour_table.h"
-#include "apps/common/failure.h"
+#include "apps/common/error.h"
+#include "apps/common/lut_file.h"
+#include "apps/common/shell.h"
+#include "apps/viewer/simulated_camera.h"
+#include "render/colormaps.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 
-namespace apps {
+namespace lumetra {
 
 Viewer::Viewer() {
-    pool_.setMaxThreadCount(1);
-    qRegisterMetaType<std::function<void()>>("std::function<void()>");
-    connect(
-        this, &Viewer::done, this,
-        [this](const std::function<void()>& outcome) {
-            --jobs_;
-            outcome();
-            openNext();
-        },
-        Qt::QueuedConnection);
-    connect(&model_, &ChannelModel::edited, this, &Viewer::updateView);
-    connect(&model_, &ChannelModel::refused, this, &Viewer::problem);
-    connect(&loop_, &RenderLoop::ready, this, &Viewer::takePicture, Qt::QueuedConnection);
-}
-
-Viewer::~Viewer() {
-    feed_.reset();
-    pool_.waitForDone();
-}
-
-/// Runs work in the pool, and what it returns in the window's thread.
-void Viewer::inBackground(const std::function<std::function<void()>()>& work) {
-    ++jobs_;
-    pool_.start([this, work] {
-        std::function<void()> outcome;
-        try {
-            outcome = work();
-        } catch (...) {
-            outcome = [this, reason = currentReason()] { emit problem(reason); };
-        }
-        emit done(outcome);
-    });
+    connect(&model_, &ChannelModel::edited, this, &Viewer::updateSettings);
+    connect(&model_, &ChannelModel::refused, this, &Viewer::errorOccurred);
+    connect(&loop_, &RenderLoop::ready, this, &Viewer::takeImage, Qt::QueuedConnection);
+    connect(&opener_, &FileOpener::opened, this,
+            [this](const std::shared_ptr<FileSource>& files, const std::vector<Channel>& channels) {
+                setSource(files, channels);
+                files_ = files;
+                emit sourceChanged();
+                feed_->snap();
+            });
+    connect(&opener_, &FileOpener::statusMessage, this, &Viewer::statusMessage);
+    connect(&opener_, &FileOpener::errorOccurred, this, &Viewer::errorOccurred);
+    connect(&saver_, &ImageSaver::statusMessage, this, &Viewer::statusMessage);
+    connect(&saver_, &ImageSaver::errorOccurred, this, &Viewer::errorOccurred);
 }
 
 void Viewer::connectCamera(std::shared_ptr<FrameSource> camera,
                            const std::vector<Channel>& channels) {
-    forgetOpenings();
+    opener_.clear();
     setSource(std::move(camera), channels);
     emit sourceChanged();
 }
 
-/// What is being opened was asked for before what is asked for now.
-void Viewer::forgetOpenings() {
-    openings_.clear();
-    pendingSettings_.clear();
-    ++turn_;
+void Viewer::simulateCamera(int channels, int side) {
+    std::vector<Channel> guessed;
+    guessed.reserve(static_cast<std::size_t>(channels));
+    for (int i = 0; i < channels; ++i)
+        guessed.push_back(guessedChannel({}, i, model_.dyes()));
+    connectCamera(std::make_shared<SimulatedCamera>(SimulatedCameraOptions{channels, side, {}}),
+                  guessed);
+    start();
+}
+
+void Viewer::simulateCameraFromImages() {
+    SimulatedCameraOptions options;
+    options.images = loop_.planes();
+    if (options.images.empty()) {
+        emit errorOccurred(tr("Open the images first that the camera is to show"));
+        return;
+    }
+    std::vector<Channel> channels = model_.channels();
+    for (Channel& channel : channels)
+        channel.levels.reset(); // the camera has a bit depth of its own
+    connectCamera(std::make_shared<SimulatedCamera>(options), channels);
+    start();
+}
+
+void Viewer::closeSource() {
+    feed_.reset();
+    files_.reset();
+    loop_.clear();
+    rendered_ = {};
+    requested_.reset();
 }
 
 void Viewer::setSource(std::shared_ptr<FrameSource> source, const std::vector<Channel>& channels) {
-    feed_.reset();
-    stack_.reset();
-    loop_.clear();
-    shown_ = {};
+    closeSource();
     options_.pseudoChannel =
         std::min(options_.pseudoChannel, static_cast<int>(channels.size()) - 1);
     model_.setChannels(channels);
@@ -70,31 +77,28 @@ void Viewer::setSource(std::shared_ptr<FrameSource> source, const std::vector<Ch
     feed_ = std::make_unique<FrameFeed>(std::move(source),
                                         [this](Frame& frame) { loop_.offer(frame); });
     connect(feed_.get(), &FrameFeed::failed, this, [this](const QString& reason) {
-        updateView();
+        updateSettings();
         emit sourceChanged();
-        emit problem(reason);
+        emit errorOccurred(reason);
     });
 }
 
 void Viewer::close() {
-    forgetOpenings();
-    feed_.reset();
-    stack_.reset();
-    loop_.clear();
-    shown_ = {};
+    opener_.clear();
+    closeSource();
     model_.setChannels({});
     emit sourceChanged();
-    emit pictureChanged();
+    emit imageChanged();
 }
 
 QString Viewer::title() const {
     if (!hasSource())
         return {};
-    if (!stack_)
-        return QStringLiteral("Camera");
+    if (!files_)
+        return tr("Camera");
     QStringList names;
-    for (const ChannelFile& file : stack_->files())
-        names << apps::shown(QFileInfo(file.file).fileName());
+    for (const ChannelFile& file : files_->files())
+        names << QFileInfo(file.file).fileName();
     return names.join(QStringLiteral(", "));
 }
 
@@ -102,7 +106,7 @@ void Viewer::start() {
     if (!feed_)
         return;
     feed_->start(rate_);
-    updateView();
+    updateSettings();
     emit sourceChanged();
 }
 
@@ -110,13 +114,13 @@ void Viewer::stop() {
     if (!feed_)
         return;
     feed_->stop();
-    updateView(); // the last frame now gets its full attention
+    updateSettings(); // all pixels of the last frame are plural now
     emit sourceChanged();
 }
 
-void Viewer::single() {
+void Viewer::snap() {
     if (feed_)
-        feed_->single();
+        feed_->snap();
 }
 
 void Viewer::setRate(double framesPerSecond) {
@@ -125,80 +129,126 @@ void Viewer::setRate(double framesPerSecond) {
         feed_->start(rate_);
 }
 
-void Viewer::turnTo(int page) {
-    if (!stack_)
+void Viewer::setPage(int page) {
+    if (!files_)
         return;
-    stack_->seek(page);
-    feed_->single();
+    files_->setPage(page);
+    feed_->snap();
 }
 
 void Viewer::setOptions(const ViewOptions& options) {
-    QVector<QColor> colours;
+    Colormap lut{};
     try {
-        if (options.table) {
-            const auto table = colourTable(options.table->table);
-            colours = pseudoSlots(options.table->reversed ? reversedTable(table) : table);
+        if (options.lut) {
+            const Colormap colours = namedLut(options.lut->lut);
+            lut = options.lut->inverted ? reversed(colours) : colours;
         }
-    } catch (const Failure& failure) {
-        emit problem(failure.text());
+    } catch (const std::runtime_error&) {
+        emit errorOccurred(currentExceptionText());
         return;
     }
     options_ = options;
-    slotColours_ = colours;
-    updateView();
+    lut_ = lut;
+    updateSettings();
 }
 
-View Viewer::view() const {
-    View view;
-    view.channels = model_.channels();
-    for (Channel& channel : view.channels)
-        channel.levels = channel.levels.value_or(LevelRange{});
-    if (options_.table && options_.pseudoChannel >= 0 && options_.pseudoChannel < model_.size())
-        view.pseudo = PseudoColour{static_cast<std::size_t>(options_.pseudoChannel), slotColours_};
+DisplaySettings Viewer::settings(std::vector<Channel> channels) const {
     const auto isVisible = [](const Channel& channel) { return channel.visible; };
-    if (options_.graySingle &&
-        std::count_if(view.channels.begin(), view.channels.end(), isVisible) == 1)
-        std::find_if(view.channels.begin(), view.channels.end(), isVisible)->colour = Qt::white;
-    view.annotation = options_.annotation;
-    view.marksSaturated = options_.marksSaturated;
-    view.isLive = isRunning();
-    view.revision = revision_;
-    return view;
+    if (options_.graySingle && std::count_if(channels.begin(), channels.end(), isVisible) == 1)
+        std::find_if(channels.begin(), channels.end(), isVisible)->colour = Channel{}.colour;
+    DisplaySettings settings;
+    settings.channels = std::move(channels);
+    if (options_.lut && options_.pseudoChannel >= 0 && options_.pseudoChannel < model_.size())
+        settings.pseudo = PseudoColour{static_cast<std::size_t>(options_.pseudoChannel), lut_};
+    settings.annotation = options_.annotation;
+    settings.marksSaturated = options_.marksSaturated;
+    settings.isLive = isRunning();
+    return settings;
 }
 
-void Viewer::updateView() {
-    ++revision_;
-    View wanted = view();
-    const std::vector<Channel> requested = model_.requested();
-    for (std::size_t i = 0; i < requested.size(); ++i)
-        wanted.channels[i].levels = requested[i].levels;
-    loop_.setView(wanted);
+/// With the numbers of all levels.
+DisplaySettings Viewer::shownSettings() const {
+    std::vector<Channel> channels = model_.channels();
+    for (Channel& channel : channels)
+        channel.levels = channel.levels.value_or(ContrastLimits{});
+    return settings(std::move(channels));
 }
 
-void Viewer::takePicture() {
-    if (!loop_.take(shown_))
+void Viewer::updateSettings() {
+    DisplaySettings wanted = settings(model_.requested());
+    if (requested_ && *requested_ == wanted)
         return;
-    if (!hasSource() || shown_.revision < oldest_) { // of what was shown before
-        shown_ = {};
+    wanted.revision = ++revision_;
+    requested_ = wanted;
+    loop_.setSettings(wanted);
+}
+
+void Viewer::takeImage() {
+    if (!loop_.take(rendered_))
+        return;
+    if (!hasSource() || rendered_.revision < oldest_) { // of what was shown before
+        rendered_ = {};
         return;
     }
     constexpr int often = 100; // milliseconds: numbers that change faster cannot be read
     const bool isDue = !isRunning() || revision_ != adopted_ || sinceAdoption_.hasExpired(often);
-    if (shown_.revision == revision_ && isDue) {
+    if (rendered_.revision == revision_ && isDue) {
         adopted_ = revision_;
         sinceAdoption_.start();
-        if (model_.adopt(shown_.levels, shown_.measures))
-            updateView();
+        if (model_.adopt(rendered_.levels, rendered_.statistics))
+            updateSettings();
     }
-    emit pictureChanged();
+    emit imageChanged();
 }
 
-std::vector<int> Viewer::samplesAt(QPoint pixel) const {
-    std::vector<Channel> channels = model_.channels();
-    if (options_.table)
-        for (Channel& channel : channels)
-            channel.offset = {};
-    return loop_.samplesAt(pixel, channels);
+std::vector<int> Viewer::intensitiesAt(QPoint pixel) const {
+    return loop_.intensitiesAt(pixel, settings(model_.channels()));
 }
 
-} // namespace apps
+QImage Viewer::image() const {
+    const cv::Mat& screen = rendered_.screen;
+    if (screen.empty())
+        return {};
+    return QImage(screen.data, screen.cols, screen.rows, static_cast<int>(screen.step),
+                  QImage::Format_RGB32)
+        .copy();
+}
+
+QStringList Viewer::inputs() const {
+    QStringList inputs;
+    if (files_)
+        for (const ChannelFile& input : files_->files())
+            inputs << input.file;
+    return inputs;
+}
+
+void Viewer::saveImage(const QString& file) {
+    saver_.saveImage(file, inputs(), loop_.planes(), shownSettings());
+}
+
+void Viewer::saveSettings(const QString& file) {
+    saver_.saveSettings(file, inputs(), model_.channels());
+}
+
+QString Viewer::command() const {
+    if (!files_)
+        throw Error(hasSource() ? tr("There is no command for camera images: they are not in files")
+                                : tr("There are no channels"));
+    const DisplaySettings settings = shownSettings();
+    std::vector<ChannelFile> channels = files_->filesAt(std::max(rendered_.page, 1));
+    std::vector<QString> levels;
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        channels[i].channel = settings.channels[i];
+        levels.push_back(levelsText(*settings.channels[i].levels));
+    }
+    QStringList arguments{QStringLiteral("lumetra")};
+    if (settings.pseudo) {
+        const std::size_t i = settings.pseudo->channel;
+        arguments << pseudoArguments(channels[i], levels[i], *options_.lut, settings.annotation);
+    } else {
+        arguments << mergeArguments(channels, levels, settings.annotation, DyeList());
+    }
+    return shellLine(arguments + QStringList{QStringLiteral("-o"), QStringLiteral("image.png")});
+}
+
+} // namespace lumetra

@@ -1,26 +1,24 @@
-// The window: the picture, the panels around it, and what the actions do.
+// The window: the image, the panels around it, and what the actions do.
 #pragma once
 
+#include "apps/common/custom_dyes.h"
 #include "apps/viewer/actions.h"
-#include "apps/viewer/statistics.h"
+#include "apps/viewer/frame_monitor.h"
 #include "apps/viewer/viewer.h"
 
-#include <QElapsedTimer>
 #include <QMainWindow>
-#include <QTimer>
 
-class QComboBox;
 class QDoubleSpinBox;
-class QFrame;
-class QLabel;
-class QSlider;
 
-namespace apps {
+namespace lumetra {
 
 class Canvas;
 class ChannelPanel;
-class ColourBar;
-class CourseView;
+class LutBar;
+class LutBox;
+class MessageBar;
+class PageBar;
+class StatusLine;
 
 class Window : public QMainWindow {
     Q_OBJECT
@@ -30,28 +28,9 @@ public:
 
     Viewer& viewer() { return viewer_; }
     Actions& actions() { return *actions_; }
-    Canvas& canvas() { return *canvas_; }
-    ChannelPanel& panel() { return *panel_; }
-    const Statistics& statistics() const { return statistics_; }
 
-    /// Nanoseconds of the thread that the last picture took to be painted.
-    std::int64_t paintingTime() const { return paintingTime_; }
-
-    /// Starts a simulated camera.
-    /// @param channels  2 to 4; 0 films the files that are open.
-    void startCamera(int channels, int side = 2048);
-
-    /// The problem that the window speaks of; empty if there is none.
-    QString problem() const;
-
-    /// Chooses a table of colours by its name, or a file, which can be chosen from then on.
-    void useTable(const QString& nameOrFile);
-
-    /// Asks for the size of a pixel.
-    void askPixelSize();
-
-    /// Replaces the user's own dyes, and keeps them.
-    void setOwnDyes(const QMap<QString, QColor>& dyes);
+    /// Replaces the user's custom dyes, and keeps them.
+    void setCustomDyes(const CustomDyes& dyes);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -60,65 +39,55 @@ protected:
 
 private:
     void makeCentre();
-    void makeDocks();
+    void makeDock();
     void makeToolBar();
-    void makeStatusBar();
-    QWidget* makeMessageBar();
-    QWidget* makePageBar();
+    template<class Do>
+    void on(ActionId id, const Do& action);
     void connectViewer();
     void connectFileActions();
     void connectFrameActions();
     void connectViewActions();
-    void connectChannelActions();
+    void restoreState();
+    void saveState();
+    void restoreCustomDyes();
 
     void askAndOpen(bool adds);
-    void askAndSave();
+    void askAndSaveImage();
     void askAndSaveSettings();
+    void askPixelSize();
     void copyCommand();
-    void editOwnDyes();
-    void chooseTable(int index);
-    void addTable(const QString& nameOrFile);
+    void editCustomDyes();
+    void showAbout();
+    void showShortcuts();
 
-    void showPicture();
+    void showImage();
     void showSource();
-    void showSamples(QPoint pixel);
-    void showProblem(const QString& reason);
-    void showStatus();
+    void showIntensities(QPoint pixel);
+    void showChannels();
+    void showError(const QString& reason);
     void updateOptions();
-    void updateScaleBar(ViewOptions& options) const;
-    void tick();
-    void watchForStall();
-    void restore();
-    void keep();
+    std::optional<ScaleBar> scaleBar() const;
 
     Viewer viewer_;
-    Statistics statistics_;
+    FrameMonitor monitor_{viewer_};
     Canvas* canvas_ = nullptr;
     ChannelPanel* panel_ = nullptr;
-    ColourBar* colourBar_ = nullptr;
-    CourseView* course_ = nullptr;
-    std::unique_ptr<Actions> actions_;
-    QFrame* messageBar_ = nullptr;
-    QLabel *message_ = nullptr, *samples_ = nullptr, *zoom_ = nullptr, *pace_ = nullptr,
-           *gamma_ = nullptr, *pageText_ = nullptr;
-    QWidget* pageBar_ = nullptr;
-    QSlider* page_ = nullptr;
-    QComboBox* table_ = nullptr;
+    LutBar* lutBar_ = nullptr;
+    LutBox* lutBox_ = nullptr;
+    MessageBar* messageBar_ = nullptr;
+    PageBar* pageBar_ = nullptr;
+    StatusLine* statusLine_ = nullptr;
     QDoubleSpinBox* rate_ = nullptr;
-    QTimer second_;
-    QElapsedTimer sinceTick_, sinceFrame_;
-    std::uint64_t framesAtTick_ = 0, droppedBefore_ = 0;
+    std::unique_ptr<Actions> actions_;
     QPoint pointed_{-1, -1};
-    int shownWidth_ = 0;
-    std::int64_t paintingTime_ = 0;
-    QString renderProblem_, chosenTable_;
-    QMap<QString, QColor> ownDyes_;
+    int imageWidth_ = 0;
+    QString renderProblem_;
+    CustomDyes customDyes_;
     double pixelSize_ = 0; ///< Micrometres; 0 until it is known.
-    bool isStalled_ = false;
 };
 
-/// A round length, 1, 2 or 5 times a power of ten, of about a fifth of a picture.
-/// @param micrometres  The width of the picture.
+/// A round length, 1, 2 or 5 times a power of ten, of about a fifth of an image.
+/// @param micrometres  The width of the image.
 double roundLength(double micrometres);
 
-} // namespace apps
+} // namespace lumetra

@@ -1,4 +1,4 @@
-"""Measures `lumetra batch` beside the bare reading and writing of its files and a plain program.
+"""Compares `lumetra batch` with only reading and writing its files, and with a simple program.
 
 usage: report.py LUMETRA FIELDS_BENCH FOLDER [FIELDS]
 """
@@ -13,16 +13,16 @@ LUMETRA, BENCH, FOLDER = sys.argv[1:4]
 FIELDS = int(sys.argv[4]) if len(sys.argv) > 4 else 200
 JOBS = len(os.sched_getaffinity(0))
 JOBS_TRIED = sorted({1, JOBS})
-LEVELS = "200:3200"  # given, so that one pass is measured beside one pass
+LEVELS = "200:3200"  # fixed, so that both sides make one pass
 
 
-# Memory is kept from picture to picture, as the command keeps it.
+# Memory is kept from image to image, as the command does.
 KEEPS_MEMORY = {"GLIBC_TUNABLES": "glibc.malloc.mmap_threshold=33554432:"
                                   "glibc.malloc.trim_threshold=268435456"}
 
 
 def run(command, more_environment={}):
-    """Seconds, seconds of the processors, and peak memory (MiB) of a command."""
+    """Wall time and processor time in seconds, and peak memory (MiB), of a command."""
     start = time.perf_counter()
     process = subprocess.Popen(command, stderr=subprocess.DEVNULL,
                                env={**os.environ, **more_environment})
@@ -41,17 +41,17 @@ def batch(count, extension, jobs=JOBS):
                 "-o", out + "/{field}" + extension])
 
 
-def keep_picture(extension):
-    """One of the pictures that were made last, to be written by those who make none."""
-    picture = f"{FOLDER}/picture{extension}"
-    shutil.copy(f"{FOLDER}/out/f1000{extension}", picture)
-    return picture
+def keep_image(extension):
+    """A copy of one of the last images, for the runs that only write."""
+    image = f"{FOLDER}/image{extension}"
+    shutil.copy(f"{FOLDER}/out/f1000{extension}", image)
+    return image
 
 
-def beside(mode, count, extension, *picture, jobs=JOBS, more_environment={}):
+def beside(mode, count, extension, *image, jobs=JOBS, more_environment={}):
     out = f"{FOLDER}/out"
     shutil.rmtree(out, ignore_errors=True)
-    return run([BENCH, mode, f"{FOLDER}/{count}", str(count), out, extension, str(jobs), *picture],
+    return run([BENCH, mode, f"{FOLDER}/{count}", str(count), out, extension, str(jobs), *image],
                more_environment)
 
 
@@ -61,17 +61,17 @@ def best(measure, *arguments, times=2, **named):
 
 
 def against_floor(few):
-    print(f"{FIELDS} fields of 2 x 2048 x 2048 pixels, 16 bits, {JOBS} at once; fields a second, "
+    print(f"{FIELDS} fields of 2 x 2048 x 2048 pixels, 16 bits, {JOBS} at once; fields per second, "
           "the better of two runs")
-    print("| to | lumetra batch | reading and writing alone | share of that "
-          "| share by processor time | plain OpenCV program | MiB for "
+    print("| output format | lumetra batch | only reading and writing | ratio "
+          "| ratio of processor time | simple OpenCV program | MiB for "
           f"{few} | MiB for {FIELDS} |")
     print("|---|---|---|---|---|---|---|---|")
     for extension in (".png", ".tif"):
         seconds, work, many = best(batch, FIELDS, extension)
         memory = batch(few, extension)[-1]
-        picture = keep_picture(extension)
-        floor, floor_work, _ = best(beside, "floor", FIELDS, extension, picture)
+        image = keep_image(extension)
+        floor, floor_work, _ = best(beside, "floor", FIELDS, extension, image)
         plain = best(beside, "plain", FIELDS, extension)[0]
         print(f"| {extension[1:].upper()} | {FIELDS / seconds:.1f} | {FIELDS / floor:.1f} "
               f"| {floor / seconds:.2f} | {floor_work / work:.2f} | {FIELDS / plain:.1f} "
@@ -79,9 +79,9 @@ def against_floor(few):
 
 
 def by_cores(count):
-    """What a field costs, and how that spreads over cores."""
-    print(f"{count} fields of the same, by cores; milliseconds of a processor for each field")
-    print("| to | " + "".join(f"fields a second, {jobs} at once | MiB | " for jobs in JOBS_TRIED)
+    """The cost of a field, and how it scales with cores."""
+    print(f"{count} such fields, by number of cores; processor time in milliseconds per field")
+    print("| output format | " + "".join(f"fields per second, {jobs} at once | MiB | " for jobs in JOBS_TRIED)
           + "reading | writing | all else |")
     print("|---|" + "---|---|" * len(JOBS_TRIED) + "---|---|---|")
     for extension in (".png", ".tif"):
@@ -92,9 +92,9 @@ def by_cores(count):
             if jobs == 1:
                 total = work
         alone = {"jobs": 1, "more_environment": KEEPS_MEMORY}
-        picture = keep_picture(extension)
+        image = keep_image(extension)
         reading = best(beside, "read", count, extension, **alone)[1]
-        writing = best(beside, "write", count, extension, picture, **alone)[1]
+        writing = best(beside, "write", count, extension, image, **alone)[1]
         for part in (reading, writing, total - reading - writing):
             row.append(f"{1000 * part / count:.0f}")
         print(f"| {extension[1:].upper()} | " + " | ".join(row) + " |", flush=True)

@@ -1,11 +1,11 @@
-# Completion of the command lumetra for bash: commands, options as the help has them, dyes, tables.
+# Completion of the command lumetra for bash: commands, options as the help has them, dyes, LUTs.
 
 _lumetra() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} program=${COMP_WORDS[0]}
   local IFS=$'\n'
   COMPREPLY=()
   if [ "$COMP_CWORD" = 1 ]; then
-    COMPREPLY=($(compgen -W "$("$program" --help | awk '/^Subcommands:/ { on = 1; next } on && /^  [a-z]/ { print $1 }')
+    COMPREPLY=($(compgen -W "$("$program" --help | awk '/^Commands:/ { on = 1; next } /^$/ { on = 0 } on && /^  [a-z]/ { print $1 }')
 --help
 --version" -- "$word"))
     return
@@ -22,13 +22,13 @@ _lumetra() {
   case $before in
     --levels) COMPREPLY=($(compgen -W $'auto\nclip:\nnone' -- "$word")) ;;
     --levels-over) COMPREPLY=($(compgen -W $'dataset\nfield' -- "$word")) ;;
-    --table)
-      COMPREPLY=($(compgen -W "$("$program" pseudo --help | sed -n 's/.*Names: //p' | tr -d ' ' | tr , '\n')" -- "$word")
+    --lut)
+      COMPREPLY=($(compgen -W "$("$program" pseudo --help | sed -n '/Names:/,/^  -/ { s/.*Names://; /^  -/d; p }' | tr -d ' ' | tr , '\n')" -- "$word")
         $(compgen -f -X '!*.lut' -- "$word"))
       ;;
     *)
       if [[ $word == -* ]]; then
-        COMPREPLY=($(compgen -W "$("$program" "${COMP_WORDS[1]}" --help | grep -oE -- '^ +(-[a-z],)?--[a-z-]+' | grep -oE -- '--[a-z-]+')" -- "$word"))
+        COMPREPLY=($(compgen -W "$("$program" "${COMP_WORDS[1]}" --help | grep -oE -- '^ +(-[a-z], )?--[a-z-]+' | grep -oE -- '--[a-z-]+')" -- "$word"))
       else
         compopt -o filenames
         COMPREPLY=($(compgen -f -- "$word"))

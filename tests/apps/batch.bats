@@ -3,7 +3,7 @@
 bats_require_minimum_version 1.5.0
 load setup.bash
 
-@test "a batch makes a picture of each field, whatever the number of jobs" {
+@test "a batch renders an image of each field, whatever the number of jobs" {
   run --separate-stderr plate -o 'out/{field}.png' --jobs 1
   [ "$status" = 0 ]
   [[ $stderr == *"10 fields: f00, f01, "* ]]
@@ -38,7 +38,7 @@ load setup.bash
   [ "$(sum batch)" = "$(sum lines)" ]
 }
 
-@test "levels of the data set, kept as settings, give the pictures of the first pass" {
+@test "levels of the data set, kept as settings, give the images of the first pass" {
   plate -o 'out/{field}.png' --quiet
   lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC+3-2 \
     -o plate.json --quiet --jobs 3
@@ -63,11 +63,11 @@ load setup.bash
   done
 }
 
-@test "patterns match folders, repeated parts, braces and lists of files" {
+@test "patterns match folders, repeated placeholders, braces and lists of files" {
   mkdir -p 'deep/a/1{x}' 'deep/b/1{x}' deep/b/c
   cp a.tif 'deep/a/1{x}/a_g.tif'
   cp a.tif 'deep/b/1{x}/b_g.tif'
-  cp a.tif 'deep/b/1{x}/a_g.tif' # the part is repeated, but not the same
+  cp a.tif 'deep/b/1{x}/a_g.tif' # the placeholder is repeated, but its text differs
   run --separate-stderr lumetra batch 'deep/{well}/{site}{{x}}/{well}_{channel}.tif' \
     --channel g=FITC -o 'out/{well}-{site}.png'
   [ "$status" = 0 ]
@@ -83,31 +83,30 @@ load setup.bash
 }
 
 @test "what makes no sense is refused before work starts" {
+  before=$(sum .)
   fails 3 "no file matches nowhere" lumetra batch 'nowhere/{field}.tif' --channel a=DAPI -o '{field}.png'
   fails 2 "fields f00 and f01 have the same output x.png" plate -o x.png --quiet
-  fails 2 "no part {site}" plate -o '{site}.png' --quiet
-  fails 2 "no part {channel}" plate -o '{channel}.png' --quiet
-  fails 2 "no plain name" lumetra batch 'plate/{field_{channel}.tif' --channel a=DAPI -o '{field}.png'
-  fails 2 "brace" lumetra batch 'plate/{field' --channel a=DAPI -o '{field}.png'
-  fails 2 "needs a part {channel}" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel b=FITC -o '{field}.png'
-  fails 2 "there twice" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel a=FITC -o '{field}.png'
+  fails 2 "no placeholder {site}; there is {field}" plate -o '{site}.png' --quiet
+  fails 2 "no placeholder {channel}" plate -o '{channel}.png' --quiet
+  fails 2 "placeholder {field_{channel}, which is not a valid name" lumetra batch 'plate/{field_{channel}.tif' --channel a=DAPI -o '{field}.png'
+  fails 2 "has an unmatched brace" lumetra batch 'plate/{field' --channel a=DAPI -o '{field}.png'
+  fails 2 "needs the placeholder {channel}" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel b=FITC -o '{field}.png'
+  fails 2 "channel \"a\" is given twice" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel a=FITC -o '{field}.png'
   fails 2 "no channels" lumetra batch 'plate/{field}.tif' -o '{field}.png'
-  fails 2 "is an input and the output" lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o 'plate/{field}_dapi.tif' --overwrite --quiet
-  before=$(sum plate)
+  fails 2 "is an input and also the output" lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o 'plate/{field}_dapi.tif' --overwrite --quiet
   for option in --log --progress; do
-    fails 1 "plate/f03_dapi.tif: is an input" plate -o '{field}.png' --quiet $option plate/f03_dapi.tif
+    fails 1 "plate/f03_dapi.tif: is also an input" plate -o '{field}.png' --quiet $option plate/f03_dapi.tif
   done
-  fails 1 "plate/f03_dapi.tif: is an input" lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o plate/f03_dapi.tif
-  [ "$(sum plate)" = "$before" ]
+  fails 1 "plate/f03_dapi.tif: is also an input" lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o plate/f03_dapi.tif
   fails 2 "--log" plate -o '{field}.png' --resume
   mkfifo pipe
   for output in plate pipe; do
-    fails 1 "$output: is not a file that could be replaced" lumetra levels \
+    fails 1 "$output: is not a regular file" lumetra levels \
       'plate/{field}_{channel}.tif' --channel dapi=DAPI -o $output
   done
   [ -p pipe ]
   fails 1 ".png, .tif" plate -o '{field}.bmp' --quiet
-  [ -z "$(find . -name '*.png' -newer plate)" ]
+  [ "$(sum .)" = "$before" ]
 }
 
 @test "no file is read and written, or written twice, by whatever name" {
@@ -118,15 +117,15 @@ load setup.bash
   ln set.json hard.json
   before=$(sum .)
   one() { lumetra batch 'plate/{field}_{channel}.tif' --settings set.json -o 'new/{field}.png' "$@"; }
-  fails 1 "is an input" one --log hard.json
-  fails 1 "is an input" one --files-from list --progress ./list
+  fails 1 "is also an input" one --log hard.json
+  fails 1 "is also an input" one --files-from list --progress ./list
   fails 1 "written twice" one --log x --progress ./new/../x
   fails 1 "written twice" plate -o 'out/{field}.png' --overwrite --log linked/f01.png
-  fails 1 "is an input" lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI \
+  fails 1 "is also an input" lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI \
     --files-from list -o list
   fails 1 "written twice" lumetra merge a.tif=DAPI -o new.png --log new.png
   fails 1 "written twice" lumetra gallery out -o g.html --progress g.html
-  fails 1 "is an input" lumetra gallery out -o g.html --progress linked/f02.png
+  fails 1 "is also an input" lumetra gallery out -o g.html --progress linked/f02.png
   [ "$(sum .)" = "$before" ]
   mkdir real
   ln -s real link
@@ -144,7 +143,7 @@ load setup.bash
   run --separate-stderr plate -o 'out/{field}.png' --log log --quiet
   [ "$status" = 1 ]
   [ "$(ls out | wc -l)" = 7 ]
-  [[ $stderr == *'field f03: the channel "actin" is missing: there is no plate/f03_actin.tif'* ]]
+  [[ $stderr == *'field f03: channel "actin" is missing: there is no plate/f03_actin.tif'* ]]
   [[ $stderr == *"field f05: plate/f05_dapi.tif"*"cut short"* ]]
   [[ $stderr == *"field f07: "*"different sizes"* ]]
   [[ $stderr == *"3 of 10 fields failed"* ]]
@@ -159,7 +158,7 @@ load setup.bash
 @test "files of one channel in two depths have no levels in common" {
   cp b.png plate/f04_dapi.tif
   cp b.png plate/f04_actin.tif
-  fails 1 "another depth" plate -o 'x/{field}.png' --quiet
+  fails 1 "different bit depth" plate -o 'x/{field}.png' --quiet
 }
 
 @test "a field that is there is not replaced unasked" {
@@ -173,7 +172,7 @@ load setup.bash
   run ! [ "$(sum out)" = "$before" ]
 }
 
-@test "a field is passed over only if all is as it was" {
+@test "a field is skipped only if all is as it was" {
   done_again() { plate -o 'out/{field}.png' --log log --resume --quiet "$@" && grep -c . log; }
   [ "$(done_again)" = 10 ]
   [ "$(done_again)" = 10 ]
@@ -193,5 +192,5 @@ load setup.bash
 @test "progress goes to a file in lines for programs" {
   plate -o 'out/{field}.png' --quiet --progress progress
   grep -q '^work=measuring$' progress
-  [ "$(tail -n 7 progress | grep -vE 'per_second|seconds_left')" = $'work=making\ntotal=10\ndone=10\nfailed=0\nprogress=end' ]
+  [ "$(tail -n 7 progress | grep -vE 'per_second|seconds_left')" = $'work=rendering\ntotal=10\ndone=10\nfailed=0\nprogress=end' ]
 }

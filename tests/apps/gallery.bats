@@ -1,4 +1,4 @@
-# Pages of pictures, and the logs that they are made from.
+# Pages of images, and the logs that they are made from.
 
 bats_require_minimum_version 1.5.0
 load setup.bash
@@ -11,15 +11,15 @@ named_by() {
     done
 }
 
-pictures() { # usage: pictures NAME...    a picture file under each of the names
+images() { # usage: images NAME...    an image file under each of the names
   for name in "$@"; do
     mkdir -p "$(dirname "$name")"
     cp b.png "$name"
   done
 }
 
-@test "a gallery links each picture, whatever its name, and a small one of it" {
-  pictures out/plain.png "out/a b/it's <b>&amp; \"x\" 100%.png" out/a+b#1?.png out/é:ü.png
+@test "a gallery links each image, whatever its name, and a small one of it" {
+  images out/plain.png "out/a b/it's <b>&amp; \"x\" 100%.png" out/a+b#1?.png out/é:ü.png
   cp a.tif out/deep.tif
   cp stack.tif out/stack.TIFF
   cp colour.jpg out/c.jpg
@@ -38,79 +38,79 @@ pictures() { # usage: pictures NAME...    a picture file under each of the names
   mkdir -p pages
   (cd pages && lumetra gallery ../out -o here.html --quiet)
   named_by pages/here.html | while read -r file; do [ -s "$file" ]; done
-  # Its own thumbnails, and those of other pages, are no pictures.
+  # Its own thumbnails, and those of other pages, are no images.
   lumetra gallery out -o out/index.html --quiet
   lumetra gallery out -o out/index.html --quiet --overwrite
   [ "$(named_by out/index.html | wc -l)" = 14 ]
 }
 
-@test "a thumbnail is made anew for a picture that is another one, and kept otherwise" {
-  pictures out/one.png out/two.png
+@test "a thumbnail is made anew for an image that is another one, and kept otherwise" {
+  images out/one.png out/two.png
   lumetra gallery out -o index.html --quiet
   sum=$(sha256sum <index_thumbnails/one.png.jpg)
   before=$(stat -c %i index_thumbnails/two.png.jpg)
   lumetra dye c.tif=FITC -o out/one.png --overwrite --quiet
-  touch -d '2001-01-01' out/one.png # older than the thumbnail, and yet another picture
+  touch -d '2001-01-01' out/one.png # older than the thumbnail, and yet another image
   lumetra gallery out -o index.html --quiet --overwrite
   run ! [ "$sum" = "$(sha256sum <index_thumbnails/one.png.jpg)" ]
   [ "$before" = "$(stat -c %i index_thumbnails/two.png.jpg)" ]
 }
 
 @test "wells are set in rows and columns, plate by plate" {
-  pictures out/P01_B03_F01.png out/P01_B03_F02.png out/P01_C11_F01.png out/P02_AA02_F01.png out/x.png
+  images out/P01_B03_F01.png out/P01_B03_F02.png out/P01_C11_F01.png out/P02_AA02_F01.png out/x.png
   lumetra gallery out -o index.html --quiet
   grep -q '<h2>P01</h2>' index.html
   grep -q '<h2>P02</h2>' index.html
-  grep -q '<h2>Without a well</h2>' index.html
+  grep -q '<h2>Not in a well</h2>' index.html
   tr -d '\n' <index.html >page
-  # Nine columns from 3 to 11, two rows; the first well holds two pictures, the last one one.
+  # Nine columns from 3 to 11, two rows; the first well holds two images, the last one one.
   grep -qE '<span>3</span>.*<span>11</span></div><div class="row"><b class="head">B</b><div class="well"><a[^>]*B03_F01\.png".*B03_F02\.png"' page
   grep -qE '<b class="head">C</b>(<div class="well"></div>){8}<div class="well"><a[^>]*C11_F01\.png"' page
   grep -qE '<b class="head">AA</b><div class="well"><a[^>]*AA02' page
   lumetra gallery out -o list.html --quiet --list
   run ! grep -q 'class="well"' list.html
-  pictures names/Well1.png names/T100.png names/B03x.png names/2B03.png # nothing of it is a well
+  images names/Well1.png names/T100.png names/B03x.png names/2B03.png # nothing of it is a well
   lumetra gallery names -o names.html --quiet
   run ! grep -q 'class="well"' names.html
 }
 
-@test "what a batch logged is told: channels, levels, and broken fields with their reason" {
+@test "what a batch logged is told: channels, levels, and failed fields with their reason" {
   rm plate/f03_actin.tif
   head -c 9000 plate/f05_dapi.tif >cut
   mv cut plate/f05_dapi.tif
   run plate -o 'out/{field}.png' --log log --quiet
   run --separate-stderr lumetra gallery out -o index.html --log log
   [ "$status" = 0 ]
-  [ "$stderr" = "lumetra: index.html: 10 pictures, 2 of them broken" ]
-  grep -q 'dapi: DAPI <span class="muted">levels [0-9]* to [0-9]*<' index.html
-  grep -q '>f03</a>: the channel &quot;actin&quot; is missing' index.html
+  [ "$stderr" = "lumetra: index.html: 10 images, 2 of them failed" ]
+  grep -q 'dapi: DAPI <span class="muted">contrast limits [0-9]* to [0-9]*<' index.html
+  grep -q '>f03</a>: channel &quot;actin&quot; is missing' index.html
   grep -q '>f05</a>: plate/f05_dapi.tif' index.html
-  [ "$(grep -c 'class="tile broken"' index.html)" = 2 ]
-  # The last word counts: mended and made again; and what was made may have gone.
+  [ "$(grep -c 'class="tile failed"' index.html)" = 2 ]
+  # The latest entry counts: mended and rendered again; and an image may have gone.
   cp plate/f04_dapi.tif plate/f05_dapi.tif
   run plate -o 'out/{field}.png' --log log --quiet --resume
   rm out/f00.png
   lumetra gallery out -o index.html --log log --quiet --overwrite
-  grep -q '>f00</a>: was made, and is not there any more' index.html
+  grep -q '>f00</a>: was rendered, but the file is missing' index.html
   run ! grep -q 'f05</a>:' index.html
   mkdir away
-  (cd away && fails 0 "no picture in ../out" lumetra gallery ../out -o g.html --log ../log --quiet)
-  # Through a link, and where levels changed: the last word of each picture alone counts.
+  (cd away && fails 0 "no image in ../out" lumetra gallery ../out -o g.html --log ../log --quiet)
+  # Through a link, and where levels changed: the latest entry of each image alone counts.
   ln -s out link
   plate -o 'out/{field}.png' --levels 9:60000 --overwrite --log log --quiet || true
   (cd "$BATS_TEST_TMPDIR/work" && lumetra gallery link -o link.html --log log --quiet)
-  grep -q 'DAPI <span class="muted">levels 9 to 60000<' link.html
+  grep -q 'DAPI <span class="muted">contrast limits 9 to 60000<' link.html
   lumetra merge plate/f00_dapi.tif=DAPI plate/f00_actin.tif=FITC+3-2 -o out/f00.png --overwrite --quiet \
     --levels 9:60000 --log log
   lumetra gallery out -o mixed.html --log log --quiet
-  grep -q '</span>DAPI <span class="muted">levels 9 to 60000<' mixed.html
+  grep -q '</span>DAPI <span class="muted">contrast limits 9 to 60000<' mixed.html
   plate -o 'own/{field}.png' --log own.log --quiet --levels-over field || true
   lumetra gallery own -o own.html --log own.log --quiet
-  grep -q 'levels of each picture (clip:0.1)' own.html
+  grep -q 'contrast limits of each image (clip:0.1)' own.html
   lumetra gallery out -o set.html --quiet --settings <(printf \
     '{"channels":[{"dye":"FITC","levels":[7,9]}],"measured":{"method":"auto","files":20}}')
-  grep -q 'FITC <span class="muted">levels 7 to 9<' set.html
-  grep -q 'Levels measured over 20 files (auto)' set.html
+  grep -q 'FITC <span class="muted">contrast limits 7 to 9<' set.html
+  grep -q 'Contrast limits measured over 20 files (auto)' set.html
 }
 
 @test "lines of a dry run that work at the same time share a log" {
@@ -127,19 +127,19 @@ pictures() { # usage: pictures NAME...    a picture file under each of the names
   run plate --levels 9:60000 -o 'out/{field}.png' --quiet --log 'the log' --dry-run --resume
   [ "${#lines[@]}" = 3 ] # the broken field, what is wrong with the other one, and how many
   lumetra gallery out -o index.html --log 'the log' --quiet
-  grep -q '>f08</a>: the channel &quot;actin&quot; is missing' index.html
-  [ "$(grep -c 'class="tile broken"' index.html)" = 2 ]
+  grep -q '>f08</a>: channel &quot;actin&quot; is missing' index.html
+  [ "$(grep -c 'class="tile failed"' index.html)" = 2 ]
   grep -q '>f09</a>: .*different sizes' index.html
   before=$(sum plate)
-  fails 1 "is an input" lumetra merge plate/f01_dapi.tif=DAPI -o x.png --log plate/f01_dapi.tif
+  fails 1 "is also an input" lumetra merge plate/f01_dapi.tif=DAPI -o x.png --log plate/f01_dapi.tif
   [ "$before" = "$(sum plate)" ]
 }
 
-@test "what makes no gallery is refused, and a broken picture is told by name" {
+@test "what makes no gallery is refused, and a broken image is told by name" {
   mkdir empty
-  pictures out/a.png
-  fails 3 "no picture in empty" lumetra gallery empty -o index.html
-  fails 1 "nowhere: is no folder" lumetra gallery nowhere -o index.html
+  images out/a.png
+  fails 3 "no image in empty" lumetra gallery empty -o index.html
+  fails 1 "nowhere: is not a folder" lumetra gallery nowhere -o index.html
   fails 1 "written as .html" lumetra gallery out -o out/a.png --overwrite
   fails 1 "nolog" lumetra gallery out -o index.html --log nolog
   echo mine >index.html
@@ -151,8 +151,8 @@ pictures() { # usage: pictures NAME...    a picture file under each of the names
   [[ $stderr == *"out/cut.png"* ]]
   grep -q '>cut</a>: out/cut.png' index.html
   grep -q 'href="out/a.png"' index.html
-  fails 1 "cannot be written" lumetra gallery out -o b.png/index.html
+  fails 1 "b.png: is not a folder that can be written" lumetra gallery out -o b.png/index.html
   echo mine >other_thumbnails
-  fails 1 "other_thumbnails: cannot be written into" lumetra gallery out -o other.html
+  fails 1 "other_thumbnails: is not a folder that can be written" lumetra gallery out -o other.html
   [ "$(cat other_thumbnails)" = mine ] && [ ! -e other.html ]
 }

@@ -1,9 +1,12 @@
 // Writes the picture files that the tests of the command read, good and bad ones, into a folder.
 
-#include "apps/common/stack.h"
-#include "apps/common/writing.h"
+#include "imageio/image_file.h"
+#include "imageio/image_writer.h"
+#include "imageio/output_conflicts.h"
+#include "imageio/output_format.h"
+#include "imageio/tiff_writer.h"
 
-#include "planes.h"
+#include "tests/render/planes.h"
 
 #include <opencv2/imgproc.hpp>
 
@@ -12,9 +15,9 @@
 
 #include <tiffio.h>
 
-namespace {
+using namespace lumetra;
 
-using apps::noisePlane;
+namespace {
 
 /// Blurred, so that pictures look like pictures and files are small.
 cv::Mat plane(cv::Size size, int type, int seed) {
@@ -24,7 +27,7 @@ cv::Mat plane(cv::Size size, int type, int seed) {
 }
 
 void writeStack(const QString& file, int pages, int seed) {
-    apps::StackWriter writer(file, 0);
+    TiffWriter writer(file, Existing::replace, 0);
     for (int i = 0; i < pages; ++i)
         writer.add(plane({64, 48}, CV_16UC1, seed + i));
     writer.commit();
@@ -65,7 +68,7 @@ void writePlate(const QString& folder, int count) {
         for (int channel = 0; channel < 2; ++channel) {
             const cv::Mat samples = plane({200, 160}, CV_16UC1, 2 * i + channel);
             const cv::Mat darker = i % 2 ? cv::Mat(samples / 2) : samples;
-            apps::writePicture(field + (channel ? "actin.tif" : "dapi.tif"), darker);
+            writeImage(field + (channel ? "actin.tif" : "dapi.tif"), darker, Existing::replace);
         }
     }
 }
@@ -75,12 +78,12 @@ void writePlate(const QString& folder, int count) {
 int main(int argc, char** argv) {
     if (argc != 2 || !QDir::setCurrent(QFile::decodeName(argv[1])))
         return 2;
-    apps::writePicture("a.tif", plane({64, 48}, CV_16UC1, 1));
-    apps::writePicture("b.png", plane({64, 48}, CV_8UC1, 2));
-    apps::writePicture("c.tif", plane({64, 48}, CV_16UC1, 3));
-    apps::writePicture("small.png", plane({32, 48}, CV_8UC1, 3));
-    apps::writePicture("colour.png", plane({192, 48}, CV_8UC1, 4).reshape(3));
-    apps::writePicture("colour.jpg", plane({192, 48}, CV_8UC1, 4).reshape(3));
+    writeImage("a.tif", plane({64, 48}, CV_16UC1, 1), Existing::replace);
+    writeImage("b.png", plane({64, 48}, CV_8UC1, 2), Existing::replace);
+    writeImage("c.tif", plane({64, 48}, CV_16UC1, 3), Existing::replace);
+    writeImage("small.png", plane({32, 48}, CV_8UC1, 3), Existing::replace);
+    writeImage("colour.png", plane({192, 48}, CV_8UC1, 4).reshape(3), Existing::replace);
+    writeImage("colour.jpg", plane({192, 48}, CV_8UC1, 4).reshape(3), Existing::replace);
     writeStack("stack.tif", 4, 10);
     writeStack("other.tif", 4, 20);
     writeStack("three.tif", 3, 30);

@@ -30,5 +30,5 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("lumetra"));
     QApplication::setApplicationName(QStringLiteral("lumetra-viewer-test"));
-    return QTest::qExec(apps::makeSuite().get(), argc, argv);
+    return QTest::qExec(lumetra::makeSuite().get(), argc, argv);
 }

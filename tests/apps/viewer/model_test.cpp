@@ -4,13 +4,13 @@
 
 #include <QAbstractItemModelTester>
 
-namespace apps {
+namespace lumetra {
 namespace {
 
-const std::vector<Measure> eightBitMeasures(int count) {
-    Measure measure;
-    measure.bits = 8;
-    return std::vector<Measure>(static_cast<size_t>(count), measure);
+const std::vector<ChannelStatistics> eightBitStatistics(int count) {
+    ChannelStatistics measured;
+    measured.bits = 8;
+    return std::vector<ChannelStatistics>(static_cast<size_t>(count), measured);
 }
 
 } // namespace
@@ -21,15 +21,15 @@ private slots:
     void isASoundTable();
     void levelsStayInOrder_data();
     void levelsStayInOrder();
-    void automaticLevelsAreTakenOnceOrFollowed();
+    void automaticLevelsAreTakenOnceOrAlways();
     void aClickShowsOneChannelAndTheNextAll();
     void aNudgeMovesAsFarAsNumbersGo();
     void dyesAreNamedInAnyCaseOrRefused();
-    void ownDyesColourTheirChannels();
+    void customDyesColourTheirChannels();
     void levelsAndSettingsAreHandedOn();
-    void measuresTellRangeConverterAndSaturation_data();
-    void measuresTellRangeConverterAndSaturation();
-    void aLiveMeasureLooksAtSomeRowsOnly();
+    void statisticsTellRangeBitDepthAndSaturation_data();
+    void statisticsTellRangeBitDepthAndSaturation();
+    void liveStatisticsLookAtSomeRowsOnly();
 };
 
 void ModelTest::isASoundTable() {
@@ -37,7 +37,7 @@ void ModelTest::isASoundTable() {
     const QAbstractItemModelTester tester(&model,
                                           QAbstractItemModelTester::FailureReportingMode::QtTest);
     model.setChannels({channelOf(Qt::red), channelOf(Qt::green)});
-    model.adopt({{1, 2}, {3, 4}}, eightBitMeasures(2));
+    model.adopt({{1, 2}, {3, 4}}, eightBitStatistics(2));
     model.solo(1);
     model.setChannels({channelOf(Qt::blue)});
     QCOMPARE(model.rowCount(), 1);
@@ -53,50 +53,50 @@ void ModelTest::isASoundTable() {
 }
 
 void ModelTest::levelsStayInOrder_data() {
-    QTest::addColumn<int>("column");
+    QTest::addColumn<bool>("isWhite");
     QTest::addColumn<int>("value");
     QTest::addColumn<int>("low");
     QTest::addColumn<int>("high");
-    QTest::newRow("black") << int(ChannelModel::blackColumn) << 30 << 30 << 200;
-    QTest::newRow("black beyond white") << int(ChannelModel::blackColumn) << 220 << 220 << 221;
-    QTest::newRow("black at the end") << int(ChannelModel::blackColumn) << 255 << 254 << 255;
-    QTest::newRow("white below black") << int(ChannelModel::whiteColumn) << 5 << 4 << 5;
-    QTest::newRow("white at nothing") << int(ChannelModel::whiteColumn) << 0 << 0 << 1;
-    QTest::newRow("white beyond 8 bits") << int(ChannelModel::whiteColumn) << 4095 << 10 << 255;
+    QTest::newRow("black") << false << 30 << 30 << 200;
+    QTest::newRow("black beyond white") << false << 220 << 220 << 221;
+    QTest::newRow("black at the end") << false << 255 << 254 << 255;
+    QTest::newRow("white below black") << true << 5 << 4 << 5;
+    QTest::newRow("white at nothing") << true << 0 << 0 << 1;
+    QTest::newRow("white beyond 8 bits") << true << 4095 << 10 << 255;
 }
 
 void ModelTest::levelsStayInOrder() {
-    QFETCH(int, column);
+    QFETCH(bool, isWhite);
     QFETCH(int, value);
     QFETCH(int, low);
     QFETCH(int, high);
     ChannelModel model;
     model.setChannels({channelOf(Qt::red)});
-    model.adopt({{10, 200}}, eightBitMeasures(1));
-    QVERIFY(model.setData(model.index(0, column), value, Qt::EditRole));
+    model.adopt({{10, 200}}, eightBitStatistics(1));
+    isWhite ? model.setWhiteLevel(0, value) : model.setBlackLevel(0, value);
     QCOMPARE(model.channel(0).levels->low, low);
     QCOMPARE(model.channel(0).levels->high, high);
 }
 
-void ModelTest::automaticLevelsAreTakenOnceOrFollowed() {
+void ModelTest::automaticLevelsAreTakenOnceOrAlways() {
     ChannelModel model;
-    model.setChannels({channelOf(Qt::red), channelOf(Qt::green, LevelRange{7, 8})});
+    model.setChannels({channelOf(Qt::red), channelOf(Qt::green, ContrastLimits{7, 8})});
     QVERIFY(!model.requested()[0].levels);
     QVERIFY(model.requested()[1].levels);
-    QVERIFY(model.adopt({{10, 20}, {30, 40}}, eightBitMeasures(2)));
-    QVERIFY((model.channel(0).levels == LevelRange{10, 20}));
-    QVERIFY((model.channel(1).levels == LevelRange{7, 8}));
+    QVERIFY(model.adopt({{10, 20}, {30, 40}}, eightBitStatistics(2)));
+    QVERIFY((model.channel(0).levels == ContrastLimits{10, 20}));
+    QVERIFY((model.channel(1).levels == ContrastLimits{7, 8}));
     QVERIFY(model.requested()[0].levels); // from now on they are the user's
 
-    model.followLevels(true);
-    QVERIFY(!model.adopt({{11, 21}, {31, 41}}, eightBitMeasures(2)));
-    QVERIFY((model.channel(1).levels == LevelRange{31, 41}));
+    model.setContinuousLevels(true);
+    QVERIFY(!model.adopt({{11, 21}, {31, 41}}, eightBitStatistics(2)));
+    QVERIFY((model.channel(1).levels == ContrastLimits{31, 41}));
     QVERIFY(!model.requested()[0].levels && !model.requested()[1].levels);
     model.setLevels(0, {1, 2}); // what is set by hand stays
-    model.adopt({{12, 22}, {32, 42}}, eightBitMeasures(2));
-    QVERIFY((model.channel(0).levels == LevelRange{1, 2}));
+    model.adopt({{12, 22}, {32, 42}}, eightBitStatistics(2));
+    QVERIFY((model.channel(0).levels == ContrastLimits{1, 2}));
 
-    QVERIFY(!model.adopt({{1, 2}}, eightBitMeasures(1))); // of a picture before
+    QVERIFY(!model.adopt({{1, 2}}, eightBitStatistics(1))); // of an image before
 }
 
 void ModelTest::aClickShowsOneChannelAndTheNextAll() {
@@ -123,41 +123,38 @@ void ModelTest::aNudgeMovesAsFarAsNumbersGo() {
     ChannelModel model;
     model.setChannels({channelOf(Qt::red)});
     model.nudge(0, {3, -2}); // to the right and up
-    QCOMPARE(model.channel(0).offset, QPoint(-3, 2));
+    QCOMPARE(model.channel(0).offset, cv::Point(-3, 2));
     QCOMPARE(model.index(0, ChannelModel::offsetColumn).data().toString(), QStringLiteral("→3 ↑2"));
     constexpr int most = std::numeric_limits<int>::max();
     model.nudge(0, {most, most});
     model.nudge(0, {most, most});
-    QCOMPARE(model.channel(0).offset.x(), std::numeric_limits<int>::min());
+    QCOMPARE(model.channel(0).offset.x, std::numeric_limits<int>::min());
 }
 
 void ModelTest::dyesAreNamedInAnyCaseOrRefused() {
     ChannelModel model;
     model.setChannels({channelOf(Qt::red)});
-    const auto cell = model.index(0, ChannelModel::dyeColumn);
-    QVERIFY(model.setData(cell, "dapi", Qt::EditRole));
-    QCOMPARE(model.channel(0).dye, QStringLiteral("DAPI"));
-    QVERIFY(model.setData(cell, "#12ab34", Qt::EditRole));
-    QCOMPARE(model.channel(0).colour, QColor("#12ab34"));
+    QVERIFY(model.setDye(0, "dapi"));
+    QCOMPARE(model.channel(0).dye, std::string("DAPI"));
+    QVERIFY(model.setDye(0, "#12ab34"));
+    QCOMPARE(toQt(model.channel(0).colour), QColor("#12ab34"));
     const QSignalSpy refused(&model, &ChannelModel::refused);
-    QVERIFY(!model.setData(cell, "DAPPI", Qt::EditRole));
-    QCOMPARE(model.channel(0).colour, QColor("#12ab34"));
+    QVERIFY(!model.setDye(0, "DAPPI"));
+    QCOMPARE(toQt(model.channel(0).colour), QColor("#12ab34"));
     QCOMPARE(refused.size(), 1);
     QVERIFY(refused[0][0].toString().contains("\"DAPI\""));
 }
 
-void ModelTest::ownDyesColourTheirChannels() {
+void ModelTest::customDyesColourTheirChannels() {
     ChannelModel model;
-    model.setCustomDyes({{"Mine", QColor("#010203")}});
+    model.setCustomDyes(asDyes({{"Mine", QColor("#010203")}}));
     model.setChannels({channelOf(Qt::red)});
-    QVERIFY(model.setData(model.index(0, ChannelModel::dyeColumn), "mine", Qt::EditRole));
-    QCOMPARE(model.channel(0).colour, QColor("#010203"));
-    model.setCustomDyes({{"Mine", QColor("#0a0b0c")}});
-    QCOMPARE(model.channel(0).colour, QColor("#0a0b0c"));
+    QVERIFY(model.setDye(0, "mine"));
+    QCOMPARE(toQt(model.channel(0).colour), QColor("#010203"));
+    model.setCustomDyes(asDyes({{"Mine", QColor("#0a0b0c")}}));
+    QCOMPARE(toQt(model.channel(0).colour), QColor("#0a0b0c"));
     model.setCustomDyes({});
     QVERIFY(!model.dyes().find("Mine"));
-    QCOMPARE(distinctColours(2), (std::vector<QColor>{"#ff00ff", "#00ff00"}));
-    QCOMPARE(distinctColours(6).size(), size_t(6));
 }
 
 void ModelTest::levelsAndSettingsAreHandedOn() {
@@ -166,18 +163,18 @@ void ModelTest::levelsAndSettingsAreHandedOn() {
     model.setLevels(0, {100, 4000});
     model.setGamma(0, 0.5);
     model.copyLevelsToAll(0);
-    QVERIFY((model.channel(2).levels == LevelRange{100, 4000}));
+    QVERIFY((model.channel(2).levels == ContrastLimits{100, 4000}));
     QCOMPARE(model.channel(2).gamma, 0.5);
     model.useFullRange(1, 12);
-    QVERIFY((model.channel(1).levels == LevelRange{0, 4095}));
+    QVERIFY((model.channel(1).levels == ContrastLimits{0, 4095}));
     model.useFullRange(1);
-    QVERIFY((model.channel(1).levels == LevelRange{0, 65535}));
-    model.applySettings({channelOf(Qt::cyan, LevelRange{1, 9})});
-    QCOMPARE(model.channel(0).colour, QColor(Qt::cyan));
-    QCOMPARE(model.channel(1).colour, QColor(Qt::green));
+    QVERIFY((model.channel(1).levels == ContrastLimits{0, 65535}));
+    model.applySettings({channelOf(Qt::cyan, ContrastLimits{1, 9})});
+    QCOMPARE(toQt(model.channel(0).colour), QColor(Qt::cyan));
+    QCOMPARE(toQt(model.channel(1).colour), QColor(Qt::green));
 }
 
-void ModelTest::measuresTellRangeConverterAndSaturation_data() {
+void ModelTest::statisticsTellRangeBitDepthAndSaturation_data() {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("largest");
     QTest::addColumn<int>("axis");
@@ -190,38 +187,38 @@ void ModelTest::measuresTellRangeConverterAndSaturation_data() {
     QTest::newRow("16 bits, full") << CV_16UC1 << 65535 << 65535 << 0.01;
 }
 
-void ModelTest::measuresTellRangeConverterAndSaturation() {
+void ModelTest::statisticsTellRangeBitDepthAndSaturation() {
     QFETCH(int, type);
     QFETCH(int, largest);
     cv::Mat plane(10, 10, type, cv::Scalar::all(3));
     plane(cv::Rect(4, 5, 1, 1)).setTo(largest);
-    Measure measure;
-    Measurer().measure(plane, false, measure);
-    QVERIFY((measure.range == LevelRange{3, largest}));
-    QTEST(measure.axis, "axis");
-    QTEST(measure.saturated, "saturated");
-    const auto bin = static_cast<size_t>(3 * Measure::bins / (measure.axis + 1));
-    QCOMPARE(measure.curve[bin], 1.F); // 99 of 100 samples
-    const auto sum = std::accumulate(measure.curve.begin(), measure.curve.end(), 0.0);
+    ChannelStatistics measured;
+    ChannelMeter().measure(plane, false, measured);
+    QVERIFY((measured.range == ContrastLimits{3, largest}));
+    QTEST(measured.axis, "axis");
+    QTEST(measured.saturated, "saturated");
+    const auto bin = static_cast<size_t>(3 * ChannelStatistics::bins / (measured.axis + 1));
+    QCOMPARE(measured.curve[bin], 1.F); // 99 of 100 pixels
+    const auto sum = std::accumulate(measured.curve.begin(), measured.curve.end(), 0.0);
     QVERIFY(sum > 1.1 && sum < 1.2); // log(1 + 1) beside log(1 + 99)
 }
 
-void ModelTest::aLiveMeasureLooksAtSomeRowsOnly() {
+void ModelTest::liveStatisticsLookAtSomeRowsOnly() {
     cv::Mat plane(4096, 512, CV_16UC1, cv::Scalar::all(500));
     plane.row(8).setTo(900); // among every eighth, or ninth, row
     plane.row(9).setTo(901);
     plane.row(11).setTo(60000);
-    Measure measure;
-    Measurer measurer;
-    measurer.measure(plane, true, measure);
-    QVERIFY(measure.range.high == 900 || measure.range.high == 901);
-    measurer.measure(plane, false, measure);
-    QCOMPARE(measure.range.high, 60000);
+    ChannelStatistics measured;
+    ChannelMeter meter;
+    meter.measure(plane, true, measured);
+    QVERIFY(measured.range.high == 900 || measured.range.high == 901);
+    meter.measure(plane, false, measured);
+    QCOMPARE(measured.range.high, 60000);
 }
 
 std::unique_ptr<QObject> makeSuite() { return std::make_unique<ModelTest>(); }
 
-} // namespace apps
+} // namespace lumetra
 
 #ifndef __clang_analyzer__ // what the compiler of signals writes is not ours to lint
 #include "model_test.moc"

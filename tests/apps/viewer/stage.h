@@ -1,10 +1,12 @@
-// What the tests of the viewer stand on: a window of its own for each, pictures in a folder that
-// goes away, and cameras that do what real ones do on bad days.
+// What the tests of the viewer share: a window of its own for each, images in a folder that goes
+// away, and cameras that do what real ones do on bad days.
 #pragma once
 
+#include "apps/common/custom_dyes.h"
+#include "apps/common/text.h"
 #include "apps/viewer/simulated_camera.h"
 #include "apps/viewer/window.h"
-#include "tests/apps/planes.h"
+#include "tests/render/planes.h"
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -16,19 +18,19 @@
 #include <condition_variable>
 #include <mutex>
 
-namespace apps {
+namespace lumetra {
 
 /// The suite of this program.
 std::unique_ptr<QObject> makeSuite();
 
-/// A folder of pictures.
+/// A folder of images.
 class Folder {
 public:
     QString path(const QString& name) const { return dir_.filePath(name); }
 
-    /// Writes a picture, or a stack, and gives its path.
-    QString write(const QString& name, const cv::Mat& picture) const {
-        cv::imwrite(path(name).toStdString(), picture);
+    /// Writes an image, or a stack, and gives its path.
+    QString write(const QString& name, const cv::Mat& image) const {
+        cv::imwrite(path(name).toStdString(), image);
         return path(name);
     }
     QString writeStack(const QString& name, const std::vector<cv::Mat>& pages) const {
@@ -85,19 +87,18 @@ inline std::vector<cv::Mat> flatPlanes(int count, cv::Size size, int value) {
     return planes;
 }
 
-inline Channel channelOf(const QColor& colour, std::optional<LevelRange> levels = {}) {
+inline Channel channelOf(const QColor& colour, std::optional<ContrastLimits> levels = {}) {
     Channel channel;
-    channel.colour = colour;
+    channel.colour = toColour(colour);
     channel.levels = levels;
     return channel;
 }
 
-/// Waits until files are open and their picture is shown.
-inline bool waitForPicture(Window& window) {
-    return QTest::qWaitFor([&] {
-        return !window.viewer().isBusy() && !window.viewer().shown().screen.empty() &&
-               window.viewer().shown().revision >= 0;
-    });
+/// Waits until files are open and their image is shown.
+inline bool waitForImage(Viewer& viewer) {
+    constexpr int patience = 60000; // milliseconds: the simulated camera draws its specimen first
+    return QTest::qWaitFor([&] { return !viewer.isBusy() && !viewer.rendered().screen.empty(); },
+                           patience);
 }
 
-} // namespace apps
+} // namespace lumetra

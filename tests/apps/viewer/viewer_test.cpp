@@ -2,13 +2,13 @@
 
 #include "tests/apps/viewer/stage.h"
 
-#include "apps/common/failure.h"
+#include "apps/common/error.h"
 #include "apps/common/settings.h"
 #include "apps/viewer/mailbox.h"
 
 #include <QProcess>
 
-namespace apps {
+namespace lumetra {
 
 class ViewerTest : public QObject {
     Q_OBJECT
@@ -17,23 +17,21 @@ private slots:
     void badFilesAreNamedAndChangeNothing_data();
     void badFilesAreNamedAndChangeNothing();
     void stacksTurnForthAndBack();
-    void aSavedPictureEqualsTheCommands_data();
-    void aSavedPictureEqualsTheCommands();
+    void nothingIsRenderedWhereNothingChanges();
+    void aSavedImageEqualsTheCommands_data();
+    void aSavedImageEqualsTheCommands();
+    void commandsTakeNoNameForAnOption();
     void aSlowWindowDropsFramesAndShowsTheNewest();
     void camerasMayFail_data();
     void camerasMayFail();
     void aCameraMayChangeItsSize();
     void closingNeverWaitsForAStalledCamera();
-    void samplesAreThoseBelowThePicture();
+    void intensitiesAreThoseBelowTheImage();
     void settingsGoOutAndIn();
     void theSimulatedCameraDriftsAndHasHotPixels();
 };
 
 namespace {
-
-bool waitFor(Viewer& viewer) {
-    return QTest::qWaitFor([&] { return !viewer.isBusy() && !viewer.shown().screen.empty(); });
-}
 
 QByteArray settingsOf(const Viewer& viewer) {
     return settingsJson({viewer.model().channels(), std::nullopt});
@@ -55,12 +53,12 @@ void ViewerTest::theNewestWinsAndNothingIsTakenTwice() {
 }
 
 void ViewerTest::badFilesAreNamedAndChangeNothing_data() {
-    QTest::addColumn<QString>("words");
+    QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
     QTest::newRow("not there") << "missing.tif"
                                << "missing.tif";
-    QTest::newRow("no picture") << "text.tif"
-                                << "text.tif";
+    QTest::newRow("no image") << "text.tif"
+                              << "text.tif";
     QTest::newRow("cut short") << "cut.tif"
                                << "cut.tif";
     QTest::newRow("colour") << "colour.png"
@@ -71,6 +69,8 @@ void ViewerTest::badFilesAreNamedAndChangeNothing_data() {
                                  << "\"DAPI\"";
     QTest::newRow("no such page") << "good.tif[3]"
                                   << "page 3";
+    QTest::newRow("another number of pages") << "three.tif"
+                                             << "good.tif has 2, ";
     QTest::newRow("broken settings") << "broken.json"
                                      << "broken.json";
     QTest::newRow("a folder") << "."
@@ -78,22 +78,23 @@ void ViewerTest::badFilesAreNamedAndChangeNothing_data() {
 }
 
 void ViewerTest::badFilesAreNamedAndChangeNothing() {
-    QFETCH(QString, words);
+    QFETCH(QString, text);
     QFETCH(QString, expected);
     const Folder folder;
     const cv::Mat plane = noisePlane({40, 20}, CV_16UC1, 1);
-    const QString good = folder.write("good.tif", plane);
+    const QString good = folder.writeStack("good.tif", {plane, plane});
+    folder.writeStack("three.tif", {plane, plane, plane});
     folder.write("small.tif", noisePlane({32, 20}, CV_16UC1, 2));
     folder.write("colour.png", cv::Mat(20, 40, CV_8UC3, cv::Scalar(1, 2, 3)));
-    folder.writeBytes("text.tif", "no picture");
+    folder.writeBytes("text.tif", "no image");
     folder.writeBytes("cut.tif", folder.read("good.tif").left(600));
     folder.writeBytes("broken.json", "{\"channels\": [");
     Viewer viewer;
     viewer.open({good});
-    QVERIFY(waitFor(viewer));
+    QVERIFY(waitForImage(viewer));
     const auto channels = settingsOf(viewer);
-    const QSignalSpy problems(&viewer, &Viewer::problem);
-    viewer.open({folder.path(words)}, true);
+    const QSignalSpy problems(&viewer, &Viewer::errorOccurred);
+    viewer.open({folder.path(text)}, true);
     QTRY_COMPARE(problems.size(), 1);
     QVERIFY2(problems[0][0].toString().contains(expected), qPrintable(problems[0][0].toString()));
     QVERIFY(!problems[0][0].toString().contains('\n'));
@@ -108,7 +109,7 @@ void ViewerTest::stacksTurnForthAndBack() {
         pages.emplace_back(8, 8, CV_8UC1, cv::Scalar::all(i));
     const QString stack = folder.writeStack("stack.tif", pages);
     const QString still = folder.write("still.tif", pages[1]);
-    StackSource source({parseFile(stack), parseFile(still), parseFile(stack + "[3]")});
+    FileSource source({parseFile(stack), parseFile(still), parseFile(stack + "[3]")});
     QCOMPARE(source.pages(), 3);
     Frame frame;
     QString order;
@@ -120,23 +121,54 @@ void ViewerTest::stacksTurnForthAndBack() {
         QCOMPARE(int(frame.planes[2].at<unsigned char>(0, 0)), 3);
     }
     QCOMPARE(order, QStringLiteral("1232123"));
-    source.seek(99);
+    source.setPage(99);
     source.grab(frame);
     QCOMPARE(frame.page, 3);
-    QCOMPARE(fileWords(source.filesAt(2)[0]), stack + "[2]");
-    QCOMPARE(fileWords(source.filesAt(2)[1]), still);
+    QCOMPARE(fileSpec(source.filesAt(2)[0]), stack + "[2]");
+    QCOMPARE(fileSpec(source.filesAt(2)[1]), still);
 }
 
-void ViewerTest::aSavedPictureEqualsTheCommands_data() {
+void ViewerTest::nothingIsRenderedWhereNothingChanges() {
+    const Folder folder;
+    const QStringList files{folder.write("a.tif", noisePlane({64, 48}, CV_16UC1, 1)),
+                            folder.write("b.tif", noisePlane({64, 48}, CV_16UC1, 2))};
+    Viewer viewer;
+    const QSignalSpy images(&viewer, &Viewer::imageChanged);
+    const auto renders = [&](int expected, auto change) {
+        const auto before = images.size();
+        change();
+        return QTest::qWaitFor([&] { return images.size() >= before + expected; }) &&
+               !QTest::qWaitFor([&] { return images.size() > before + expected; }, 50);
+    };
+    ViewOptions options;
+    ChannelModel& model = viewer.model();
+    QVERIFY(renders(1, [&] { viewer.open(files); }));
+    QVERIFY(renders(0, [&] { viewer.setOptions(options); }));
+    options.pseudoChannel = 1; // the selected row, which matters with a LUT only
+    QVERIFY(renders(0, [&] { viewer.setOptions(options); }));
+    options.lut = LutChoice{};
+    QVERIFY(renders(1, [&] { viewer.setOptions(options); }));
+    options.pseudoChannel = 0;
+    QVERIFY(renders(1, [&] { viewer.setOptions(options); }));
+    QVERIFY(renders(0, [&] { model.setLevels(0, *model.channel(0).levels); }));
+    QVERIFY(renders(0, [&] { model.showAll(); }));
+    QVERIFY(renders(1, [&] { model.setVisible(1, false); }));
+    QVERIFY(renders(1, [&] { model.setContinuousLevels(true); }));
+    QVERIFY(renders(0, [&] { viewer.setOptions(options); })); // whose levels are unknown before
+    model.setContinuousLevels(false);
+    QVERIFY(renders(1, [&] { viewer.open(files); }));
+}
+
+void ViewerTest::aSavedImageEqualsTheCommands_data() {
     QTest::addColumn<int>("variant");
     QTest::newRow("composite") << 0;
     QTest::newRow("offsets, gamma and a hidden channel") << 1;
-    QTest::newRow("legend, scale bar, own dye, one in gray") << 2;
+    QTest::newRow("legend, scale bar, custom dye, one in gray") << 2;
     QTest::newRow("pseudo-colour") << 3;
     QTest::newRow("page of a stack") << 4;
 }
 
-void ViewerTest::aSavedPictureEqualsTheCommands() {
+void ViewerTest::aSavedImageEqualsTheCommands() {
     QFETCH(int, variant);
     const Folder folder;
     const cv::Size size(320, 200);
@@ -147,9 +179,9 @@ void ViewerTest::aSavedPictureEqualsTheCommands() {
         files[0] = folder.writeStack(
             "stack.tif", {noisePlane(size, CV_16UC1, 4), noisePlane(size, CV_16UC1, 5)});
     Viewer viewer;
-    viewer.model().setCustomDyes({{"Own dye", QColor("#9f3b77")}});
+    viewer.model().setCustomDyes(asDyes({{"Custom dye", QColor("#9f3b77")}}));
     viewer.open(files);
-    QVERIFY(waitFor(viewer));
+    QVERIFY(waitForImage(viewer));
     ChannelModel& model = viewer.model();
     ViewOptions options;
     if (variant == 1) {
@@ -162,20 +194,20 @@ void ViewerTest::aSavedPictureEqualsTheCommands() {
         options.annotation.legend = true;
         options.annotation.scaleBar = ScaleBar{5, 0.1};
         options.graySingle = true;
-        model.setData(model.index(2, ChannelModel::dyeColumn), "Own dye", Qt::EditRole);
+        model.setDye(2, "Custom dye");
         model.solo(2);
     } else if (variant == 3) {
-        options.table = TableChoice{"magma", true};
+        options.lut = LutChoice{"magma", true};
         options.pseudoChannel = 2;
         model.setGamma(2, 1.5);
     } else if (variant == 4) {
-        viewer.turnTo(2);
-        QTRY_COMPARE(viewer.shown().page, 2);
+        viewer.setPage(2);
+        QTRY_COMPARE(viewer.rendered().page, 2);
     }
     viewer.setOptions(options);
-    const QSignalSpy said(&viewer, &Viewer::said);
-    viewer.save(folder.path("viewer.png"));
-    QTRY_COMPARE_WITH_TIMEOUT(said.size(), 1, 20000);
+    const QSignalSpy saved(&viewer, &Viewer::statusMessage);
+    viewer.saveImage(folder.path("viewer.png"));
+    QTRY_COMPARE_WITH_TIMEOUT(saved.size(), 1, 20000);
 
     QProcess shell;
     shell.setWorkingDirectory(folder.path("."));
@@ -186,14 +218,22 @@ void ViewerTest::aSavedPictureEqualsTheCommands() {
     QVERIFY(shell.waitForFinished());
     QVERIFY2(shell.exitCode() == 0, shell.readAllStandardError().constData());
     QVERIFY(!folder.read("viewer.png").isEmpty());
-    QVERIFY(folder.read("viewer.png") == folder.read("picture.png"));
+    QVERIFY(folder.read("viewer.png") == folder.read("image.png"));
+}
+
+void ViewerTest::commandsTakeNoNameForAnOption() {
+    const ChannelFile file{{"-a.tif", 2}, channelOf(Qt::red)};
+    QVERIFY(mergeArguments({file}, {"0:9"}, {}, DyeList()).contains("./-a.tif[2]=#ff0000"));
+    const LutChoice choice{"-b.lut", false};
+    const QStringList pseudo = pseudoArguments(file, "0:9", choice, {});
+    QVERIFY(pseudo.contains("./-a.tif[2]") && pseudo.contains("./-b.lut"));
 }
 
 void ViewerTest::aSlowWindowDropsFramesAndShowsTheNewest() {
     RenderLoop loop;
-    View view;
-    view.channels = {channelOf(Qt::white, LevelRange{0, 65535})};
-    loop.setView(view);
+    DisplaySettings settings;
+    settings.channels = {channelOf(Qt::white, ContrastLimits{0, 65535})};
+    loop.setSettings(settings);
     std::atomic<int> signalled{0};
     connect(
         &loop, &RenderLoop::ready, &loop, [&] { ++signalled; }, Qt::DirectConnection);
@@ -205,9 +245,9 @@ void ViewerTest::aSlowWindowDropsFramesAndShowsTheNewest() {
         loop.offer(frame);
         QTest::qSleep(1);
     }
-    Shown shown;
-    QTRY_VERIFY((loop.take(shown), shown.frame == frames));
-    QCOMPARE(int(shown.screen.at<cv::Vec4b>(0, 0)[0]), frames);
+    RenderedFrame rendered;
+    QTRY_VERIFY((loop.take(rendered), rendered.frame == frames));
+    QCOMPARE(int(rendered.screen.at<cv::Vec4b>(0, 0)[0]), frames);
     QVERIFY(signalled <= 2); // signals do not pile up
     QVERIFY(loop.dropped() >= frames - 2 && loop.dropped() < frames);
 }
@@ -218,8 +258,8 @@ void ViewerTest::camerasMayFail_data() {
     QTest::newRow("stops") << 0 << "the cable";
     QTest::newRow("unknown exception") << 1 << "out of luck";
     QTest::newRow("planes of unlike sizes") << 2 << "different sizes";
-    QTest::newRow("a channel fewer") << 3 << "1 channels in place of 2";
-    QTest::newRow("samples of another kind") << 4 << "plane";
+    QTest::newRow("a channel fewer") << 3 << "expected: 2";
+    QTest::newRow("pixels of another type") << 4 << "plane";
 }
 
 void ViewerTest::camerasMayFail() {
@@ -230,7 +270,7 @@ void ViewerTest::camerasMayFail() {
         if (exposure < 3)
             return;
         if (fault == 0)
-            throw Failure("the cable was pulled out");
+            throw Error("the cable was pulled out");
         if (fault == 1)
             throw std::runtime_error("out of luck");
         if (fault == 2)
@@ -242,8 +282,8 @@ void ViewerTest::camerasMayFail() {
     });
     Viewer viewer;
     QString problem;
-    connect(&viewer, &Viewer::problem, [&](const QString& reason) { problem = reason; });
-    connect(&viewer, &Viewer::pictureChanged, [&] { problem += viewer.shown().problem; });
+    connect(&viewer, &Viewer::errorOccurred, [&](const QString& reason) { problem = reason; });
+    connect(&viewer, &Viewer::imageChanged, [&] { problem += viewer.rendered().problem; });
     viewer.connectCamera(camera, {channelOf(Qt::red), channelOf(Qt::green)});
     viewer.setRate(200);
     viewer.start();
@@ -262,8 +302,8 @@ void ViewerTest::aCameraMayChangeItsSize() {
     viewer.start();
     for (const int next : {32, 64, 8, 33}) {
         width = next;
-        QTRY_COMPARE(viewer.shown().screen.cols, next);
-        QVERIFY(viewer.shown().problem.isEmpty());
+        QTRY_COMPARE(viewer.rendered().screen.cols, next);
+        QVERIFY(viewer.rendered().problem.isEmpty());
     }
     viewer.close(); // before what the camera refers to goes
 }
@@ -284,13 +324,13 @@ void ViewerTest::closingNeverWaitsForAStalledCamera() {
     viewer->start();
     QTRY_VERIFY(isStalled);
     viewer->stop(); // none of these may hang
-    viewer->single();
+    viewer->snap();
     QVERIFY(isStalled);
     viewer.reset();
     QVERIFY(!isStalled);
 }
 
-void ViewerTest::samplesAreThoseBelowThePicture() {
+void ViewerTest::intensitiesAreThoseBelowTheImage() {
     const Folder folder;
     cv::Mat plane(30, 40, CV_16UC1);
     for (int y = 0; y < plane.rows; ++y)
@@ -299,11 +339,11 @@ void ViewerTest::samplesAreThoseBelowThePicture() {
     const QString file = folder.write("a.tif", plane);
     Viewer viewer;
     viewer.open({file + "=DAPI", file + "=FITC+3-2"}); // FITC: 3 to the left, 2 down
-    QVERIFY(waitFor(viewer));
-    QCOMPARE(viewer.shown().screen.size(), cv::Size(37, 28));
-    QCOMPARE(viewer.samplesAt({5, 10}), (std::vector<int>{1205, 1008}));
-    QVERIFY(viewer.samplesAt({-1, 0}).empty());
-    QVERIFY(viewer.samplesAt({37, 0}).empty());
+    QVERIFY(waitForImage(viewer));
+    QCOMPARE(viewer.rendered().screen.size(), cv::Size(37, 28));
+    QCOMPARE(viewer.intensitiesAt({5, 10}), (std::vector<int>{1205, 1008}));
+    QVERIFY(viewer.intensitiesAt({-1, 0}).empty());
+    QVERIFY(viewer.intensitiesAt({37, 0}).empty());
 }
 
 void ViewerTest::settingsGoOutAndIn() {
@@ -312,22 +352,22 @@ void ViewerTest::settingsGoOutAndIn() {
     {
         Viewer viewer;
         viewer.open({file + "=Cy5", file + "=FITC"});
-        QVERIFY(waitFor(viewer));
+        QVERIFY(waitForImage(viewer));
         viewer.model().setLevels(0, {11, 2222});
         viewer.model().setGamma(1, 2);
-        const QSignalSpy said(&viewer, &Viewer::said);
+        const QSignalSpy saved(&viewer, &Viewer::statusMessage);
         viewer.saveSettings(folder.path("s.json"));
-        QTRY_COMPARE(said.size(), 1);
+        QTRY_COMPARE(saved.size(), 1);
     }
     Viewer viewer;
     viewer.open({folder.path("s.json"), file, file});
-    QVERIFY(waitFor(viewer));
-    QCOMPARE(viewer.model().channel(0).dye, QStringLiteral("Cy5"));
-    QVERIFY((viewer.model().channel(0).levels == LevelRange{11, 2222}));
+    QVERIFY(waitForImage(viewer));
+    QCOMPARE(viewer.model().channel(0).dye, std::string("Cy5"));
+    QVERIFY((viewer.model().channel(0).levels == ContrastLimits{11, 2222}));
     QCOMPARE(viewer.model().channel(1).gamma, 2.0);
-    const QSignalSpy problems(&viewer, &Viewer::problem);
-    viewer.save(file); // would replace what is looked at
-    QCOMPARE(problems.size(), 1);
+    const QSignalSpy problems(&viewer, &Viewer::errorOccurred);
+    viewer.saveImage(file); // would replace what is looked at
+    QTRY_COMPARE(problems.size(), 1);
     viewer.saveSettings(folder.path("no/such/folder/s.json"));
     QTRY_COMPARE(problems.size(), 2);
 }
@@ -352,7 +392,7 @@ void ViewerTest::theSimulatedCameraDriftsAndHasHotPixels() {
 
 std::unique_ptr<QObject> makeSuite() { return std::make_unique<ViewerTest>(); }
 
-} // namespace apps
+} // namespace lumetra
 
 #ifndef __clang_analyzer__ // what the compiler of signals writes is not ours to lint
 #include "viewer_test.moc"

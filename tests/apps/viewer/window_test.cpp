@@ -7,12 +7,15 @@
 #include "apps/viewer/custom_dyes_dialog.h"
 #include "apps/viewer/dye_controls.h"
 #include "apps/viewer/level_editor.h"
+#include "apps/viewer/lut_box.h"
+#include "apps/viewer/message_bar.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QCompleter>
 #include <QDropEvent>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -21,7 +24,7 @@
 #include <QSpinBox>
 #include <QTableView>
 
-namespace apps {
+namespace lumetra {
 
 class WindowTest : public QObject {
     Q_OBJECT
@@ -34,24 +37,29 @@ private slots:
     void fieldsKeepTheirKeys();
     void dyesAreFoundAsTheyAreTyped();
     void handlesMoveLevels();
-    void theTableSolosAndEdits();
-    void thePictureFitsZoomsAndPans();
+    void theTableShowsAndHidesChannels();
+    void theImageFitsZoomsAndPans();
     void oneToOneIsCrisp_data();
     void oneToOneIsCrisp();
     void droppedFilesAreAddedOrRefused();
     void dropsInQuickSuccessionAreAllTaken();
     void whatIsAskedForLastIsShown();
     void offsetsAreWrittenInFields();
-    void tablesOfColoursComeFromFiles();
-    void aStalledCameraIsSpokenOf();
+    void lutsComeFromFiles();
+    void aStalledCameraIsReported();
     void closesWhileFramesCome();
-    void ownDyesAreKept();
+    void customDyesAreKept();
     void choicesAreKeptBetweenRuns();
     void scaleBarsAreRound();
 
 private:
     void openTwo();
-    QAction& act(Act which) { return window_->actions()[which]; }
+    QAction& act(ActionId id) { return window_->actions()[id]; }
+    template<class Part>
+    Part* part() {
+        return window_->findChild<Part*>();
+    }
+    QString message() { return part<MessageBar>()->message(); }
     ChannelModel& model() { return window_->viewer().model(); }
 
     std::unique_ptr<Folder> folder_;
@@ -106,7 +114,7 @@ void WindowTest::cleanup() { window_.reset(); }
 void WindowTest::openTwo() {
     window_->viewer().open({folder_->write("a.tif", noisePlane({64, 48}, CV_16UC1, 1)) + "=DAPI",
                             folder_->write("b.png", noisePlane({64, 48}, CV_8UC1, 2)) + "=FITC"});
-    QVERIFY(waitForPicture(*window_));
+    QVERIFY(waitForImage(window_->viewer()));
 }
 
 void WindowTest::everyActionIsInAMenuAndNoKeyIsTakenTwice() {
@@ -120,7 +128,7 @@ void WindowTest::everyActionIsInAMenuAndNoKeyIsTakenTwice() {
                 keys << key.toString();
             }
         }
-    QCOMPARE(actions, int(Act::about) + 1);
+    QCOMPARE(actions, int(ActionId::about) + 1);
     for (const char* key : {"0", "1", "9", "Ctrl+,", "Ctrl+.", "Shift+C", "Shift+Z", "Shift+Left"})
         QVERIFY2(keys.contains(key), key);
 }
@@ -128,24 +136,24 @@ void WindowTest::everyActionIsInAMenuAndNoKeyIsTakenTwice() {
 void WindowTest::everyActionCanBeUsedAtAnyTime() {
     const DialogCloser closer;
     const auto useAll = [this] {
-        for (int i = 0; i <= int(Act::about); ++i)
-            if (Act(i) != Act::quit && Act(i) != Act::closeAll)
-                act(Act(i)).trigger();
+        for (int i = 0; i <= int(ActionId::about); ++i)
+            if (ActionId(i) != ActionId::quit && ActionId(i) != ActionId::closeAll)
+                act(ActionId(i)).trigger();
         QTest::qWait(50);
     };
-    useAll(); // without a picture, then with files and with a camera
+    useAll(); // without an image, then with files and with a camera
     window_->viewer().close();
     openTwo();
     useAll();
     QVERIFY(window_->viewer().isCamera()); // one of the actions was its start
-    act(Act::closeAll).trigger();
+    act(ActionId::closeAll).trigger();
     QVERIFY(!window_->viewer().hasSource());
-    QVERIFY(!act(Act::saveAs).isEnabled());
+    QVERIFY(!act(ActionId::saveImage).isEnabled());
 }
 
 void WindowTest::keysSwitchAndMoveChannels() {
     openTwo();
-    Canvas& canvas = window_->canvas();
+    Canvas& canvas = *part<Canvas>();
     canvas.setFocus();
     const auto press = [&](Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) {
         QTest::keyClick(&canvas, key, with);
@@ -155,15 +163,15 @@ void WindowTest::keysSwitchAndMoveChannels() {
     press(Qt::Key_2);
     QVERIFY(model().channel(1).visible);
     press(Qt::Key_9); // there is none
-    window_->panel().setCurrentRow(1);
+    part<ChannelPanel>()->setCurrentRow(1);
     press(Qt::Key_Left); // the channel moves to the left, which are positive offsets
     press(Qt::Key_Up, Qt::ShiftModifier);
-    QCOMPARE(model().channel(1).offset, QPoint(1, 10));
-    QTRY_COMPARE(window_->viewer().shown().screen.size(), cv::Size(63, 38));
+    QCOMPARE(model().channel(1).offset, cv::Point(1, 10));
+    QTRY_COMPARE(window_->viewer().rendered().screen.size(), cv::Size(63, 38));
     press(Qt::Key_Backspace, Qt::ControlModifier);
-    QCOMPARE(model().channel(1).offset, QPoint());
+    QCOMPARE(model().channel(1).offset, cv::Point());
     press(Qt::Key_3, Qt::AltModifier);
-    QVERIFY((model().channel(1).levels == LevelRange{0, 255})); // 12 bits of a channel of 8
+    QVERIFY((model().channel(1).levels == ContrastLimits{0, 255})); // 12 bits of a channel of 8
     press(Qt::Key_C, Qt::ShiftModifier);
     QCOMPARE(window_->focusWidget()->accessibleName(), QStringLiteral("Black level"));
     press(Qt::Key_Z, Qt::ShiftModifier);
@@ -172,7 +180,7 @@ void WindowTest::keysSwitchAndMoveChannels() {
 
 void WindowTest::fieldsKeepTheirKeys() {
     openTwo();
-    act(Act::goToLevels).trigger();
+    act(ActionId::goToLevels).trigger();
     auto* black = qobject_cast<QSpinBox*>(window_->focusWidget());
     QVERIFY(black);
     black->selectAll();
@@ -182,12 +190,12 @@ void WindowTest::fieldsKeepTheirKeys() {
     QVERIFY(model().channel(0).visible); // 1 was a digit
     QTest::keyClick(black, Qt::Key_Up);
     QCOMPARE(model().channel(0).levels->low, 121);
-    QVERIFY(model().channel(0).offset.isNull());
+    QVERIFY(model().channel(0).offset == cv::Point());
 }
 
 void WindowTest::dyesAreFoundAsTheyAreTyped() {
     openTwo();
-    auto* field = window_->panel().findChild<DyeField*>();
+    auto* field = part<DyeField>();
     field->setFocus();
     field->selectAll();
     QTest::keyClicks(field, "oregon");
@@ -198,21 +206,21 @@ void WindowTest::dyesAreFoundAsTheyAreTyped() {
     QTest::keyClicks(field, "cy5");
     completer->popup()->hide();
     QTest::keyClick(field, Qt::Key_Return);
-    QCOMPARE(model().channel(0).dye, QStringLiteral("Cy5"));
+    QCOMPARE(model().channel(0).dye, std::string("Cy5"));
     field->selectAll();
     QTest::keyClicks(field, "nonsense");
     completer->popup()->hide();
     QTest::keyClick(field, Qt::Key_Return);
-    QCOMPARE(model().channel(0).dye, QStringLiteral("Cy5"));
-    QVERIFY(window_->problem().contains("nonsense"));
-    auto* slider = window_->panel().findChild<DyeSlider*>();
+    QCOMPARE(model().channel(0).dye, std::string("Cy5"));
+    QVERIFY(message().contains("nonsense"));
+    auto* slider = part<DyeSlider>();
     slider->setValue(20);
     QCOMPARE(model().channel(0).dye, slider->dye().name);
 }
 
 void WindowTest::handlesMoveLevels() {
     openTwo();
-    auto* editor = window_->panel().findChild<LevelEditor*>();
+    auto* editor = part<LevelEditor>();
     model().setLevels(0, {10000, 50000});
     const int y = editor->height() - 5;
     const auto drag = [&](int from, int to) {
@@ -221,32 +229,38 @@ void WindowTest::handlesMoveLevels() {
         moveMouse(*editor, end, Qt::LeftButton);
         QTest::mouseRelease(editor, Qt::LeftButton, {}, end);
     };
-    const int pixel = editor->sampleAt(100) - editor->sampleAt(99) + 1;
+    const int pixel = editor->valueAt(100) - editor->valueAt(99) + 1;
     drag(10000, 20000);
     QVERIFY(std::abs(model().channel(0).levels->low - 20000) <= pixel);
     drag(50000, 1000); // not beyond the other
     QCOMPARE(model().channel(0).levels->high, model().channel(0).levels->low + 1);
 }
 
-void WindowTest::theTableSolosAndEdits() {
+void WindowTest::theTableShowsAndHidesChannels() {
+    const QSignalSpy images(&window_->viewer(), &Viewer::imageChanged);
     openTwo();
-    auto* table = window_->panel().findChild<QTableView*>();
+    part<ChannelPanel>()->setCurrentRow(1);
+    QTest::qWait(50);
+    QCOMPARE(int(images.size()), 1); // the image does not depend on the row
+    auto* table = part<ChannelPanel>()->findChild<QTableView*>();
     const auto centre = [&](int row, int column) {
         return table->visualRect(model().index(row, column)).center();
     };
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre(1, ChannelModel::colourColumn));
     QVERIFY(!model().channel(0).visible && model().channel(1).visible);
-    table->edit(model().index(0, ChannelModel::whiteColumn));
-    auto* editor = table->viewport()->findChild<QSpinBox*>();
-    QVERIFY(editor);
-    editor->setValue(4000);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_COMPARE(model().channel(0).levels->high, 4000);
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre(1, ChannelModel::colourColumn));
+    QVERIFY(model().channel(0).visible && model().channel(1).visible);
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre(0, ChannelModel::dyeColumn));
+    QVERIFY(model().channel(1).visible); // selected, and nothing else
+    table->setCurrentIndex(model().index(1, ChannelModel::visibleColumn));
+    QTest::keyClick(table, Qt::Key_Space);
+    QVERIFY(model().channel(0).visible && !model().channel(1).visible);
 }
 
-void WindowTest::thePictureFitsZoomsAndPans() {
+void WindowTest::theImageFitsZoomsAndPans() {
     openTwo();
-    Canvas& canvas = window_->canvas();
+    Canvas& canvas = *part<Canvas>();
+    const double fitted = canvas.scale();
     canvas.actualSize();
     QCOMPARE(canvas.scale(), 1.0);
     const QPointF centre = QRectF(canvas.rect()).center();
@@ -271,7 +285,7 @@ void WindowTest::thePictureFitsZoomsAndPans() {
     QTest::mouseRelease(&canvas, Qt::LeftButton, {}, {100, 100});
     QCOMPARE(canvas.pixelAt(point), left - QPoint(3, 0));
     QTest::keyClick(&canvas, Qt::Key_0);
-    QVERIFY(canvas.isFitted());
+    QCOMPARE(canvas.scale(), fitted);
     const QSignalSpy hovered(&canvas, &Canvas::hovered);
     moveMouse(canvas, centre.toPoint() + QPoint(5, 5), Qt::NoButton); // within a large pixel
     QCOMPARE(hovered[0][0].toPoint(), QPoint(32, 24));
@@ -284,38 +298,37 @@ void WindowTest::oneToOneIsCrisp_data() {
     QTest::newRow("larger") << 2047;
 }
 
-/// Every pixel of the screen is one of the picture; also run with two of them for a widget's unit.
+/// Every pixel of the screen is one of the image; also run with two of them for a widget's unit.
 void WindowTest::oneToOneIsCrisp() {
     QFETCH(int, side);
     const QString file = folder_->write("a.png", noisePlane({side, side}, CV_8UC1, side));
     window_->viewer().open({file});
-    QVERIFY(waitForPicture(*window_));
-    Canvas& canvas = window_->canvas();
+    QVERIFY(waitForImage(window_->viewer()));
+    Canvas& canvas = *part<Canvas>();
     canvas.actualSize();
     QTest::qWait(50);
     QImage seen = canvas.grab().toImage();
     seen.setDevicePixelRatio(1);
-    const QImage picture = window_->viewer().picture();
+    const QImage image = window_->viewer().image();
     const double unit = canvas.devicePixelRatioF();
-    QPoint first; // of the screen, with a pixel of the picture below
+    QPoint first; // of the screen, with a pixel of the image below
     const auto below = [&](QPoint at) { return canvas.pixelAt((at + QPointF(0.5, 0.5)) / unit); };
     while (below(first).x() < 0)
         first += below({first.x(), seen.height() / 2}).x() < 0 ? QPoint(1, 0) : QPoint(0, 1);
     const QPoint corner = below(first);
-    const QSize size = picture.size().boundedTo(seen.size());
+    const QSize size = image.size().boundedTo(seen.size());
     QVERIFY(size.height() >= 64);
-    QCOMPARE(seen.copy({first, size}).convertToFormat(picture.format()),
-             picture.copy({corner, size}));
+    QCOMPARE(seen.copy({first, size}).convertToFormat(image.format()), image.copy({corner, size}));
 }
 
 void WindowTest::droppedFilesAreAddedOrRefused() {
     openTwo();
     drop(*window_, {folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3))});
     QTRY_COMPARE(model().size(), 3);
-    QCOMPARE(model().channel(0).dye, QStringLiteral("DAPI")); // what was there stays as it was
+    QCOMPARE(model().channel(0).dye, std::string("DAPI")); // what was there stays as it was
     drop(*window_, {folder_->write("d.tif", noisePlane({65, 48}, CV_16UC1, 3))});
-    QTRY_VERIFY(window_->problem().contains("65 x 48"));
-    QVERIFY(window_->problem().contains("64 x 48"));
+    QTRY_VERIFY(message().contains("65 x 48"));
+    QVERIFY(message().contains("64 x 48"));
     QCOMPARE(model().size(), 3);
     QVERIFY(!QApplication::activeModalWidget()); // a word in the window, never a box
 }
@@ -329,8 +342,8 @@ void WindowTest::dropsInQuickSuccessionAreAllTaken() {
     drop(*window_, {file("odd.tif", 65)}); // refused, and nothing else is
     drop(*window_, {file("d.tif", 64)});
     QTRY_COMPARE(model().size(), 4);
-    QVERIFY(waitForPicture(*window_));
-    QVERIFY(window_->problem().contains("65 x 48"));
+    QVERIFY(waitForImage(window_->viewer()));
+    QVERIFY(message().contains("65 x 48"));
     QCOMPARE(window_->viewer().title(), QStringLiteral("a.tif, b.png, c.tif, d.tif"));
     window_->viewer().open({file("e.tif", 32)}); // what is added next belongs to this one
     drop(*window_, {file("f.tif", 32)});
@@ -346,16 +359,16 @@ void WindowTest::whatIsAskedForLastIsShown() {
     QTRY_VERIFY(!viewer.isBusy());
     QVERIFY(!viewer.hasSource());
     viewer.open({file});
-    window_->startCamera(2);
+    viewer.simulateCamera(2);
     QTRY_VERIFY(!viewer.isBusy());
     QCOMPARE(viewer.title(), QStringLiteral("Camera"));
 }
 
 void WindowTest::offsetsAreWrittenInFields() {
     openTwo();
-    window_->panel().setCurrentRow(1);
+    part<ChannelPanel>()->setCurrentRow(1);
     QSpinBox* fields[2] = {};
-    for (auto* field : window_->panel().findChildren<QSpinBox*>())
+    for (auto* field : part<ChannelPanel>()->findChildren<QSpinBox*>())
         if (field->accessibleName().startsWith("Pixels"))
             fields[field->accessibleName() == "Pixels up"] = field;
     fields[0]->setFocus();
@@ -363,34 +376,38 @@ void WindowTest::offsetsAreWrittenInFields() {
     QTest::keyClicks(fields[0], "-12");
     QTest::keyClick(fields[0], Qt::Key_Return);
     fields[1]->stepBy(3);
-    QCOMPARE(model().channel(1).offset, QPoint(-12, 3));
-    QVERIFY(model().channel(0).offset.isNull());
-    QTRY_COMPARE(window_->viewer().shown().screen.size(), cv::Size(52, 45));
-    window_->panel().setCurrentRow(0);
+    QCOMPARE(model().channel(1).offset, cv::Point(-12, 3));
+    QVERIFY(model().channel(0).offset == cv::Point());
+    QTRY_COMPARE(window_->viewer().rendered().screen.size(), cv::Size(52, 45));
+    part<ChannelPanel>()->setCurrentRow(0);
     QCOMPARE(fields[0]->value(), 0);
     model().nudge(0, {-5, 0});
     QCOMPARE(fields[0]->value(), 5);
 }
 
-void WindowTest::tablesOfColoursComeFromFiles() {
+void WindowTest::lutsComeFromFiles() {
     openTwo();
     QByteArray colours(768, '\0');
     colours.replace(0, 256, QByteArray(256, '\x40')); // red
     const QString file = folder_->writeBytes("dim red.lut", colours);
-    window_->useTable(file);
-    act(Act::pseudo).setChecked(true);
-    const auto pixel = [this] { return window_->viewer().picture().pixelColor(9, 9); };
+    const auto useLut = [this](const QString& chosen) {
+        part<LutBox>()->setLut(chosen);
+        emit part<LutBox>()->lutChosen();
+    };
+    act(ActionId::pseudo).setChecked(true);
+    useLut(file);
+    const auto pixel = [this] { return window_->viewer().image().pixelColor(9, 9); };
     QTRY_COMPARE(pixel(), QColor(0x40, 0, 0));
-    window_->useTable(folder_->writeBytes("bad.lut", "no table"));
-    QVERIFY(window_->problem().contains("bad.lut"));
-    QCOMPARE(window_->viewer().options().table->table, file);
+    useLut(folder_->writeBytes("bad.lut", "no LUT"));
+    QVERIFY(message().contains("bad.lut"));
+    QCOMPARE(window_->viewer().options().lut->lut, file);
     window_->close();
     window_ = std::make_unique<Window>();
-    act(Act::pseudo).setChecked(true);
-    QCOMPARE(window_->viewer().options().table->table, file); // kept
+    act(ActionId::pseudo).setChecked(true);
+    QCOMPARE(window_->viewer().options().lut->lut, file); // kept
 }
 
-void WindowTest::aStalledCameraIsSpokenOf() {
+void WindowTest::aStalledCameraIsReported() {
     ScriptedCamera* self = nullptr;
     auto camera = std::make_shared<ScriptedCamera>([&self](int exposure, Frame& frame) {
         frame.planes = flatPlanes(1, {16, 16}, 9);
@@ -400,20 +417,22 @@ void WindowTest::aStalledCameraIsSpokenOf() {
     self = camera.get();
     window_->viewer().connectCamera(camera, {channelOf(Qt::red)});
     window_->viewer().start();
-    QTRY_VERIFY_WITH_TIMEOUT(window_->problem().contains("no frame"), 6000);
+    QTRY_VERIFY_WITH_TIMEOUT(message().contains("No frame"), 6000);
+    window_->viewer().stop();
+    QVERIFY(message().isEmpty());
 }
 
 void WindowTest::closesWhileFramesCome() {
     for (int i = 0; i < 3; ++i) {
-        window_->startCamera(3, 256);
-        QTRY_VERIFY(window_->viewer().shown().frame > 1);
+        window_->viewer().simulateCamera(3, 256);
+        QTRY_VERIFY(window_->viewer().rendered().frame > 1);
         window_->setAttribute(Qt::WA_DeleteOnClose, false);
         window_->close();
         init();
     }
 }
 
-void WindowTest::ownDyesAreKept() {
+void WindowTest::customDyesAreKept() {
     CustomDyesDialog dialog({{"One", QColor("#111111")}});
     const QSignalSpy changed(&dialog, &CustomDyesDialog::changed);
     dialog.add("One", Qt::red);
@@ -428,27 +447,27 @@ void WindowTest::ownDyesAreKept() {
 
     const QByteArray before = folder_->read("dyes.ini");
     dialog.load(folder_->path("missing.ini"));
-    QVERIFY(dialog.message().contains("missing.ini"));
+    QVERIFY(dialog.findChild<QLabel*>()->text().contains("missing.ini"));
     dialog.load(
         folder_->writeBytes("odd.ini", "[General]\nNumber=1\n[DyeType1]\nName=x\nColor=9\n"));
-    QVERIFY(dialog.message().contains("cannot be understood"));
+    QVERIFY(dialog.findChild<QLabel*>()->text().contains("cannot be understood"));
     dialog.save(folder_->path("dyes.ini/below_a_file.ini"));
-    QVERIFY(dialog.message().contains("cannot be written"));
+    QVERIFY(dialog.findChild<QLabel*>()->text().contains("cannot be written"));
     QCOMPARE(dialog.dyes().size(), 2);
     QCOMPARE(folder_->read("dyes.ini"), before);
 
-    window_->setOwnDyes(dialog.dyes());
+    window_->setCustomDyes(dialog.dyes());
     window_ = std::make_unique<Window>();
     QVERIFY(model().dyes().find("one 2"));
-    window_->setOwnDyes({});
+    window_->setCustomDyes({});
 }
 
 void WindowTest::choicesAreKeptBetweenRuns() {
-    act(Act::legend).setChecked(true);
+    act(ActionId::legend).setChecked(true);
     window_->resize(1000, 700);
     window_->close();
     window_ = std::make_unique<Window>();
-    QVERIFY(act(Act::legend).isChecked());
+    QVERIFY(act(ActionId::legend).isChecked());
     QVERIFY(window_->viewer().options().annotation.legend);
     QCOMPARE(window_->width(), 1000);
 }
@@ -464,14 +483,14 @@ void WindowTest::scaleBarsAreRound() {
         dialog->setDoubleValue(0.5);
         dialog->accept();
     });
-    act(Act::scaleBar).trigger();
+    act(ActionId::scaleBar).trigger();
     QCOMPARE(window_->viewer().options().annotation.scaleBar->micrometres, 5.0); // of 32
     QCOMPARE(window_->viewer().options().annotation.scaleBar->pixelSize, 0.5);
 }
 
 std::unique_ptr<QObject> makeSuite() { return std::make_unique<WindowTest>(); }
 
-} // namespace apps
+} // namespace lumetra
 
 #ifndef __clang_analyzer__ // what the compiler of signals writes is not ours to lint
 #include "window_test.moc"

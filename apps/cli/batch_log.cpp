@@ -1,0 +1,154 @@
+#include "apps/cli/batch_log.h"
+
+#include "apps/common/error.h"
+#include "apps/common/settings.h"
+#include "apps/common/text.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+namespace lumetra {
+namespace {
+
+const QString fieldKey = QStringLiteral("field"), outputKey = QStringLiteral("output"),
+              outcomeKey = QStringLiteral("outcome"), reasonKey = QStringLiteral("reason"),
+              channelsKey = QStringLiteral("channels"), methodKey = QStringLiteral("method"),
+              bytesKey = QStringLiteral("bytes"), timeKey = QStringLiteral("milliseconds"),
+              doneOutcome = QStringLiteral("done");
+
+QJsonObject parsed(const QByteArray& json) { return QJsonDocument::fromJson(json).object(); }
+
+QByteArray lineOf(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+[[noreturn]] void fail(const QFile& file) {
+    throw Error(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+}
+
+QList<QByteArray> linesOf(const QString& name) {
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        fail(file);
+    return file.readAll().split('\n');
+}
+
+/// What of a line decides on the bytes of the image. A single merge knows no names of fields and
+/// channels.
+QJsonObject causes(QJsonObject line) {
+    for (const QString& key : {fieldKey, outcomeKey, bytesKey, timeKey})
+        line.remove(key);
+    QJsonArray channels;
+    for (const QJsonValue channel : line[channelsKey].toArray()) {
+        QJsonObject settings = channel.toObject();
+        settings.remove(QStringLiteral("name"));
+        channels << settings;
+    }
+    line[channelsKey] = channels;
+    return line;
+}
+
+} // namespace
+
+BatchLog::BatchLog(const QString& file, bool resume) {
+    if (file.isEmpty())
+        return;
+    file_.setFileName(file);
+    if (!file_.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered))
+        fail(file_);
+    if (resume)
+        for (const QByteArray& line : linesOf(file)) {
+            const QJsonObject object = parsed(line);
+            if (object[outcomeKey].toString() == doneOutcome)
+                doneByOutput_[object[outputKey].toString()] = object;
+        }
+    // A run may have been killed while it wrote.
+    char last = '\n';
+    if (file_.size() > 0 && file_.seek(file_.size() - 1) && file_.getChar(&last) && last != '\n')
+        file_.write("\n");
+}
+
+bool BatchLog::isDone(const QJsonObject& work) const {
+    const QJsonObject earlier = doneByOutput_.value(work[outputKey].toString());
+    const QFileInfo output(work[outputKey].toString());
+    const auto bytes = static_cast<qint64>(earlier[bytesKey].toDouble(-1));
+    return output.isFile() && output.size() == bytes &&
+           causes(earlier) == causes(parsed(lineOf(work)));
+}
+
+void BatchLog::add(const QJsonObject& line) {
+    const std::lock_guard lock(mutex_);
+    if (!file_.isOpen())
+        return;
+    const QByteArray bytes = lineOf(line);
+    if (file_.write(bytes) != bytes.size())
+        fail(file_);
+}
+
+void BatchLog::addDone(QJsonObject work, qint64 milliseconds) {
+    work[bytesKey] = static_cast<double>(QFileInfo(work[outputKey].toString()).size());
+    work[outcomeKey] = doneOutcome;
+    work[timeKey] = static_cast<double>(milliseconds);
+    add(work);
+}
+
+void BatchLog::addFailed(QJsonObject work, qint64 milliseconds, const QString& reason) {
+    work[outcomeKey] = QStringLiteral("failed");
+    work[reasonKey] = reason;
+    work[timeKey] = static_cast<double>(milliseconds);
+    add(work);
+}
+
+QJsonObject workOf(const Field& field, const RenderSpec& rendering) {
+    QJsonArray inputs, channels;
+    for (std::size_t i = 0; i < field.job.inputs.size(); ++i) {
+        const InputFile& input = field.job.inputs[i];
+        const QFileInfo info(input.file);
+        inputs << QJsonObject{
+            {"file", input.file},
+            {"bytes", static_cast<double>(info.size())},
+            {"modified", static_cast<double>(info.lastModified().toMSecsSinceEpoch())}};
+        QJsonObject channel = parsed(channelJson(rendering.channels[i].channelWithKnownLevels()));
+        channel[methodKey] = toQt(rendering.channels[i].levels.text());
+        channels << channel;
+    }
+    QJsonObject options{{"page", rendering.pages.number},
+                        {"all pages", rendering.pages.all},
+                        {"legend", rendering.annotation.legend}};
+    if (const auto& bar = rendering.annotation.scaleBar)
+        options["scale bar"] = QJsonArray{bar->micrometres, bar->pixelSize};
+    return {{fieldKey, field.name},  {"inputs", inputs},   {outputKey, field.job.output},
+            {channelsKey, channels}, {"options", options}, {"version", LUMETRA_VERSION}};
+}
+
+std::vector<LoggedImage> readLog(const QString& file) {
+    std::vector<LoggedImage> images;
+    const DyeList dyes;
+    for (const QByteArray& line : linesOf(file)) {
+        const QJsonObject object = parsed(line);
+        if (!object[outputKey].isString() || !object[outcomeKey].isString())
+            continue;
+        LoggedImage image;
+        image.output = object[outputKey].toString();
+        if (object[outcomeKey].toString() != doneOutcome)
+            image.reason = object[reasonKey].toString(QStringLiteral("failed"));
+        QJsonArray channels;
+        for (const QJsonValue channel : object[channelsKey].toArray()) {
+            QJsonObject settings = channel.toObject();
+            image.methods << settings.take(methodKey).toString();
+            channels << settings;
+        }
+        try {
+            const QByteArray json = QJsonDocument(QJsonObject{{channelsKey, channels}}).toJson();
+            image.channels = parseSettings(json, dyes).channels;
+        } catch (const std::runtime_error&) {
+            image.methods.clear(); // the line of another version; what became of it still holds
+        }
+        images.push_back(std::move(image));
+    }
+    return images;
+}
+
+} // namespace lumetra

@@ -1,0 +1,51 @@
+// One image file from the files of its channels.
+#pragma once
+
+#include "apps/cli/channel_files.h"
+#include "apps/cli/render_spec.h"
+#include "render/renderer.h"
+
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+namespace lumetra {
+
+/// The files of one image.
+struct RenderJob {
+    std::vector<InputFile> inputs; ///< One for each channel.
+    QString output;
+};
+
+/// Renders images one after another, and keeps the memory that it needs.
+class FileRenderer {
+public:
+    /// @param rendering  Kept by reference.
+    explicit FileRenderer(const RenderSpec& rendering) : rendering_(rendering) {}
+
+    /// Reads, renders and writes one image, or a stack. Contrast limits that are to be measured are
+    /// measured over all of its pages.
+    /// @return The size of the image in words.
+    /// @throws Error, Interrupted.
+    QString render(const RenderJob& job);
+
+private:
+    std::vector<Channel> channelsWithLevels(const ChannelFiles& files);
+
+    const RenderSpec& rendering_;
+    Renderer renderer_;
+    std::vector<cv::Mat> planes_;
+    cv::Mat image_;
+};
+
+/// The names of the files that are read.
+QStringList inputNames(const RenderJob& job);
+
+/// Writes the images that `draw` makes for 0 to `count` − 1 into a file: one, or a stack. Makes its
+/// folder.
+/// @throws Error with the file's name; Interrupted.
+void writeImages(const QString& output, Existing existing, int count,
+                 const std::function<const cv::Mat&(int)>& draw);
+
+} // namespace lumetra

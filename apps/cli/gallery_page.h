@@ -1,0 +1,15 @@
+// A gallery as a page that a browser shows.
+#pragma once
+
+#include "apps/cli/gallery.h"
+
+#include <QByteArray>
+
+namespace lumetra {
+
+/// The HTML of a gallery. It needs no server and nothing from elsewhere; images and thumbnails
+/// are named as they lie beside it, and loaded as they come into view.
+/// @param page  Where it will be.
+QByteArray galleryPage(const Gallery& gallery, const QString& page);
+
+} // namespace lumetra

@@ -1,0 +1,58 @@
+// lumetra levels: the contrast limits of a whole data set.
+
+#include "apps/cli/commands.h"
+#include "apps/cli/data_set_levels.h"
+#include "apps/common/error.h"
+#include "apps/common/text.h"
+#include "imageio/output_conflicts.h"
+
+namespace lumetra {
+namespace {
+
+/// How levels were found, each way once.
+QString methodText(const std::vector<ChannelSpec>& channels) {
+    QStringList methods;
+    for (const ChannelSpec& channel : channels)
+        methods << toQt(channel.levels.text());
+    methods.removeDuplicates();
+    return methods.join(QStringLiteral(", "));
+}
+
+Settings settingsWith(const std::vector<ChannelSpec>& channels, const DataSetLevels& measured) {
+    Settings settings;
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        settings.channels.push_back(channels[i].channel);
+        settings.channels[i].levels = levelsOf(measured.histograms[i], channels[i].levels);
+    }
+    settings.measured = Measurement{methodText(channels), measured.files};
+    return settings;
+}
+
+} // namespace
+
+int runLevels(const LevelsOptions& options) {
+    const std::vector<Channel> channels =
+        namedChannels(options.dataSet.channels, std::nullopt, dyesWith(options.customDyes));
+    const std::vector<ChannelSpec> shown = channelSpecs(channels, options.contrast, {}, false);
+    const QString& output = options.output.file;
+    checkOutput(output, {}, existingOf(options.output));
+    std::vector<Field> fields = requestedFields(options.dataSet, channels);
+    if (fields.empty())
+        return nothingMatched;
+    checkOutputConflicts({output, options.dataSet.progress},
+                         inputNames(fields) << options.customDyes << options.dataSet.filesFrom);
+
+    DataSetLevels measured;
+    {
+        Progress progress(QStringLiteral("measuring"), static_cast<int>(fields.size()),
+                          options.output.quiet, options.dataSet.progress);
+        measured = measureLevels(fields, options.pages, options.dataSet.jobs, progress);
+    }
+    printProblems(fields);
+    if (measured.files == 0)
+        throw Error(QStringLiteral("no field could be measured"));
+    writeBytes(output, settingsJson(settingsWith(shown, measured)), existingOf(options.output));
+    return hasProblems(fields) ? failed : done;
+}
+
+} // namespace lumetra

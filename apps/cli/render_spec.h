@@ -1,0 +1,65 @@
+// How images are to be rendered.
+#pragma once
+
+#include "apps/cli/options.h"
+#include "apps/common/annotation.h"
+#include "apps/common/settings.h"
+#include "imageio/atomic_file.h"
+#include "render/channel.h"
+#include "render/level_policy.h"
+
+#include <optional>
+#include <vector>
+
+namespace lumetra {
+
+/// How one channel is shown.
+struct ChannelSpec {
+    /// The channel with the contrast limits that are known before its plane is; none if they are to
+    /// be measured, or if pixel values stay as they are.
+    Channel channelWithKnownLevels() const;
+
+    Channel channel;    ///< Its `levels` are not used: `levels` below says how they are found.
+    LevelPolicy levels; ///< How its contrast limits are found.
+};
+
+/// How images are to be rendered, the same for all of a data set.
+struct RenderSpec {
+    std::vector<ChannelSpec> channels;
+    PageSelection pages;
+    Annotation annotation;
+    Existing existing = Existing::keep; ///< What becomes of outputs that are there.
+};
+
+/// What options say of outputs that are there.
+Existing existingOf(const OutputOptions& output);
+
+/// `LOW:HIGH` as the user wrote it.
+/// @throws UsageError for anything else.
+ContrastLimits limitsOf(const QString& text);
+
+/// The dyes, with those of a file of custom dyes if its name is not empty.
+/// @throws Error with the file's name.
+DyeList dyesWith(const QString& customDyes);
+
+/// The settings that the options name, if they do.
+/// @throws Error with the file's name.
+std::optional<Settings> settingsOf(const ChannelOptions& options, const DyeList& dyes);
+
+Annotation annotationOf(const AnnotationOptions& options);
+
+/// Channels with the contrast limits, gamma and visibility that options ask for: the user's limits
+/// for all or for each, otherwise the channel's own, otherwise `clip:0.1`.
+/// @param hidden        Numbers of channels, from 1.
+/// @param fromSettings  Whether the channels have limits of their own.
+/// @throws UsageError if options fit neither the number of channels nor each other.
+std::vector<ChannelSpec> channelSpecs(const std::vector<Channel>& channels,
+                                      const ContrastOptions& contrast,
+                                      const std::vector<int>& hidden, bool fromSettings);
+
+/// All that the options of a command say about rendering.
+/// @throws UsageError as `channelSpecs`.
+RenderSpec renderSpec(const std::vector<Channel>& channels, const ImageOptions& image,
+                      const ChannelOptions& options);
+
+} // namespace lumetra

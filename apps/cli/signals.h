@@ -1,0 +1,21 @@
+// Being asked to stop.
+#pragma once
+
+#include <exception>
+
+namespace lumetra {
+
+/// Thrown where work is given up because the user wants it to end.
+struct Interrupted : std::exception {};
+
+/// From now on the first SIGINT or SIGTERM is remembered and a second one ends the program; a
+/// reader that goes away is an error of writing.
+void catchSignals();
+
+/// The signal that came; 0 if there was none.
+int caughtSignal();
+
+/// @throws Interrupted once a signal has come.
+void throwIfInterrupted();
+
+} // namespace lumetra

@@ -1,0 +1,50 @@
+#include "apps/viewer/frame_monitor.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace lumetra {
+
+FrameMonitor::FrameMonitor(const Viewer& viewer) : viewer_(viewer) {
+    connect(&viewer, &Viewer::imageChanged, this, &FrameMonitor::countFrame);
+    connect(&viewer, &Viewer::sourceChanged, this, &FrameMonitor::reset);
+    connect(&second_, &QTimer::timeout, this, &FrameMonitor::tick);
+    second_.start(1000);
+    sinceTick_.start();
+    sinceFrame_.start();
+}
+
+void FrameMonitor::countFrame() {
+    forgetSilence();
+    const std::uint64_t frame = viewer_.rendered().frame;
+    frames_ += frame != lastFrame_ ? 1 : 0; // the same one may be shown in another way
+    lastFrame_ = frame;
+}
+
+/// The source is another one, or has been started or stopped.
+void FrameMonitor::reset() {
+    forgetSilence();
+    if (viewer_.rendered().frame == 0)
+        droppedBefore_ = viewer_.dropped();
+}
+
+void FrameMonitor::forgetSilence() {
+    sinceFrame_.start();
+    if (std::exchange(isStalled_, false))
+        emit resumed();
+}
+
+void FrameMonitor::tick() {
+    const double seconds = std::max(double(sinceTick_.restart()) / 1000, 0.001);
+    const int frames = std::exchange(frames_, 0);
+    const auto rate = viewer_.isRunning() ? std::optional(frames / seconds) : std::nullopt;
+    emit measured(rate, viewer_.dropped() - droppedBefore_);
+
+    const double patience = std::max(2.0, 3 / viewer_.rate());
+    const double silence = double(sinceFrame_.elapsed()) / 1000;
+    isStalled_ = viewer_.isRunning() && silence > patience;
+    if (isStalled_)
+        emit stalled(silence);
+}
+
+} // namespace lumetra
