@@ -1,5 +1,5 @@
-// What the pages of docs/api hold that the library makes: the table of all dyes and a custom dye
-// file. Compares it with the pages, or writes it into them.
+// Compares the generated parts of docs/api, the table of all dyes and a custom dye file, with what
+// the library gives, or renews them.
 
 #include <filesystem>
 #include <fstream>
@@ -19,19 +19,19 @@ namespace {
 
 constexpr auto usage = R"(usage: contents [--renew] APIDIR
 
-Compares what the pages in APIDIR hold of the library's data with the library, or renews it.
+Compares the generated parts of the pages in APIDIR with the library's data; --renew rewrites them.
 )";
 
-/// What a user who looks for a dye by its usual name, or wonders at a value, needs to know.
+/// Usual spellings of names, and explanations of unexpected values.
 const QMap<QString, QString> remarks{
     {"7-ADD(7-amino-actinomycin D)", "usually 7-AAD; the same dye: 7-Aminoactinomycin D(7-ADD)"},
     {"7-Aminoactinomycin D(7-ADD)", "usually 7-AAD; the same dye: 7-ADD(7-amino-actinomycin D)"},
     {"5-Carboxynapthofluorescein", "usually 5-Carboxynaphthofluorescein"},
     {"BODIPY 577^618", "500 and 550 nm, not those of its name"},
-    {"Brightfield", "transmitted light, no dye"},
+    {"Brightfield", "transmitted light, not a dye"},
     {"CI-NERF[low pH]", "usually Cl-NERF; here with a capital I"},
     {"Dapoxyl", "37 nm: a digit is missing"},
-    {"DIC", "transmitted light, no dye"},
+    {"DIC", "transmitted light, not a dye"},
     {"DiI(DiIC 18(3))", "emission 656 nm, so red; DiL(DiLC 18(3)) has 565 nm"},
     {"DiL(DiLC 18(3))", "usually DiI; the entry with 565 nm"},
     {"Diehtylaminocoumarin", "usually Diethylaminocoumarin"},
@@ -45,14 +45,14 @@ const QMap<QString, QString> remarks{
     {"Neuro Trace 500_525 Nissl", "usually NeuroTrace 500/525"},
     {"Nudear Yellow", "usually Nuclear Yellow"},
     {"PBF1", "usually PBFI; here with the digit 1"},
-    {"Phase", "transmitted light, no dye"},
+    {"Phase", "transmitted light, not a dye"},
     {"R-phycocythrin", "usually R-phycoerythrin"},
     {"R-phycocythrin[PE]", "usually R-phycoerythrin"},
     {"Rhodamine Rex-X", "usually Rhodamine Red-X"},
     {"jGold[high pH]", "usually Fluoro-Gold (high pH)"},
 };
 
-/// Whether a dye has another colour than its emission wavelength gives.
+/// Whether the colour of a dye differs from that of its emission wavelength.
 bool hasOwnColour(const FLUO_DYE_TYPE& dye) {
     if (dye.nEmission < 380 || dye.nEmission > 799)
         return true;
@@ -69,14 +69,14 @@ QString remarkOn(const QString& name, const FLUO_DYE_TYPE& dye) {
     if (dye.nEmission < dye.nExcitation)
         all << "emission below excitation";
     if (hasOwnColour(dye))
-        all << "a colour of its own";
+        all << "fixed colour";
     return all.join("; ");
 }
 
 std::string dyeTable() {
     for (const QString& name : remarks.keys())
         if (!Lumetra::g_mapFluo.contains(name))
-            throw Failure("there is a remark on a dye that is not there: " + name.toStdString());
+            throw Error("a remark names an unknown dye: " + name.toStdString());
     std::ostringstream table;
     table << "| Dye | Excitation, nm | Emission, nm | Colour | Remark |\n|---|--:|--:|---|---|\n";
     for (auto dye = Lumetra::g_mapFluo.cbegin(); dye != Lumetra::g_mapFluo.cend(); ++dye)
@@ -91,7 +91,7 @@ std::string textOf(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(in), {}};
     if (!in)
-        throw Failure("cannot read " + file.string());
+        throw Error("cannot read " + file.string());
     return text;
 }
 
@@ -104,21 +104,21 @@ std::string customDyeFile() {
     return textOf(file.toStdString());
 }
 
-/// A page's part from the line `first` up to the next line `last` is to be `content`.
+/// Makes the part of a page from the line `first` up to the next line `last` equal to `content`.
 void settle(const std::filesystem::path& page, const std::string& first, const std::string& last,
             const std::string& content, bool renew) {
     std::string text = textOf(page);
     const size_t begin = text.find("\n" + first) + 1;
     const size_t end = text.find("\n" + last + "\n", begin + first.size()) + 1;
     if (begin == 0 || end == 0)
-        throw Failure(page.string() + " has no place for what the library makes");
+        throw Error(page.string() + " lacks the section to renew");
     if (text.compare(begin, end - begin, content) == 0)
         return;
     if (!renew)
-        throw Failure(page.string() + " is stale; build the target docs_contents");
+        throw Error(page.string() + " is out of date; build the target docs_contents");
     text.replace(begin, end - begin, content);
     if (!(std::ofstream(page, std::ios::binary) << text << std::flush))
-        throw Failure("cannot write " + page.string());
+        throw Error("cannot write " + page.string());
 }
 
 } // namespace
@@ -127,7 +127,7 @@ int main(int argc, char** argv) {
     return runProgram(usage, [&] {
         const bool renew = argc == 3 && argv[1] == std::string("--renew");
         if (argc != 2 && !renew)
-            throw BadUsage{};
+            throw UsageError{};
         const std::filesystem::path pages = argv[argc - 1];
         Lumetra::InitFluoDyeType();
         settle(pages / "dyes.md", "| Dye |", "", dyeTable(), renew);

@@ -1,13 +1,13 @@
-# Makes the pages in the working folder by the Doxyfile there. Looks for Doxygen only now, so that it
-# may be installed at any time.
+# Makes the pages in the working folder from the Doxyfile there. Looks for Doxygen only now, so that
+# it can be installed at any time.
 find_program(doxygen doxygen NO_CACHE)
 if(NOT doxygen)
   message(FATAL_ERROR "docs: doxygen is not installed")
 endif()
-file(REMOVE_RECURSE html) # or pages that are no more would stay
+file(REMOVE_RECURSE html) # otherwise deleted pages would stay
 execute_process(COMMAND ${doxygen} Doxyfile COMMAND_ERROR_IS_FATAL ANY)
 
-# Lists that nothing leads to, and Doxygen's scripts, styles and icons, for which we have our own.
+# Removes lists that no page links to, and Doxygen's scripts, styles and icons, which ours replace.
 file(GLOB lists html/annotated.html html/classes.html html/functions*.html html/pages.html
      html/dir_*.html html/*-members.html)
 file(REMOVE ${lists})

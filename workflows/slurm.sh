@@ -1,20 +1,20 @@
 #!/usr/bin/env bash
-# Makes the pictures of a plate on a cluster with Slurm: levels, an array of fields, the gallery.
-# usage: slurm.sh    in the folder of the plate, which every node must see; once more after a stop
+# Renders the images of a plate on a cluster with Slurm: limits, an array of fields, the gallery.
+# usage: slurm.sh    in the folder of the plate, on storage of all nodes; again after a stop
 #SBATCH --output=logs/%x-%j.txt
 #SBATCH --time=01:00:00
 #SBATCH --mem=1G
 #SBATCH --cpus-per-task=1
 set -euo pipefail
 
-# Yours to change, as are the lines for Slurm above.
+# Edit this, and the lines for Slurm above.
 pattern='plate/{well}_{site}_{channel}.tif'
 channels=(--channel nuclei=DAPI --channel filaments=FITC
           --channel 'mitochondria=MitoTracker Red 580')
-pictures=out
-chunks=4 # a task takes some minutes at best: starting it costs a second or more
+images=out
+chunks=4 # a task should take minutes: starting it costs a second or more
 
-# Prints the number of the job. usage: submit STEP OPTION...
+# Prints the job number. usage: submit STEP OPTION...
 submit() {
   sbatch --parsable --kill-on-invalid-dep=yes --job-name="lumetra-$1" "${@:2}" "$0" "$1"
 }
@@ -28,24 +28,24 @@ case ${1:-submit} in
     echo "slurm.sh: jobs $levels (levels), $fields (fields), $gallery (gallery)"
     ;;
   levels)
-    # Measured once: only under the same levels can pictures be compared, those of a later run
-    # included. Status 1 with levels written means that some fields could not be measured, which are
-    # told by name; that keeps nobody from making the others.
+    # Contrast limits are measured once: images can be compared only if they have the same limits,
+    # also those of a later run. Status 1 with a file written means that some fields could not be
+    # measured; they are reported by name, and the others are rendered.
     [ -s plate.json ] || lumetra levels "$pattern" "${channels[@]}" \
       --jobs "$SLURM_CPUS_PER_TASK" -o plate.json --quiet || {
       status=$?
       [ $status = 1 ] && [ -s plate.json ] || exit $status
-      echo "slurm.sh: these levels are of the fields that could be measured" >&2
+      echo "slurm.sh: some fields were not measured; using the contrast limits of the others" >&2
     }
     ;;
-  fields) # each task with a log of its own, as nodes cannot append to one
+  fields) # each task has its own log, since nodes cannot share one
     lumetra batch "$pattern" --settings plate.json --shard "$SLURM_ARRAY_TASK_ID/$chunks" \
-      --jobs "$SLURM_CPUS_PER_TASK" -o "$pictures/{well}_{site}.png" \
+      --jobs "$SLURM_CPUS_PER_TASK" -o "$images/{well}_{site}.png" \
       --log "logs/fields-$SLURM_ARRAY_TASK_ID.json" --resume --quiet
     ;;
   gallery)
     cat logs/fields-*.json >fields.log
-    lumetra gallery "$pictures" -o index.html --settings plate.json --log fields.log \
+    lumetra gallery "$images" -o index.html --settings plate.json --log fields.log \
       --jobs "$SLURM_CPUS_PER_TASK" --overwrite --quiet
     ;;
 esac

@@ -1,5 +1,4 @@
-// Marks the page in the navigation; shows the colours of the table of dyes, and lets it be searched
-// and sorted.
+// Marks the page in the navigation; adds colours, search and sorting to the table of dyes.
 "use strict";
 
 const here = location.pathname.split("/").pop() || "index.html";
@@ -41,7 +40,7 @@ function makeUsable(table) {
   table.before(bar);
   search.oninput();
 
-  // Colours sort by hue; what has none comes last.
+  // Colours sort by hue; grays come last.
   const hue = row => {
     const [r, g, b] = text(row, 3).match(/[0-9a-f]{2}/g).map(part => parseInt(part, 16));
     const most = Math.max(r, g, b), spread = most - Math.min(r, g, b);
