@@ -194,7 +194,7 @@ const DyeList& builtInDyes() {
 }
 
 void giveDye(const Dye& dye, lumetra_dye* given) {
-    lumetra_dye known = current<lumetra_dye>(given);
+    auto known = current<lumetra_dye>(given);
     known.name = nullptr;
     for (const CatalogueRow& row : catalogueTable) // whose names stay where they are
         if (dye.name == row.name)

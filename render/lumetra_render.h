@@ -18,6 +18,7 @@
 #ifndef LUMETRA_RENDER_H
 #define LUMETRA_RENDER_H
 
+/* NOLINTBEGIN(modernize-*): C has neither <cstdint> nor `using`. */
 #include "render/export.h"
 
 #include <stddef.h>
@@ -122,5 +123,6 @@ LUMETRA_RENDER_EXPORT int lumetra_find_colormap(const char* name, uint8_t* colou
 #ifdef __cplusplus
 }
 #endif
+/* NOLINTEND(modernize-*) */
 
 #endif

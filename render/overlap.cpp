@@ -9,6 +9,7 @@ Overlap::Overlap(cv::Size planeSize, const std::vector<Channel>& channels) {
     if (channels.empty())
         throw RenderError("there are no channels to show");
     std::vector<cv::Point> offsets;
+    offsets.reserve(channels.size());
     for (const Channel& channel : channels)
         offsets.push_back(channel.offset);
     const Alignment alignment(offsets);

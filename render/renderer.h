@@ -75,8 +75,8 @@ private:
     struct Canvas;
 
     void prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels);
-    const cv::Mat& tint(const cv::Mat& part, const Channel& channel, ChannelBuffers& buffers,
-                        bool isLast);
+    static const cv::Mat& tint(const cv::Mat& part, const Channel& channel, ChannelBuffers& buffers,
+                               bool isLast);
     void renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast);
     void setColourTable(int bitDepth, const ColourMapping& mapping);
 
