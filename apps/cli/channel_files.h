@@ -25,7 +25,7 @@ public:
     int images() const { return images_; }
     std::size_t channels() const { return files_.size(); }
 
-    /// The plane of a channel for image `i`, plural from 0: CV_8UC1 or CV_16UC1.
+    /// The plane of a channel for image `i`, counted from 0: CV_8UC1 or CV_16UC1.
     /// @throws Error with the file's name if it cannot be read, or has colours.
     cv::Mat gray(std::size_t channel, int i) const;
 

@@ -28,7 +28,7 @@ public:
     /// The files with the page that each of them shows, named where there are several.
     std::vector<ChannelFile> filesAt(int page) const;
 
-    /// Chooses the page that comes next, plural from 1. From any thread.
+    /// Chooses the page that comes next, counted from 1. From any thread.
     void setPage(int page);
 
     /// Gives the page that was chosen, or the one after that of the last time; at either end the

@@ -12,7 +12,7 @@ namespace lumetra {
 struct Frame {
     std::vector<cv::Mat> planes; ///< CV_8UC1 or CV_16UC1, one for each channel.
     std::uint64_t number = 0;    ///< Counted from 1 since the source was opened.
-    int page = 0;                ///< Of files, plural from 1; 0 for a camera.
+    int page = 0;                ///< Of files, counted from 1; 0 for a camera.
 };
 
 /// A camera, or something that can be shown like one.

@@ -16,7 +16,7 @@ public:
 
     void setPages(int pages);
 
-    /// Shows a page, plural from 1, without choosing it.
+    /// Shows a page, counted from 1, without choosing it.
     void showPage(int page);
 
 signals:

@@ -114,7 +114,7 @@ void Viewer::stop() {
     if (!feed_)
         return;
     feed_->stop();
-    updateSettings(); // all pixels of the last frame are plural now
+    updateSettings(); // all pixels of the last frame are counted now
     emit sourceChanged();
 }
 
