@@ -65,7 +65,8 @@ if(LUMETRA_BUILD_APPS)
   set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${description}\nThis package contains the command lumetra, for images, stacks and data sets.")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+      "${PROJECT_BINARY_DIR}" "${PROJECT_BINARY_DIR}/render")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
       "liblumetra-render0 (>= ${PROJECT_VERSION}), fonts-dejavu-core")
 

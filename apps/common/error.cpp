@@ -25,7 +25,7 @@ QString plural(std::size_t count, const QString& noun) {
 }
 
 QString currentExceptionText() {
-    const QString noMemory = QStringLiteral("there is not enough memory");
+    QString noMemory = QStringLiteral("there is not enough memory");
     try {
         throw;
     } catch (const cv::Exception& error) {
