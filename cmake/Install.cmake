@@ -1,6 +1,6 @@
 # What `cmake --install` gives a host: headers, library, CMake and pkg-config files, examples and
 # documentation. No installed file names a directory of the machine that built it. The components
-# are the Debian packages. The builds with Qt 5 and Qt 6 share no file.
+# are the Debian packages. The builds with Qt 5 and Qt 6 share no file but those of the render library.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -38,7 +38,7 @@ configure_file(cmake/lumetra.pc.in lumetra${qt_suffix}.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/lumetra${qt_suffix}.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# The library for rendering knows nothing of Qt: one for both builds, so only its files are its own.
+# The render library knows nothing of Qt: both builds install the same one.
 set(render_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/LumetraRender)
 set(render_include_dir ${CMAKE_INSTALL_INCLUDEDIR}/lumetra-render)
 target_include_directories(LumetraRender PUBLIC $<INSTALL_INTERFACE:${render_include_dir}>)

@@ -1,5 +1,5 @@
-# Debian packages, one for each component of the installation; scripts/package makes them. The
-# examples are the same for either generation of Qt and come with the build for Qt 5.
+# Debian packages, one for each component of the installation; scripts/package makes them. The render
+# library and the examples are the same for either generation of Qt and come with the build for Qt 5.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lumetra${qt_suffix})
 # Debian's tools require an address. The domain of this one never exists; see SECURITY.md.
@@ -36,19 +36,19 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "${runtime_package} (= ${PROJECT_VERSION}), ${qt_package}, libopencv-dev")
 
+set(render_description "liblumetra-render makes one image from planes of gray pixels and their display
+settings (dye, contrast limits, gamma, offset), for C++ and, by a C interface,
+for other languages.")
+
 set(CPACK_DEBIAN_RENDER_PACKAGE_NAME liblumetra-render0)
-set(CPACK_DEBIAN_RENDER_DESCRIPTION "Rendering of fluorescence channels into one image
-From planes of gray pixels and display settings (dye, contrast limits, gamma,
-offset) to one image, for C++ and, by a C interface, for other languages.\nThis package contains the library.")
+set(CPACK_DEBIAN_RENDER_DESCRIPTION "${render_description}\nThis package contains the library.")
 set(CPACK_DEBIAN_RENDER_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RENDER_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RENDER_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
 set(CPACK_DEBIAN_RENDER_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 
 set(CPACK_DEBIAN_RENDER-DEVELOPMENT_PACKAGE_NAME liblumetra-render-dev)
-set(CPACK_DEBIAN_RENDER-DEVELOPMENT_DESCRIPTION "Rendering of fluorescence channels into one image, development files
-From planes of gray pixels and display settings (dye, contrast limits, gamma,
-offset) to one image, for C++ and, by a C interface, for other languages.\nThis package contains the files needed to build with it.")
+set(CPACK_DEBIAN_RENDER-DEVELOPMENT_DESCRIPTION "${render_description}\nThis package contains the files needed to build with it.")
 set(CPACK_DEBIAN_RENDER-DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_RENDER-DEVELOPMENT_PACKAGE_DEPENDS
     "liblumetra-render0 (= ${PROJECT_VERSION}), libopencv-dev")
@@ -65,8 +65,8 @@ if(LUMETRA_BUILD_APPS)
   set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${description}\nThis package contains the command lumetra, for images, stacks and data sets.")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-      "${PROJECT_BINARY_DIR}" "${PROJECT_BINARY_DIR}/render")
+  # The programs' packages are made where liblumetra-render0 is not installed.
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/render")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
       "liblumetra-render0 (>= ${PROJECT_VERSION}), fonts-dejavu-core")
 
