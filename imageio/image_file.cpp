@@ -1,12 +1,16 @@
 #include "imageio/image_file.h"
 
 #include "imageio/bmp_reader.h"
+#include "imageio/file_description.h"
+#include "imageio/gray_check.h"
 #include "imageio/jpeg_reader.h"
 #include "imageio/png_reader.h"
 #include "imageio/pnm_reader.h"
 #include "imageio/reason.h"
 #include "imageio/tiff_reader.h"
+#include "imageio/value_conversion.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -47,10 +51,20 @@ std::unique_ptr<PageReader> openReader(const QString& file) {
     throw Reason(start.isEmpty() ? "is empty" : "is not a TIFF, PNG, JPEG, BMP, PGM or PPM file");
 }
 
+/// @throws Reason unless an image has unsigned integers of up to 16 bits.
+void requireIntegers(const cv::Mat& image, const std::optional<ValueType>& type) {
+    if (needsConversion(image))
+        throw Reason(QStringLiteral("is %1, and needs contrast limits")
+                         .arg(type ? type->text() : QStringLiteral("of real numbers")));
+}
+
 } // namespace
 
 ImageFile::ImageFile(QString file) : file_(std::move(file)) {
-    reader_ = withFileName(file_, [this] { return openReader(file_); });
+    withFileName(file_, [this] {
+        reader_ = openReader(file_);
+        description_ = std::make_unique<FileDescription>(reader_->describe());
+    });
 }
 
 ImageFile::~ImageFile() = default;
@@ -59,20 +73,113 @@ ImageFile& ImageFile::operator=(ImageFile&&) noexcept = default;
 
 int ImageFile::pages() const { return reader_->pages(); }
 
+const Axes& ImageFile::axes() const { return description_->axes; }
+
+const FileMetadata& ImageFile::metadata() const { return description_->metadata; }
+
+int ImageFile::indexOfPage(int number) const {
+    if (number < 1 || number > pages())
+        throw Reason(
+            QStringLiteral("there is no page %1; the file has %2").arg(number).arg(pages()));
+    return number - 1;
+}
+
+const PlaneAddress& ImageFile::addressOf(int channel, int slice, int frame) const {
+    const auto check = [](const char* what, int number, int count) {
+        if (number < 1 || number > count)
+            throw Reason(QStringLiteral("there is no %1 %2; the file has %3")
+                             .arg(QLatin1String(what))
+                             .arg(number)
+                             .arg(count));
+    };
+    check("channel", channel, axes().channels);
+    check("z-slice", slice, axes().slices);
+    check("time point", frame, axes().frames);
+    return description_->planes[description_->indexOf(channel - 1, slice - 1, frame - 1)];
+}
+
+int ImageFile::pageOf(int channel, int slice, int frame) const {
+    return withFileName(file_, [&] {
+        const PlaneAddress& address = addressOf(channel, slice, frame);
+        return address.file == 0 ? address.page + 1 : 0;
+    });
+}
+
+PageReader& ImageFile::readerBeside(int number) const {
+    if (otherNumber_ == number)
+        return *other_;
+    otherNumber_ = 0;
+    const QString& name = description_->others[static_cast<std::size_t>(number) - 1];
+    const QString path = QFileInfo(file_).dir().filePath(name);
+    if (!QFileInfo(path).isFile())
+        throw Reason(
+            QStringLiteral("this plane is in the file %1, which is not beside it").arg(name));
+    try {
+        other_ = openReader(path);
+    } catch (const Reason& reason) {
+        throw Reason(QStringLiteral("this plane is in the file %1, which %2")
+                         .arg(name, QString::fromUtf8(reason.what())));
+    }
+    otherNumber_ = number;
+    return *other_;
+}
+
+cv::Mat ImageFile::plane(int channel, int slice, int frame) const {
+    return withFileName(file_, [&] {
+        const PlaneAddress& address = addressOf(channel, slice, frame);
+        if (address.page == PlaneAddress::nowhere)
+            throw Reason(QStringLiteral("holds no plane for channel %1, z-slice %2, time point %3")
+                             .arg(channel)
+                             .arg(slice)
+                             .arg(frame));
+        PageReader& reader = address.file == 0 ? *reader_ : readerBeside(address.file);
+        if (address.page >= reader.pages())
+            throw Reason(QStringLiteral("this plane is page %1 of a file that has %2")
+                             .arg(address.page + 1)
+                             .arg(reader.pages()));
+        return reader.readPlane(address.page, address.component);
+    });
+}
+
+cv::Mat ImageFile::planeOfPage(int number, int component) const {
+    return withFileName(file_, [&] {
+        const int index = indexOfPage(number);
+        const int count = reader_->components(index);
+        if (component < 1 || component > count)
+            throw Reason(QStringLiteral("page %1 has no channel %2; it has %3")
+                             .arg(number)
+                             .arg(component)
+                             .arg(count));
+        return reader_->readPlane(index, count > 1 ? component - 1 : PlaneAddress::whole);
+    });
+}
+
+int ImageFile::components(int number) const {
+    return withFileName(file_, [&] { return reader_->components(indexOfPage(number)); });
+}
+
+std::optional<ValueType> ImageFile::valueType(int number) const {
+    return withFileName(file_, [&] { return reader_->valueType(indexOfPage(number)); });
+}
+
 cv::Mat ImageFile::page(int number) const {
     return withFileName(file_, [&] {
-        if (number < 1 || number > pages())
-            throw Reason(
-                QStringLiteral("there is no page %1; the file has %2").arg(number).arg(pages()));
-        return reader_->read(number - 1);
+        cv::Mat image = grayIfEqual(reader_->read(indexOfPage(number)));
+        requireIntegers(image, reader_->valueType(number - 1));
+        return image;
     });
 }
 
 cv::Mat ImageFile::grayPage(int number) const {
-    cv::Mat read = page(number);
-    if (read.channels() != 1)
-        throw FileError(file_, QStringLiteral("has colours, and a channel must be gray"));
-    return read;
+    return withFileName(file_, [&] {
+        const int index = indexOfPage(number);
+        if (const int count = reader_->components(index); count > 1)
+            throw Reason(
+                QStringLiteral("page %1 has %2 channels; choose one").arg(number).arg(count));
+        cv::Mat plane = reader_->readPlane(index, PlaneAddress::whole);
+        requireIntegers(plane, reader_->valueType(index));
+        return plane;
+    });
 }
 
 } // namespace lumetra

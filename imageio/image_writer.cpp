@@ -9,16 +9,17 @@
 
 namespace lumetra {
 
-void writeImage(const QString& file, const cv::Mat& image, Existing existing) {
+void writeImage(const QString& file, const cv::Mat& image, Existing existing,
+                std::optional<double> pixelSize) {
     CV_Assert(!image.empty() && (image.channels() == 1 || image.channels() == 3));
     CV_Assert(image.depth() == CV_8U || image.depth() == CV_16U);
     switch (outputFormat(file)) {
     case OutputFormat::png:
-        return writeFile(file, existing, [&](QIODevice& out) { encodePng(image, out); });
+        return writeFile(file, existing, [&](QIODevice& out) { encodePng(image, out, pixelSize); });
     case OutputFormat::jpeg:
         return writeFile(file, existing, [&](QIODevice& out) { encodeJpeg(image, out); });
     case OutputFormat::tiff:
-        TiffWriter writer(file, existing, image.total() * image.elemSize());
+        TiffWriter writer(file, existing, image.total() * image.elemSize(), pixelSize);
         writer.add(image);
         return writer.commit();
     }

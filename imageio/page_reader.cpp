@@ -1,7 +1,11 @@
 #include "imageio/page_reader.h"
 
+#include "imageio/gray_check.h"
 #include "imageio/reason.h"
 
+#include <opencv2/core.hpp>
+
+#include <algorithm>
 #include <limits>
 
 namespace lumetra {
@@ -32,6 +36,38 @@ cv::Mat PageReader::newImage(std::uint64_t width, std::uint64_t height, int type
         throw Reason("claims more pixels than the file can hold");
     cv::Mat image(static_cast<int>(height), static_cast<int>(width), type);
     return image;
+}
+
+cv::Mat PageReader::readPlane(int index, int component) {
+    cv::Mat image = read(index);
+    if (component != PlaneAddress::whole && image.channels() == 3) {
+        cv::Mat plane;
+        cv::extractChannel(image, plane, 2 - component); // of blue, green and red
+        return plane;
+    }
+    image = grayIfEqual(std::move(image));
+    if (image.channels() != 1)
+        throw Reason("has colours, and a channel must be gray");
+    return image;
+}
+
+FileDescription PageReader::describe() { return pagesAsSlices(); }
+
+FileDescription PageReader::pagesAsSlices() const {
+    FileDescription description;
+    const int channels = components(0);
+    if (pages() > mostPlanes / channels)
+        throw Reason("has too many planes");
+    description.axes = {channels, pages(), 1};
+    description.metadata.channels.resize(static_cast<std::size_t>(channels));
+    for (int page = 0; page < pages(); ++page)
+        for (int c = 0; c < channels; ++c) {
+            const bool isThere = c < components(page);
+            description.planes.push_back(
+                {isThere ? page : PlaneAddress::nowhere,
+                 static_cast<std::int16_t>(channels > 1 ? c : PlaneAddress::whole), 0});
+        }
+    return description;
 }
 
 } // namespace lumetra

@@ -1,12 +1,15 @@
 // What every format's reader has to give.
 #pragma once
 
+#include "imageio/file_description.h"
+
 #include <opencv2/core/mat.hpp>
 
 #include <QFile>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace lumetra {
@@ -28,7 +31,27 @@ public:
     /// @param index  From 0 to pages() - 1.
     virtual cv::Mat read(int index) = 0;
 
+    /// How many planes a page holds: the values that each of its pixels has. RGB, which an observer
+    /// sees as one image, counts as one.
+    virtual int components(int /*index*/) const { return 1; }
+
+    /// How a page's values are stored; nothing where the matrix that is read tells it.
+    virtual std::optional<ValueType> valueType(int /*index*/) const { return {}; }
+
+    /// One plane of a page, orientation applied: CV_8UC1 or CV_16UC1; CV_32FC1 or CV_64FC1 for
+    /// values of other types. Equal red, green and blue are gray, a palette's indices are the
+    /// plane. The memory is the caller's.
+    /// @param component  From 0; 0 to 2 are red, green and blue of a page of colours.
+    ///                   PlaneAddress::whole for the only plane of a page.
+    virtual cv::Mat readPlane(int index, int component);
+
+    /// What the file says of its planes. Here: nothing, its pages are z-slices.
+    virtual FileDescription describe();
+
 protected:
+    /// The description of a file that says nothing.
+    FileDescription pagesAsSlices() const;
+
     QFile& file() { return *file_; }
 
     /// Reads as many bytes from where the file stands.

@@ -5,10 +5,18 @@
 
 #include <QSysInfo>
 
+#include <cmath>
+
 #include <zlib.h>
 
 namespace lumetra {
 namespace {
+
+/// As PNG has it; 0 for none, and for what its 31 bits do not hold.
+png_uint_32 pixelsPerMetre(std::optional<double> micrometres) {
+    const double perMetre = micrometres ? std::round(1e6 / *micrometres) : 0;
+    return perMetre >= 1 && perMetre <= PNG_UINT_31_MAX ? static_cast<png_uint_32>(perMetre) : 0;
+}
 
 class PngEncoder {
 public:
@@ -34,7 +42,7 @@ public:
     PngEncoder(const PngEncoder&) = delete;
     PngEncoder& operator=(const PngEncoder&) = delete;
 
-    void write(const cv::Mat& image) {
+    void write(const cv::Mat& image, std::optional<double> pixelSize) {
         guarded(png_, errors_, "cannot be written", [&] {
             const bool isColour = image.channels() == 3;
             png_set_filter(png_, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
@@ -44,6 +52,8 @@ public:
                          static_cast<png_uint_32>(image.rows), image.depth() == CV_8U ? 8 : 16,
                          isColour ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
                          PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+            if (const auto perMetre = pixelsPerMetre(pixelSize); perMetre > 0)
+                png_set_pHYs(png_, info_, perMetre, perMetre, PNG_RESOLUTION_METER);
             png_write_info(png_, info_);
             if (isColour)
                 png_set_bgr(png_);
@@ -64,6 +74,8 @@ private:
 
 } // namespace
 
-void encodePng(const cv::Mat& image, QIODevice& device) { PngEncoder(device).write(image); }
+void encodePng(const cv::Mat& image, QIODevice& device, std::optional<double> pixelSize) {
+    PngEncoder(device).write(image, pixelSize);
+}
 
 } // namespace lumetra

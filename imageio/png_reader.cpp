@@ -1,10 +1,16 @@
 #include "imageio/png_reader.h"
 
+#include "imageio/length_unit.h"
 #include "imageio/orientation.h"
 #include "imageio/png_guard.h"
 
 #include <QByteArray>
 #include <QtEndian>
+
+#include <optional>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 namespace lumetra {
 namespace {
@@ -34,18 +40,55 @@ public:
     PngDecoder& operator=(const PngDecoder&) = delete;
 
     /// Reads what comes before the pixels.
-    void readHeader() {
-        guarded(png_, errors_, damaged, [this] {
-            png_read_info(png_, info_);
+    void readStart() {
+        guarded(png_, errors_, damaged, [this] { png_read_info(png_, info_); });
+    }
+
+    /// The colours 0xRRGGBB of a palette, black where it has fewer than 256; none if there is no
+    /// palette, or it is gray.
+    std::vector<std::uint32_t> palette() const {
+        constexpr std::size_t most = 256;
+        png_colorp colours = nullptr;
+        int count = 0;
+        if (png_get_color_type(png_, info_) != PNG_COLOR_TYPE_PALETTE ||
+            png_get_PLTE(png_, info_, &colours, &count) == 0)
+            return {};
+        std::vector<std::uint32_t> palette;
+        bool isGray = true;
+        for (int i = 0; i < count; ++i) {
+            const png_color& c = colours[i];
+            isGray = isGray && c.red == c.green && c.green == c.blue;
+            palette.push_back(static_cast<std::uint32_t>(c.red << 16 | c.green << 8 | c.blue));
+        }
+        palette.resize(isGray ? 0 : most);
+        return palette;
+    }
+
+    /// The sides of a pixel in µm.
+    std::pair<std::optional<double>, std::optional<double>> pixelSize() const {
+        constexpr double micrometresPerMetre = 1e6;
+        const auto size = [](png_uint_32 perMetre) {
+            return perMetre > 0 ? plainPixelSize(micrometresPerMetre / perMetre) : std::nullopt;
+        };
+        return {size(png_get_x_pixels_per_meter(png_, info_)),
+                size(png_get_y_pixels_per_meter(png_, info_))};
+    }
+
+    /// Reads what comes before the pixels, and says what they shall be.
+    /// @param hasIndices  A palette's indices are wanted, not its colours.
+    void readHeader(bool hasIndices) {
+        readStart();
+        guarded(png_, errors_, damaged, [&] {
             const int kind = png_get_color_type(png_, info_);
-            if (kind == PNG_COLOR_TYPE_PALETTE)
+            if (kind == PNG_COLOR_TYPE_PALETTE && hasIndices)
+                png_set_packing(png_);
+            else if (kind == PNG_COLOR_TYPE_PALETTE)
                 png_set_palette_to_rgb(png_);
             else if (kind == PNG_COLOR_TYPE_GRAY && bitDepth() < 8)
                 png_set_expand_gray_1_2_4_to_8(png_);
-            else if (kind == PNG_COLOR_TYPE_GRAY_ALPHA)
-                png_set_gray_to_rgb(png_);
-            png_set_strip_alpha(png_);
-            if (kind != PNG_COLOR_TYPE_GRAY)
+            if (kind != PNG_COLOR_TYPE_PALETTE || !hasIndices)
+                png_set_strip_alpha(png_);
+            if ((kind & PNG_COLOR_MASK_COLOR) != 0 && !hasIndices)
                 png_set_bgr(png_);
             if (bitDepth() == 16 && QSysInfo::ByteOrder == QSysInfo::LittleEndian)
                 png_set_swap(png_);
@@ -94,13 +137,31 @@ bool PngReader::recognises(const QByteArray& start) {
     return start.startsWith("\x89PNG\r\n\x1a\n");
 }
 
-cv::Mat PngReader::read(int /*index*/) {
+cv::Mat PngReader::decoded(bool hasIndices) {
     file().seek(0);
     PngDecoder decoder(file());
-    decoder.readHeader();
+    decoder.readHeader(hasIndices);
     cv::Mat image = newImage(decoder.width(), decoder.height(), decoder.type());
     decoder.readPixels(image);
     return oriented(image, decoder.orientation());
+}
+
+cv::Mat PngReader::read(int /*index*/) { return decoded(false); }
+
+cv::Mat PngReader::readPlane(int index, int component) {
+    return hasPalette_ ? decoded(true) : PageReader::readPlane(index, component);
+}
+
+FileDescription PngReader::describe() {
+    file().seek(0);
+    PngDecoder decoder(file());
+    decoder.readStart();
+    FileDescription description = PageReader::describe();
+    FileMetadata& metadata = description.metadata;
+    metadata.channels[0].lut = decoder.palette();
+    hasPalette_ = !metadata.channels[0].lut.empty();
+    std::tie(metadata.pixelSizeX, metadata.pixelSizeY) = decoder.pixelSize();
+    return description;
 }
 
 } // namespace lumetra

@@ -46,10 +46,13 @@ struct TiffWriter::Output {
     QFile io; ///< The same file: libtiff reads back a little of what it has written.
     TiffHandle tiff;
     std::vector<std::uint8_t> row;
+    std::optional<double> pixelSize; ///< In µm.
 };
 
-TiffWriter::TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes)
+TiffWriter::TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes,
+                       std::optional<double> pixelSize)
     : output_(std::make_unique<Output>(file, existing)) {
+    output_->pixelSize = pixelSize;
     constexpr std::uint64_t smallForm = 4000000000; // compression may not help
     Output& out = *output_;
     if (!out.io.open(out.file.device().handle(), QIODevice::ReadWrite | QIODevice::Unbuffered))
@@ -71,6 +74,12 @@ void TiffWriter::Output::describe(const cv::Mat& page) {
     set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     set(TIFFTAG_COMPRESSION, COMPRESSION_LZW);
     set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    if (pixelSize) {
+        constexpr double micrometresInCentimetre = 10000;
+        set(TIFFTAG_RESOLUTIONUNIT, RESUNIT_CENTIMETER);
+        set(TIFFTAG_XRESOLUTION, micrometresInCentimetre / *pixelSize);
+        set(TIFFTAG_YRESOLUTION, micrometresInCentimetre / *pixelSize);
+    }
     constexpr std::size_t stripBytes = 1 << 18; // so that readers can take it piece by piece
     const auto rows = std::max<std::size_t>(1, stripBytes / std::max<std::size_t>(1, row.size()));
     set(TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rows));

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace lumetra {
 
@@ -21,7 +22,9 @@ public:
     /// @param existing       As AtomicFile has it.
     /// @param expectedBytes  About how many bytes the pixels of all pages have; beyond four
     ///                       gigabytes the file is a BigTIFF.
-    TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes);
+    /// @param pixelSize      The side of a pixel in µm, if it is to be told.
+    TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes,
+               std::optional<double> pixelSize = {});
     ~TiffWriter();
     TiffWriter(const TiffWriter&) = delete;
     TiffWriter& operator=(const TiffWriter&) = delete;

@@ -1,4 +1,3 @@
-#include "lumetra/catalogue/dye_tables.h"
 #include "render/colormaps.h"
 #include "render/dyes.h"
 #include "render/level_policy.h"
@@ -125,6 +124,9 @@ Channel channelOf(const lumetra_channel& given) {
     channel.gamma = given.gamma == 0 ? 1 : given.gamma;
     require(channel.gamma >= smallestGamma && channel.gamma <= largestGamma,
             "a gamma is from 0.01 to 100");
+    require(given.blend >= LUMETRA_ADD && given.blend <= LUMETRA_DARKEST,
+            "a blend is none of those that there are");
+    channel.blend = static_cast<Blend>(given.blend);
     if (given.has_limits != 0) {
         require(given.low >= 0 && given.low < given.high && given.high <= 65535,
                 "contrast limits are 0 <= low < high <= 65535");
@@ -189,16 +191,14 @@ Renderer& threadRenderer() {
 }
 
 const DyeList& builtInDyes() {
-    static thread_local const DyeList dyes;
+    static const DyeList dyes; // for all threads: callers keep its names
     return dyes;
 }
 
+/// @param dye  One of `builtInDyes`.
 void giveDye(const Dye& dye, lumetra_dye* given) {
     auto known = current<lumetra_dye>(given);
-    known.name = nullptr;
-    for (const CatalogueRow& row : catalogueTable) // whose names stay where they are
-        if (dye.name == row.name)
-            known.name = row.name;
+    known.name = dye.name.c_str();
     known.excitation = dye.excitation;
     known.emission = dye.emission;
     known.red = dye.colour.red;

@@ -1,6 +1,7 @@
 // How a channel is displayed.
 #pragma once
 
+#include "render/blend.h"
 #include "render/colour.h"
 
 #include <opencv2/core/types.hpp>
@@ -32,11 +33,14 @@ struct Channel {
     std::optional<ContrastLimits> levels; ///< None keeps pixel values and bit depth.
     double gamma = 1; ///< From `smallestGamma` to `largestGamma`: below 1 brightens mid-tones.
     bool visible = true;
+    Blend blend = Blend::add; ///< How it is laid over the visible channels before it.
+    int levelsBits = 0; ///< The bit depth that `levels` were found at, 8 or 16; 0 if not known.
 };
 
 inline bool operator==(const Channel& a, const Channel& b) {
     return a.name == b.name && a.dye == b.dye && a.colour == b.colour && a.offset == b.offset &&
-           a.levels == b.levels && a.gamma == b.gamma && a.visible == b.visible;
+           a.levels == b.levels && a.levelsBits == b.levelsBits && a.gamma == b.gamma &&
+           a.visible == b.visible && a.blend == b.blend;
 }
 inline bool operator!=(const Channel& a, const Channel& b) { return !(a == b); }
 

@@ -80,12 +80,16 @@ LevelPolicy parseLevelPolicy(std::string_view text) {
 std::optional<ContrastLimits> levelsOf(const Histogram& histogram, const LevelPolicy& policy) {
     if (!policy.isMeasured())
         return policy.known();
-    ContrastLimits limits = histogram.clipped(policy.percent);
-    if (limits.low == limits.high) {
-        const int largest = histogram.bitDepth() == 8 ? 255 : 65535;
-        limits = {std::max(limits.low, 1) - 1, std::min(limits.high, largest - 1) + 1};
-    }
-    return limits;
+    const ContrastLimits limits = histogram.clipped(policy.percent);
+    if (limits.low < limits.high)
+        return limits;
+    const ContrastLimits range = histogram.range();
+    if (limits.high < range.high)
+        return ContrastLimits{limits.low, range.high};
+    if (range.low < limits.low)
+        return ContrastLimits{range.low, limits.high};
+    const int largest = histogram.bitDepth() == 8 ? 255 : 65535;
+    return ContrastLimits{std::max(limits.low, 1) - 1, std::min(limits.high, largest - 1) + 1};
 }
 
 } // namespace lumetra

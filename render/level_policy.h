@@ -43,9 +43,12 @@ LUMETRA_RENDER_EXPORT LevelPolicy parseLevelPolicy(std::string_view text);
 /// @throws RenderError for anything else.
 LUMETRA_RENDER_EXPORT ContrastLimits parseLimits(std::string_view text);
 
-/// The contrast limits of pixel values so distributed; none if they stay as they are. Where only
-/// one value is left, the limits are its neighbours within the bit depth, as the library's
-/// automatic levels are.
+/// The contrast limits of pixel values so distributed; none if they stay as they are.
+///
+/// Where a share cut off leaves one value only, that of a constant background, it stays black: the
+/// limits are this value and the largest one, or, if none is larger, the smallest one and this. An
+/// image of one value has its neighbours within the bit depth as limits, as the library's automatic
+/// levels are.
 LUMETRA_RENDER_EXPORT std::optional<ContrastLimits> levelsOf(const Histogram& histogram,
                                                              const LevelPolicy& policy);
 

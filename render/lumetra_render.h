@@ -33,6 +33,9 @@ enum { LUMETRA_OK = 0, LUMETRA_FAILED = 1 };
 /** The order of an image's components. */
 enum { LUMETRA_BGR = 0, LUMETRA_RGB = 1, LUMETRA_BGRA = 2 };
 
+/** How a channel is laid over the visible channels before it (see `lumetra::Blend`). */
+enum { LUMETRA_ADD = 0, LUMETRA_SCREEN = 1, LUMETRA_DARKEST = 2 };
+
 /** A plane of gray pixels, only read. */
 typedef struct lumetra_plane {
     size_t struct_size;
@@ -52,6 +55,7 @@ typedef struct lumetra_channel {
     int32_t low, high;          /**< Contrast limits, 0 <= low < high <= 65535. */
     int32_t hidden;             /**< Not 0 to leave it out; its offset still counts. */
     double gamma;               /**< 0.01 to 100; 1 is off, and so is 0. */
+    int32_t blend;              /**< LUMETRA_ADD, LUMETRA_SCREEN or LUMETRA_DARKEST. */
 } lumetra_channel;
 
 /** Memory that receives an image. */
@@ -65,11 +69,11 @@ typedef struct lumetra_image {
     int32_t format;    /**< LUMETRA_BGR, LUMETRA_RGB or LUMETRA_BGRA. */
 } lumetra_image;
 
-/** A dye of the built-in catalogue. */
+/** A built-in dye, or a colour by its name. */
 typedef struct lumetra_dye {
     size_t struct_size;
     const char* name;             /**< UTF-8, for as long as the library is loaded. */
-    int32_t excitation, emission; /**< Peaks in nanometres. */
+    int32_t excitation, emission; /**< Peaks in nanometres, 0 for a colour. */
     int32_t red, green, blue;
 } lumetra_dye;
 
@@ -106,10 +110,11 @@ LUMETRA_RENDER_EXPORT int lumetra_contrast_limits(const uint64_t* counts, int32_
                                                   double percent, int32_t* low, int32_t* high,
                                                   char* reason, size_t reason_bytes);
 
-/** The dyes in the order of their names; LUMETRA_FAILED from the end on. */
+/** The dyes in the order of their names, whatever their case; LUMETRA_FAILED from the end on. */
 LUMETRA_RENDER_EXPORT int lumetra_dye_at(size_t index, lumetra_dye* dye);
 
-/** The dye of a name, in any case; the reason names the nearest ones where there is none. */
+/** The dye that a name means, as `lumetra::DyeList::find` does it; the reason names the nearest
+ * ones where there is none. */
 LUMETRA_RENDER_EXPORT int lumetra_find_dye(const char* name, lumetra_dye* dye, char* reason,
                                            size_t reason_bytes);
 

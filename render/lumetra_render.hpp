@@ -10,6 +10,7 @@
 #include "render/image_colouring.h"
 #include "render/level_policy.h"
 #include "render/overlap.h"
+#include "render/palette.h"
 #include "render/render_error.h"
 #include "render/renderer.h"
 #include "render/shrink.h"

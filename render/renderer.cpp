@@ -87,6 +87,13 @@ void lookUpRows(const cv::Mat& plane, const std::uint32_t* table, cv::Mat& image
     }
 }
 
+template<class Component>
+void blendRows(Blend blend, const cv::Mat& over, cv::Mat& under) {
+    const auto components = static_cast<std::size_t>(under.cols) * 3;
+    for (int y = 0; y < under.rows; ++y)
+        blendOver(blend, over.ptr<Component>(y), under.ptr<Component>(y), components);
+}
+
 template<class Value>
 ContrastLimits rangeOf(const cv::Mat& plane) {
     const auto range = valueRange<Value>(plane);
@@ -107,6 +114,7 @@ void Renderer::prepare(const std::vector<cv::Mat>& planes, const std::vector<Cha
     if (planes.empty() || planes.size() != channels.size())
         throw RenderError("there are no channels to show");
     visible_.clear();
+    isSum_ = true;
     buffers_.resize(std::max(buffers_.size(), planes.size()));
     for (std::size_t i = 0; i < planes.size(); ++i) {
         requireGray(planes[i]);
@@ -114,6 +122,7 @@ void Renderer::prepare(const std::vector<cv::Mat>& planes, const std::vector<Cha
             throw RenderError("the images have different sizes");
         if (!channels[i].visible)
             continue;
+        isSum_ &= visible_.empty() || channels[i].blend == Blend::add;
         visible_.push_back(i);
         if (channels[i].levels)
             buffers_[i].lut.set(bitDepthOf(planes[i]), *channels[i].levels, channels[i].gamma);
@@ -135,6 +144,20 @@ const cv::Mat& Renderer::tint(const cv::Mat& part, const Channel& channel, Chann
     return tinted;
 }
 
+/// Brings the tinted channels into one strip of their size and type.
+void Renderer::combine(const std::vector<Channel>& channels, cv::Mat& strip) {
+    if (isSum_)
+        return composite(tinted_, strip);
+    tinted_.front().copyTo(strip);
+    for (std::size_t i = 1; i < tinted_.size(); ++i) {
+        const Blend blend = channels[visible_[i]].blend;
+        if (strip.depth() == CV_8U)
+            blendRows<unsigned char>(blend, tinted_[i], strip);
+        else
+            blendRows<std::uint16_t>(blend, tinted_[i], strip);
+    }
+}
+
 void Renderer::renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast) {
     tinted_.clear();
     const int depth = part.depth();
@@ -151,9 +174,9 @@ void Renderer::renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, boo
     if (tinted_.size() == 1) // the sum of one
         return store(tinted_.front(), canvas.format, part);
     if (canvas.format == PixelFormat::bgr)
-        return composite(tinted_, part);
+        return combine(canvas.channels, part);
     sum_.create(part.rows, part.cols, CV_MAKETYPE(depth, 3));
-    composite(tinted_, sum_);
+    combine(canvas.channels, sum_);
     store(sum_, canvas.format, part);
 }
 

@@ -31,7 +31,8 @@ public:
     ///
     /// A plane with contrast limits is brought to 8 bits through them and its gamma
     /// (`IntensityLut`); one without keeps its values and its bit depth. Then it is multiplied by
-    /// its channel's colour and added to the others, clamped, all in the depth of the deepest.
+    /// its channel's colour and added to the others, clamped, or laid over those before it as its
+    /// `Blend` says, all in the depth of the deepest. Of the first, the blend does not count.
     /// Hidden channels count for the part of the planes that the image shows (`Overlap`). If none
     /// is visible, it is black.
     ///
@@ -77,12 +78,14 @@ private:
     void prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels);
     static const cv::Mat& tint(const cv::Mat& part, const Channel& channel, ChannelBuffers& buffers,
                                bool isLast);
+    void combine(const std::vector<Channel>& channels, cv::Mat& strip);
     void renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast);
     void setColourTable(int bitDepth, const ColourMapping& mapping);
 
     std::vector<std::size_t> visible_;
     std::deque<ChannelBuffers> buffers_;
     std::vector<cv::Mat> tinted_;
+    bool isSum_ = true; ///< Whether all channels are added.
     cv::Mat sum_;
     ColourMapping mapping_;
     std::vector<std::uint32_t> colours_; ///< Of every pixel value; the first component is lowest.

@@ -3,6 +3,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_set_levels.h"
 #include "apps/cli/fonts.h"
+#include "apps/cli/instrument_folder.h"
 #include "apps/cli/merge_line.h"
 #include "apps/cli/print.h"
 #include "apps/cli/render_field.h"
@@ -11,10 +12,11 @@
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "imageio/output_conflicts.h"
-#include "imageio/output_format.h"
 
-#include <algorithm>
+#include <QFileInfo>
+
 #include <atomic>
+#include <cerrno>
 #include <memory>
 
 namespace lumetra {
@@ -41,20 +43,40 @@ Progress progressOf(const BatchOptions& options, const QString& work, const Batc
 /// Measures the contrast limits that all fields are to share.
 void shareLevels(Batch& batch, const BatchOptions& options) {
     auto& channels = batch.rendering.channels;
-    const bool isMeasured =
-        std::any_of(channels.begin(), channels.end(),
-                    [](const ChannelSpec& channel) { return channel.levels.isMeasured(); });
-    if (options.levelsOver == QLatin1String("field") || !isMeasured)
+    if (options.levelsOver == QLatin1String("field") || !hasMeasuredLevels(channels))
         return;
     say(options, QStringLiteral("measuring shared contrast limits over all fields, so that images "
                                 "can be compared (--levels-over dataset)"));
-    Progress progress = progressOf(options, QStringLiteral("measuring"), batch, false);
-    const DataSetLevels levels =
-        measureLevels(batch.fields, batch.rendering.pages, options.dataSet.jobs, progress);
-    for (std::size_t i = 0; i < channels.size() && levels.files > 0; ++i)
+    DataSetLevels levels;
+    {
+        Progress progress = progressOf(options, QStringLiteral("measuring"), batch, false);
+        levels = measureLevels(batch.fields, batch.rendering.pages, options.dataSet.jobs, progress);
+    }
+    if (levels.files == 0)
+        return;
+    std::vector<Channel> shared;
+    for (std::size_t i = 0; i < channels.size(); ++i) {
         if (channels[i].levels.isMeasured())
             channels[i].levels =
                 LevelPolicy::fixedTo(*levelsOf(levels.histograms[i], channels[i].levels));
+        shared.push_back(channels[i].channelWithKnownLevels());
+    }
+    reportLevels(options.image.output, shared);
+}
+
+/// Looks at the outputs before there is any work, so that no field is logged as failed that was not
+/// tried.
+void requireFreeOutputs(const std::vector<Field>& fields) {
+    QStringList existing;
+    for (const Field& field : fields)
+        if (QFileInfo(field.job.output).isFile())
+            existing << field.job.output;
+    if (!existing.isEmpty())
+        throw Error(QStringLiteral("%1 of %2 already exist, the first of them %3: run again with "
+                                   "--resume and the --log of the earlier run to skip what is "
+                                   "done, or with --overwrite to render all again")
+                        .arg(QString::number(existing.size()),
+                             plural(fields.size(), QStringLiteral("output")), existing.front()));
 }
 
 Batch prepare(const BatchOptions& options) {
@@ -68,7 +90,7 @@ Batch prepare(const BatchOptions& options) {
     batch.fields = requestedFields(options.dataSet, channels);
     nameOutputs(batch.fields, options.image.output.file);
     for (const Field& field : batch.fields)
-        static_cast<void>(outputFormat(field.job.output));
+        checkImageOutput(field.job.output);
     if (batch.fields.empty())
         return batch;
 
@@ -78,6 +100,8 @@ Batch prepare(const BatchOptions& options) {
     checkOutputConflicts(written, inputNames(batch.fields)
                                       << options.channel.settings << options.channel.customDyes
                                       << options.dataSet.filesFrom);
+    if (batch.rendering.existing == Existing::keep && !options.dryRun)
+        requireFreeOutputs(shardOf(batch.fields, options.shard));
     say(options, fieldList(batch.fields));
     shareLevels(batch, options);
     batch.fields = shardOf(batch.fields, options.shard);
@@ -101,7 +125,18 @@ void printLines(const Batch& batch, const BatchOptions& options) {
     print(lines);
 }
 
+/// Thrown where no other field could be written either.
+struct DiskFull : Error {
+    using Error::Error;
+};
+
+/// Whether an error's text ends in the system's words for a disk, or a quota, that is used up.
+bool tellsOfFullDisk(const QString& reason) {
+    return reason.endsWith(qt_error_string(ENOSPC)) || reason.endsWith(qt_error_string(EDQUOT));
+}
+
 /// Renders a field, unless an earlier run has done it; false if so. Notes what is wrong with it.
+/// @throws Interrupted, DiskFull.
 bool makeField(Field& field, const RenderSpec& rendering, FileRenderer& renderer, BatchLog& log) {
     const QJsonObject work = workOf(field, rendering);
     if (field.problem.isEmpty() && log.isDone(work))
@@ -111,13 +146,23 @@ bool makeField(Field& field, const RenderSpec& rendering, FileRenderer& renderer
     } catch (const Interrupted&) {
         throw;
     } catch (...) {
-        field.problem = currentErrorText();
+        const QString reason = currentErrorText();
+        if (tellsOfFullDisk(reason))
+            throw DiskFull(reason);
+        field.problem = reason;
     }
     return true;
 }
 
-/// Returns how many fields were skipped, since earlier runs have done them.
-int makeFields(Batch& batch, const BatchOptions& options) {
+/// How far the rendering of a batch has come.
+struct Outcome {
+    int skipped = 0;  ///< Fields that earlier runs have done.
+    QString reached;  ///< "12 of 60 fields".
+    QString diskFull; ///< Why it was stopped; empty if there was room for all.
+};
+
+Outcome makeFields(Batch& batch, const BatchOptions& options) {
+    Outcome outcome;
     std::atomic<int> skipped{0};
     BatchLog log(options.log, options.resume);
     Progress progress = progressOf(options, QStringLiteral("rendering"), batch, true);
@@ -132,8 +177,50 @@ int makeFields(Batch& batch, const BatchOptions& options) {
                 progress.fieldFailed();
         };
     };
-    runWorkers(options.dataSet.jobs, batch.fields.size(), makeWorker, [&] { progress.tick(); });
-    return skipped;
+    try {
+        runWorkers(options.dataSet.jobs, batch.fields.size(), makeWorker, [&] { progress.tick(); });
+    } catch (const DiskFull& full) {
+        outcome.diskFull = full.text();
+    }
+    outcome.skipped = skipped;
+    outcome.reached = progress.reached();
+    return outcome;
+}
+
+/// How far a run came that was stopped, and how to go on.
+QString stoppedText(const QString& reached, const BatchOptions& options) {
+    return QStringLiteral("stopped after %1; ").arg(reached) +
+           (options.log.isEmpty()
+                ? QStringLiteral("run again with --overwrite (a --log lets --resume go on)")
+                : QStringLiteral("run again with --resume to go on"));
+}
+
+/// As `runBatch`, for a pattern and options that fit each other.
+int renderFields(const BatchOptions& options) {
+    Batch batch = prepare(options);
+    if (batch.fields.empty())
+        return options.shard.isEmpty() ? nothingMatched : done;
+    Outcome outcome;
+    if (options.dryRun) {
+        printLines(batch, options);
+    } else {
+        const auto fonts = fontsFor(batch.rendering);
+        outcome = makeFields(batch, options);
+    }
+    printProblems(batch.fields);
+    if (caughtSignal() != 0)
+        throw Interrupted(stoppedText(outcome.reached, options));
+    if (!outcome.diskFull.isEmpty())
+        throw Error(outcome.diskFull + QStringLiteral("; ") +
+                    stoppedText(outcome.reached, options));
+    const bool isWhole = !hasProblems(batch.fields);
+    if (isWhole && !options.dryRun) {
+        const QString note = QStringLiteral(" (%1 skipped, already done by earlier runs)");
+        say(options, plural(batch.fields.size(), QStringLiteral("field")) +
+                         QStringLiteral(" done") +
+                         (outcome.skipped > 0 ? note.arg(outcome.skipped) : QString()));
+    }
+    return isWhole ? done : failed;
 }
 
 } // namespace
@@ -142,25 +229,9 @@ int runBatch(const BatchOptions& options) {
     if (options.resume && options.log.isEmpty())
         throw UsageError(QStringLiteral("--resume needs the --log of the earlier run"));
     static_cast<void>(shardOf({}, options.shard)); // before any work
-    Batch batch = prepare(options);
-    if (batch.fields.empty())
-        return options.shard.isEmpty() ? nothingMatched : done;
-    int skipped = 0;
-    if (options.dryRun) {
-        printLines(batch, options);
-    } else {
-        const auto fonts = fontsFor(batch.rendering.annotation);
-        skipped = makeFields(batch, options);
-    }
-    printProblems(batch.fields);
-    throwIfInterrupted();
-    const bool isWhole = !hasProblems(batch.fields);
-    if (isWhole && !options.dryRun) {
-        const QString note = QStringLiteral(" (%1 skipped, already done by earlier runs)");
-        say(options, plural(batch.fields.size(), QStringLiteral("field")) +
-                         QStringLiteral(" done") + (skipped > 0 ? note.arg(skipped) : QString()));
-    }
-    return isWhole ? done : failed;
+    BatchOptions withPattern = options;
+    usePatternOfFolder(withPattern.dataSet, options.image.output.quiet);
+    return renderFields(withPattern);
 }
 
 } // namespace lumetra

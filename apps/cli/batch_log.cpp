@@ -35,8 +35,14 @@ QList<QByteArray> linesOf(const QString& name) {
     return file.readAll().split('\n');
 }
 
+QJsonObject channelEntry(const Channel& channel, const QString& method) {
+    QJsonObject entry = parsed(channelJson(channel));
+    entry[methodKey] = method;
+    return entry;
+}
+
 /// What of a line decides on the bytes of the image. A single merge knows no names of fields and
-/// channels.
+/// channels; limits that were measured follow from the inputs.
 QJsonObject causes(QJsonObject line) {
     for (const QString& key : {fieldKey, outcomeKey, bytesKey, timeKey})
         line.remove(key);
@@ -44,6 +50,9 @@ QJsonObject causes(QJsonObject line) {
     for (const QJsonValue channel : line[channelsKey].toArray()) {
         QJsonObject settings = channel.toObject();
         settings.remove(QStringLiteral("name"));
+        settings.remove(QStringLiteral("bits"));
+        if (isMeasuredMethod(settings[methodKey].toString()))
+            settings.remove(QStringLiteral("levels"));
         channels << settings;
     }
     line[channelsKey] = channels;
@@ -63,6 +72,8 @@ BatchLog::BatchLog(const QString& file, bool resume) {
             const QJsonObject object = parsed(line);
             if (object[outcomeKey].toString() == doneOutcome)
                 doneByOutput_[object[outputKey].toString()] = object;
+            else // the latest line counts
+                doneByOutput_.remove(object[outputKey].toString());
         }
     // A run may have been killed while it wrote.
     char last = '\n';
@@ -101,6 +112,10 @@ void BatchLog::addFailed(QJsonObject work, qint64 milliseconds, const QString& r
     add(work);
 }
 
+bool isMeasuredMethod(const QString& method) {
+    return method == QLatin1String("auto") || method.startsWith(QLatin1String("clip:"));
+}
+
 QJsonObject workOf(const Field& field, const RenderSpec& rendering) {
     QJsonArray inputs, channels;
     for (std::size_t i = 0; i < field.job.inputs.size(); ++i) {
@@ -110,17 +125,33 @@ QJsonObject workOf(const Field& field, const RenderSpec& rendering) {
             {"file", input.file},
             {"bytes", static_cast<double>(info.size())},
             {"modified", static_cast<double>(info.lastModified().toMSecsSinceEpoch())}};
-        QJsonObject channel = parsed(channelJson(rendering.channels[i].channelWithKnownLevels()));
-        channel[methodKey] = toQt(rendering.channels[i].levels.text());
-        channels << channel;
+        channels << channelEntry(rendering.channels[i].channelWithKnownLevels(),
+                                 toQt(rendering.channels[i].levels.text()));
     }
     QJsonObject options{{"page", rendering.pages.number},
                         {"all pages", rendering.pages.all},
                         {"legend", rendering.annotation.legend}};
+    if (rendering.pages.project)
+        options["project"] = toQt(projectionText(*rendering.pages.project));
+    if (const auto& crop = rendering.framing.crop)
+        options["crop"] = QJsonArray{crop->x, crop->y, crop->width, crop->height};
+    if (const auto& size = rendering.framing.size)
+        options["resize"] = QJsonArray{size->width, size->height, size->percent};
+    if (rendering.panels)
+        options["panels"] = rendering.panels == PanelColours::gray ? "gray" : "colour";
     if (const auto& bar = rendering.annotation.scaleBar)
         options["scale bar"] = QJsonArray{bar->micrometres, bar->pixelSize};
     return {{fieldKey, field.name},  {"inputs", inputs},   {outputKey, field.job.output},
             {channelsKey, channels}, {"options", options}, {"version", LUMETRA_VERSION}};
+}
+
+QJsonObject withLevels(QJsonObject work, const std::vector<Channel>& channels) {
+    const QJsonArray before = work[channelsKey].toArray();
+    QJsonArray after;
+    for (const Channel& channel : channels)
+        after << channelEntry(channel, before[after.size()].toObject()[methodKey].toString());
+    work[channelsKey] = after;
+    return work;
 }
 
 std::vector<LoggedImage> readLog(const QString& file) {

@@ -37,11 +37,17 @@ private:
 /// Everything that the bytes of a field's image depend on.
 QJsonObject workOf(const Field& field, const RenderSpec& rendering);
 
+/// The same with the contrast limits that were used.
+QJsonObject withLevels(QJsonObject work, const std::vector<Channel>& channels);
+
+/// Whether a log's word for how contrast limits were found says that they are an image's own.
+bool isMeasuredMethod(const QString& method);
+
 /// What a log says of an image.
 struct LoggedImage {
     QString output;
     QString reason;                ///< Why it failed; empty if it is done.
-    std::vector<Channel> channels; ///< With contrast limits where these were known beforehand.
+    std::vector<Channel> channels; ///< With the contrast limits that were used.
     QStringList methods;           ///< How the contrast limits of each channel were found.
 };
 

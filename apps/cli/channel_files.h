@@ -1,14 +1,17 @@
-// The image files of channels, and which of their pages make an image.
+// The image files of channels, and which of their planes make an image.
 #pragma once
 
 #include "apps/cli/page_selection.h"
 #include "apps/common/channel_spec.h"
 #include "imageio/image_file.h"
+#include "imageio/value_conversion.h"
 
 #include <QString>
 
 #include <opencv2/core/mat.hpp>
 
+#include <memory>
+#include <optional>
 #include <vector>
 
 namespace lumetra {
@@ -16,31 +19,60 @@ namespace lumetra {
 /// The files of channels, opened.
 class ChannelFiles {
 public:
-    /// @throws Error if a file cannot be read, has many pages and none is named, or if the files
-    ///         have different numbers of pages where all are meant; UsageError if a page is named
-    ///         beside all of them.
+    /// @param inputs  One for each channel; a file that stands for several channels names one of
+    ///                them.
+    /// @throws Error, FileError if a file cannot be read, has several z-slices, time points or
+    /// pages
+    ///         and none is named, or if files give different numbers of images where all are meant;
+    ///         UsageError if a page is named beside all of them.
     ChannelFiles(const std::vector<InputFile>& inputs, const PageSelection& pages);
 
     /// How many images they give.
     int images() const { return images_; }
-    std::size_t channels() const { return files_.size(); }
+    std::size_t channels() const { return channels_.size(); }
+    const ImageFile& file(std::size_t channel) const { return *channels_[channel].file; }
 
-    /// The plane of a channel for image `i`, counted from 0: CV_8UC1 or CV_16UC1.
+    /// The plane of a channel for image `i`, counted from 0: CV_8UC1 or CV_16UC1. A projection is
+    /// made each time. Floats, and integers of other than 8 and 16 bits, unsigned, are brought to
+    /// 16 bits from the range that all of the channel's images have, or `setRange` says.
     /// @throws Error with the file's name if it cannot be read, or has colours.
-    cv::Mat gray(std::size_t channel, int i) const;
+    cv::Mat gray(std::size_t channel, int i);
 
-    /// As `gray`, but of one channel or three.
-    cv::Mat any(std::size_t channel, int i) const;
+    /// As `gray`, but of one channel or three where it is a page.
+    cv::Mat any(std::size_t channel, int i);
 
     /// The planes of all channels for image `i`.
     /// @throws Error as `gray`, and with both names if their sizes differ; Interrupted.
-    void planes(int i, std::vector<cv::Mat>& planes) const;
+    void planes(int i, std::vector<cv::Mat>& planes);
+
+    /// The range that `gray` brought to 16 bits; none where it had nothing to bring.
+    const std::optional<FiniteRange>& convertedRange(std::size_t channel) const {
+        return channels_[channel].range;
+    }
+
+    /// Sets such a range, for values that need one.
+    void setRange(std::size_t channel, ContrastLimits limits);
 
 private:
-    int pageOf(std::size_t channel, int i) const { return firstPages_[channel] + i; }
+    struct Plane {
+        int slice = 0, frame = 0;
+        int page = 0; ///< Where the axes are not known, or the user names a page.
+    };
+    struct ChannelPlanes {
+        std::shared_ptr<ImageFile> file;
+        int channel = 1;
+        std::vector<std::vector<Plane>> images; ///< Several planes are projected.
+        std::optional<FiniteRange> range;       ///< Of values that are brought to 16 bits.
+    };
 
-    std::vector<ImageFile> files_;
-    std::vector<int> firstPages_;
+    static ChannelPlanes planesOf(std::shared_ptr<ImageFile> file, const InputFile& input,
+                                  const PageSelection& pages);
+    static cv::Mat rawPlane(const ChannelPlanes& channel, const Plane& plane);
+    static cv::Mat displayPlane(ChannelPlanes& channel, const Plane& plane);
+    static FiniteRange finiteRangeOf(const ChannelPlanes& channel);
+
+    std::vector<ChannelPlanes> channels_;
+    ProjectionMethod projection_ = ProjectionMethod::max;
     int images_ = 1;
 };
 

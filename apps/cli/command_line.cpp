@@ -93,25 +93,41 @@ struct Section {
     }
 };
 
-/// @param standard    The limits where none are given.
 /// @param repetition  What it means to give the options again; may be empty.
-void addContrast(CLI::App& command, ContrastOptions& options, const std::string& standard,
-                 const std::string& repetition) {
+/// @param levels      The name of the option for contrast limits, and others that help leaves out.
+void addContrast(CLI::App& command, ContrastOptions& options, const std::string& repetition,
+                 const std::string& levels = "--levels") {
     const Section section{command, "Contrast"};
     section.addTexts(
-        "--levels", "LIMITS", options.levels,
+        levels, "LIMITS", options.levels,
         "Contrast limits, the pixel values shown as black and as white: auto (the minimum and the "
         "maximum), clip:PERCENT (saturate PERCENT % of the pixels at each end), LOW:HIGH, or none "
-        "(keep pixel values and bit depth). The default is " +
-            standard + repetition);
+        "(keep pixel values and bit depth). The default is clip:0.1" +
+            repetition);
     section.addNumber("--gamma", "NUMBER", options.gammas,
                       number(smallestGamma, largestGamma, "from 0.01 to 100"),
                       "Gamma, from 0.01 to 100: below 1 brightens mid-tones" + repetition);
 }
 
 void addContrastOfEach(CLI::App& command, ContrastOptions& options) {
-    addContrast(command, options, "clip:0.1",
+    addContrast(command, options,
                 ". Give it once for all channels, or once for each in their order");
+}
+
+CLI::Option* addProject(const Section& section, PageSelection& pages) {
+    const auto isMethod = [](const std::string& text) {
+        return text == "max" || text == "mean" || text == "sum";
+    };
+    const auto store = [&pages](const std::string& text) { pages.project = parseProjection(text); };
+    return section.command
+        .add_option_function<std::string>(
+            "--project", store,
+            "Project the z-slices of each file, or its pages, to one plane: max (the largest pixel "
+            "value), mean, or sum (in 16 bits, clamped). With --all-pages, each time point. A page "
+            "that FILE[PAGE] names is taken as it is")
+        ->type_name("METHOD")
+        ->check(require(isMethod, "max, mean or sum"))
+        ->group(section.heading);
 }
 
 void addPages(CLI::App& command, PageSelection& pages) {
@@ -122,6 +138,17 @@ void addPages(CLI::App& command, PageSelection& pages) {
         .addFlag("--all-pages", pages.all,
                  "Render every page, with one set of contrast limits, to a multi-page TIFF file")
         ->excludes(page);
+    addProject(section, pages)->excludes(page);
+}
+
+void addFraming(CLI::App& command, FramingOptions& options) {
+    const Section section{command, "Size"};
+    section.addText("--crop", "X,Y,W,H", options.crop,
+                    "Cut the image to W x H pixels, X from the left and Y from the top. Contrast "
+                    "limits are measured over all of it");
+    section.addText("--resize", "SIZE", options.resize,
+                    "Shrink the image, each pixel the mean of its area: W (its width), WxH, or "
+                    "PERCENT%. It is not enlarged");
 }
 
 void addLegend(CLI::App& command, AnnotationOptions& options) {
@@ -132,12 +159,10 @@ void addLegend(CLI::App& command, AnnotationOptions& options) {
 void addScaleBar(CLI::App& command, AnnotationOptions& options) {
     const Section section{command, "Overlay"};
     const CLI::Validator length = number(1e-9, 1e9, "above 0");
-    auto* bar = section.addNumber("--scale-bar", "UM", options.scaleBar, length,
-                                  "Draw a scale bar of this length in µm");
-    auto* size = section.addNumber("--pixel-size", "UM", options.pixelSize, length,
-                                   "Pixel size in µm, which a scale bar needs");
-    bar->needs(size);
-    size->needs(bar);
+    section.addNumber("--scale-bar", "UM", options.scaleBar, length,
+                      "Draw a scale bar of this length in µm");
+    section.addNumber("--pixel-size", "UM", options.pixelSize, length,
+                      "Pixel size in µm (default: what the file says)");
 }
 
 void addCustomDyes(const Section& section, QString& file) {
@@ -155,6 +180,32 @@ void addHidden(CLI::App& command, std::vector<int>& hidden) {
     Section{command, "Channels"}.addNumber(
         "--hide", "N", hidden, wholeNumber(1),
         "Hide channel N, from 1; its offset still affects the crop. Repeat it for more");
+}
+
+void addPalette(CLI::App& command, bool& isSafe) {
+    command
+        .add_option_function<std::string>(
+            "--palette", [&isSafe](const std::string& /*name*/) { isSafe = true; },
+            "Colours of the channels, in their order: safe (that everybody can tell apart)")
+        ->type_name("NAME")
+        ->check(require([](const std::string& name) { return name == "safe"; }, "safe"))
+        ->group("Channels");
+}
+
+void addBlend(CLI::App& command, QStringList& blends) {
+    Section{command, "Channels"}.addTexts(
+        "--blend", "MODE", blends,
+        "How a channel is laid over those before it: add (clamped), screen (never saturates), or "
+        "darkest (the smaller value, for transmitted light). The default is add. Give it once for "
+        "all channels, or once for each in their order");
+}
+
+void addPanels(CLI::App& command, std::string& panels) {
+    command
+        .add_flag("--panels{gray}", panels,
+                  "Show each channel, with its name, beside the merged image; --panels=colour "
+                  "shows them in their colours instead of gray")
+        ->group("Panels");
 }
 
 void addQuiet(CLI::App& command, bool& quiet) {
@@ -190,9 +241,12 @@ void addJobs(CLI::App& command, int& jobs, QString& progress, const std::string&
 
 void addDataSet(CLI::App& command, DataSetOptions& options) {
     Section{command}
-        .addText("PATTERN", "", options.pattern,
-                 "File names with placeholders, quoted for the shell: "
-                 "'plate/{field}_{channel}.tif'. {channel} stands for the names given by --channel")
+        .addText(
+            "PATTERN", "", options.pattern,
+            "File names with placeholders, quoted for the shell: "
+            "'plate/{field}_{channel}.tif'. {channel} stands for the names given by --channel, "
+            "{*} for anything without a slash, {**}/ for any folders. Or a folder whose images "
+            "an instrument named: 'lumetra info FOLDER' prints its pattern")
         ->required();
     Section{command, "Channels"}.addTexts(
         "--channel", "NAME=DYE[+X+Y]", options.channels,
@@ -210,7 +264,8 @@ void declare(CLI::App& command, InfoOptions& options) {
     const Section section{command};
     section
         .addTexts("FILE", "...", options.files,
-                  "Image files, or FILE[PAGE] for one page of a multi-page file")
+                  "Image files, or FILE[PAGE] for one page of a multi-page file; or folders whose "
+                  "images an instrument named")
         ->required();
     section.addFlag("--json", options.json, "Print JSON");
 }
@@ -241,8 +296,12 @@ void declare(CLI::App& command, MergeOptions& options) {
            "Append a line of JSON, as 'lumetra batch' does; runs on one machine can share a file");
     addChannelFiles(command, options.channel);
     addHidden(command, options.channel.hidden);
+    addPalette(command, options.channel.safePalette);
+    addBlend(command, options.channel.blends);
     addContrastOfEach(command, options.image.contrast);
     addPages(command, options.image.pages);
+    addFraming(command, options.image.framing);
+    addPanels(command, options.panels);
     addLegend(command, options.image.annotation);
     addScaleBar(command, options.image.annotation);
 }
@@ -258,8 +317,9 @@ void declare(CLI::App& command, DyeOptions& options) {
     addChannelFiles(command, options.channel);
     Section{command, "Channels"}.addFlag("--dominant", options.dominant,
                                          "For RGB images, use the brightest channel only");
-    addContrast(command, options.image.contrast, "clip:0.1", "");
+    addContrast(command, options.image.contrast, "");
     addPages(command, options.image.pages);
+    addFraming(command, options.image.framing);
     addLegend(command, options.image.annotation);
     addScaleBar(command, options.image.annotation);
 }
@@ -271,13 +331,10 @@ void declare(CLI::App& command, PseudoOptions& options) {
     lut.addText("--lut,--table", "NAME|FILE", options.lut,
                 "LUT by name, or an ImageJ .lut file (default: " + options.lut.toStdString() +
                     "). Names: " + lutNames().join(QStringLiteral(", ")).toStdString());
-    auto* range = lut.addText("--range", "LOW:HIGH", options.range,
-                              "Pixel values of the first and the last colour (default: the minimum "
-                              "and the maximum)");
     lut.addFlag("--reversed", options.reversed, "Reverse the LUT");
-    addContrast(command, options.image.contrast, "auto", "");
-    range->excludes(command.get_option("--levels"));
+    addContrast(command, options.image.contrast, "", "--levels,--range");
     addPages(command, options.image.pages);
+    addFraming(command, options.image.framing);
     addScaleBar(command, options.image.annotation);
 }
 
@@ -301,6 +358,8 @@ void declare(CLI::App& command, BatchOptions& options) {
            "Append a line of JSON for each field: inputs, output, outcome, milliseconds");
     addChannelFiles(command, options.channel);
     addHidden(command, options.channel.hidden);
+    addPalette(command, options.channel.safePalette);
+    addBlend(command, options.channel.blends);
     addContrastOfEach(command, options.image.contrast);
     Section{command, "Contrast"}
         .addText("--levels-over", "WHAT", options.levelsOver,
@@ -310,6 +369,7 @@ void declare(CLI::App& command, BatchOptions& options) {
             require([](const std::string& what) { return what == "dataset" || what == "field"; },
                     "'dataset' or 'field'"));
     addPages(command, options.image.pages);
+    addFraming(command, options.image.framing);
     addLegend(command, options.image.annotation);
     addScaleBar(command, options.image.annotation);
     const Section section{command, "Processing"};
@@ -400,7 +460,7 @@ CommandLine::CommandLine() {
     add("dye", "Tint one image with the colour of its dye", runDye,
         "nuclei.tif=DAPI -o nuclei.png --levels clip:0.5");
     add("pseudo", "Apply a LUT (colormap) to one image", runPseudo,
-        "calcium.tif --lut magma --range 200:4000 -o heat.png");
+        "calcium.tif --lut magma --levels 200:4000 -o heat.png");
     add("levels", "Measure the contrast limits of a data set, for a settings file", runLevels,
         "'plate/{field}_{channel}.tif' --channel dapi=DAPI \\\n"
         "    --channel actin=FITC -o plate.json");

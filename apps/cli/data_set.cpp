@@ -1,8 +1,12 @@
 #include "apps/cli/data_set.h"
 
+#include "apps/cli/file_channels.h"
+#include "apps/cli/folder_listing.h"
+#include "apps/cli/natural_order.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "apps/common/text.h"
+#include "imageio/file_error.h"
 #include "imageio/output_conflicts.h"
 
 #include <QFile>
@@ -18,29 +22,49 @@ namespace {
 const QString channelPlaceholder = QStringLiteral("channel");
 
 /// The names in a list: one in a line, or, if there is a NUL in it, one before each NUL.
-QStringList listedFiles(const QString& list) {
+FileNames listedFiles(const QString& list) {
     QFile device(list);
     const bool isOpen = list == QLatin1String("-") ? device.open(stdin, QIODevice::ReadOnly)
                                                    : device.open(QIODevice::ReadOnly);
     if (!isOpen)
         throw Error(QStringLiteral("%1: %2").arg(list, device.errorString()));
     const QByteArray bytes = device.readAll();
-    QStringList names;
-    for (QByteArray name : bytes.split(bytes.contains('\0') ? '\0' : '\n')) {
-        if (!bytes.contains('\0') && name.endsWith('\r'))
-            name.chop(1);
-        if (!name.isEmpty())
-            names << QFile::decodeName(name);
+    const bool hasNul = bytes.contains('\0');
+    FileNames files;
+    for (QByteArray bytesOfName : bytes.split(hasNul ? '\0' : '\n')) {
+        if (!hasNul && bytesOfName.endsWith('\r'))
+            bytesOfName.chop(1);
+        const auto name = nameOf(bytesOfName);
+        if (!name)
+            ++files.notText;
+        else if (!name->isEmpty())
+            files.names << *name;
     }
-    return names;
+    return files;
 }
 
-QString joined(const Placeholders& placeholders, const QStringList& names) {
+/// What tells a field from the others: the texts of its placeholders, in their order.
+QStringList textsOf(const Placeholders& placeholders, const QStringList& names) {
     QStringList texts;
     for (const QString& name : names)
         if (name != channelPlaceholder)
             texts << placeholders[name];
-    return texts.join(QLatin1Char('/'));
+    return texts;
+}
+
+/// Gives a field the file of one of its channels.
+/// @throws UsageError if it has another one.
+void setInput(Field& field, std::size_t number, const QString& file) {
+    QString& known = field.job.inputs[number].file;
+    if (!known.isEmpty() && known != file)
+        throw UsageError(
+            QStringLiteral("%1 and %2 are both %3: give {*} or {**} a name, such as {site}, where "
+                           "it tells fields apart")
+                .arg(std::min(known, file), std::max(known, file),
+                     field.name.isEmpty()
+                         ? QStringLiteral("the same channel of the same field")
+                         : QStringLiteral("the same channel of field %1").arg(field.name)));
+    known = file;
 }
 
 void findProblem(Field& field, const std::vector<Channel>& channels, const Pattern& pattern) {
@@ -50,43 +74,43 @@ void findProblem(Field& field, const std::vector<Channel>& channels, const Patte
         Placeholders placeholders = field.placeholders;
         placeholders[channelPlaceholder] = toQt(channels[i].name);
         field.problem = QStringLiteral("channel \"%1\" is missing: there is no %2")
-                            .arg(toQt(channels[i].name), pattern.filled(placeholders));
+                            .arg(toQt(channels[i].name), pattern.partlyFilled(placeholders));
     }
 }
 
-std::vector<Field> findFields(const DataSetOptions& options, const std::vector<Channel>& channels) {
+Pattern patternOf(const DataSetOptions& options, const std::vector<Channel>& channels) {
     QMap<QString, QStringList> choices;
-    std::map<QString, std::size_t> numberOfName;
-    for (const Channel& channel : channels) {
-        numberOfName.emplace(toQt(channel.name), numberOfName.size());
+    for (const Channel& channel : channels)
         choices[channelPlaceholder] << toQt(channel.name);
-    }
-    const Pattern pattern(options.pattern, choices);
-    const bool hasChannels = pattern.names().contains(channelPlaceholder);
-    if (!hasChannels && channels.size() > 1)
-        throw UsageError(
-            QStringLiteral("the pattern \"%1\" needs the placeholder {channel} for %2 channels")
-                .arg(options.pattern)
-                .arg(channels.size()));
+    Pattern pattern(options.pattern, choices);
+    return pattern;
+}
 
-    const bool isListed = !options.filesFrom.isEmpty();
-    std::map<QStringList, Field> fieldOfTexts; // in the order of their names
-    const QStringList files = isListed ? listedFiles(options.filesFrom) : pattern.files();
+std::vector<Field> sortedIntoFields(const QStringList& files, const Pattern& pattern,
+                                    const std::vector<Channel>& channels) {
+    std::map<QString, std::size_t> numberOfName;
+    for (const Channel& channel : channels)
+        numberOfName.emplace(toQt(channel.name), numberOfName.size());
+    const bool hasChannels = pattern.names().contains(channelPlaceholder);
+    std::map<QStringList, Field, NaturalOrder> fieldOfTexts;
     for (const QString& file : files) {
         Placeholders placeholders;
         if (!pattern.match(file, placeholders))
             continue;
-        const std::size_t number =
-            hasChannels ? numberOfName[placeholders.take(channelPlaceholder)] : 0;
-        Field& field = fieldOfTexts[joined(placeholders, pattern.names()).split(QLatin1Char('/'))];
+        const QString channel = placeholders.take(channelPlaceholder);
+        const QStringList texts = textsOf(placeholders, pattern.names());
+        Field& field = fieldOfTexts[texts];
         if (field.job.inputs.empty()) {
-            field.name = joined(placeholders, pattern.names());
+            field.name = texts.join(QLatin1Char('/'));
             field.placeholders = placeholders;
             field.job.inputs.resize(channels.size());
+            field.isOneFile = !hasChannels;
         }
-        field.job.inputs[number].file = file;
+        if (hasChannels)
+            setInput(field, numberOfName[channel], file);
+        for (std::size_t number = 0; !hasChannels && number < channels.size(); ++number)
+            setInput(field, number, file);
     }
-
     std::vector<Field> fields;
     for (auto& [texts, field] : fieldOfTexts) {
         findProblem(field, channels, pattern);
@@ -95,13 +119,40 @@ std::vector<Field> findFields(const DataSetOptions& options, const std::vector<C
     return fields;
 }
 
+/// Where each file holds its channels, those of the first one tell which are meant.
+void selectChannelsOf(std::vector<Field>& fields, const std::vector<Channel>& channels) {
+    if (fields.empty() || !fields.front().isOneFile || !fields.front().problem.isEmpty())
+        return;
+    std::vector<std::string> names;
+    for (const Channel& channel : channels)
+        names.push_back(channel.name);
+    try {
+        selectChannels(fields.front().job.inputs, names);
+    } catch (const FileError&) { // which is told when the field is rendered
+        return;
+    }
+    for (Field& field : fields)
+        for (std::size_t i = 0; i < field.job.inputs.size(); ++i)
+            field.job.inputs[i].channels = fields.front().job.inputs[i].channels;
+}
+
 } // namespace
 
 std::vector<Field> requestedFields(const DataSetOptions& options,
                                    const std::vector<Channel>& channels) {
-    std::vector<Field> fields = findFields(options, channels);
-    if (fields.empty())
-        printError(QStringLiteral("no file matches %1").arg(options.pattern));
+    const Pattern pattern = patternOf(options, channels);
+    const bool isListed = !options.filesFrom.isEmpty();
+    const FileNames files = isListed ? listedFiles(options.filesFrom) : pattern.files();
+    if (files.notText > 0)
+        printError(QStringLiteral("%1 left out, since the name is not UTF-8")
+                       .arg(plural(files.notText, QStringLiteral("file"))));
+    std::vector<Field> fields = sortedIntoFields(files.names, pattern, channels);
+    selectChannelsOf(fields, channels);
+    if (fields.empty()) {
+        const QString reason = isListed ? pattern.whyNot(files.names) : pattern.whyNot();
+        printError(QStringLiteral("no file matches %1").arg(options.pattern) +
+                   (reason.isEmpty() ? QString() : QStringLiteral(": ") + reason));
+    }
     return fields;
 }
 
@@ -190,6 +241,7 @@ std::vector<Channel> namedChannels(const QStringList& texts,
                 throw UsageError(
                     QStringLiteral("the settings have no channel \"%1\"").arg(toQt(channel.name)));
             channel.levels = known->levels;
+            channel.levelsBits = known->levelsBits;
             channel.gamma = known->gamma;
             channel.visible = known->visible;
         }
@@ -209,16 +261,12 @@ std::vector<Channel> namedChannels(const QStringList& texts,
 }
 
 QString fieldList(const std::vector<Field>& fields) {
-    constexpr std::size_t most = 20;
-    QStringList names;
-    for (std::size_t i = 0; i < std::min(fields.size(), most); ++i)
-        names << fields[i].name;
     QString line = plural(fields.size(), QStringLiteral("field"));
-    if (!names.join(QString())
-             .isEmpty()) // a pattern without placeholders has one field without a name
-        line += QStringLiteral(": ") + names.join(QStringLiteral(", "));
-    if (fields.size() > most)
-        line += QStringLiteral(" and %1 more").arg(fields.size() - most);
+    // A pattern without placeholders has one field without a name.
+    if (!fields.empty() && !fields.front().name.isEmpty())
+        line += QStringLiteral(", ") + fields.front().name;
+    if (fields.size() > 1)
+        line += QStringLiteral(" to ") + fields.back().name;
     return line;
 }
 

@@ -12,19 +12,21 @@
 
 namespace lumetra {
 
-/// One place of the specimen: a file for each channel.
+/// One place of the specimen: a file for each channel, or one that holds all of them.
 struct Field {
     QString name; ///< The texts of the placeholders, in their order, between slashes.
     Placeholders placeholders;
     RenderJob job;
-    QString problem; ///< Why it cannot be rendered; empty if nothing is known against it.
+    QString problem;        ///< Why it cannot be rendered; empty if nothing is known against it.
+    bool isOneFile = false; ///< One file for all channels: its own channels are meant.
 };
 
-/// The fields that options ask for, in the order of their names. Those with a channel missing have
-/// a problem. Prints a message if there are none.
+/// The fields that options ask for, in the natural order of their names: s2 before s10. Those with
+/// a channel missing have a problem. Prints a message if there are none, with a file that comes
+/// near, and how many files were left out since their names are not UTF-8.
 /// @param channels  With names.
-/// @throws UsageError if pattern and channels do not fit; Error if the list of files cannot be
-///         read.
+/// @throws UsageError if pattern and channels do not fit, or two files are one channel of one
+///         field; Error if the list of files cannot be read.
 std::vector<Field> requestedFields(const DataSetOptions& options,
                                    const std::vector<Channel>& channels);
 
@@ -54,7 +56,7 @@ Channel parseNamedChannel(const QString& text, const DyeList& dyes);
 std::vector<Channel> namedChannels(const QStringList& texts,
                                    const std::optional<Settings>& settings, const DyeList& dyes);
 
-/// The names of the fields in a line that stays readable.
+/// How many fields there are, the first and the last of them: "60 fields, A01_s1 to P24_s4".
 QString fieldList(const std::vector<Field>& fields);
 
 } // namespace lumetra

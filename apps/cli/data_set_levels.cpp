@@ -14,13 +14,18 @@ namespace {
 /// The pixel values of one field, all of them or, if one cannot be read, none.
 std::vector<Histogram> measureField(const Field& field, const PageSelection& pages,
                                     std::vector<cv::Mat>& planes) {
-    const ChannelFiles files(field.job.inputs, pages);
+    ChannelFiles files(field.job.inputs, pages);
     std::vector<Histogram> histograms(files.channels());
     for (int i = 0; i < files.images(); ++i) {
         files.planes(i, planes);
         for (std::size_t channel = 0; channel < planes.size(); ++channel)
             histograms[channel].add(planes[channel]);
     }
+    for (std::size_t channel = 0; channel < histograms.size(); ++channel)
+        if (files.convertedRange(channel)) // each field by its own range
+            throw Error(QStringLiteral("%1: has values that are neither 8- nor 16-bit unsigned, "
+                                       "which share no counts: give --levels LOW:HIGH")
+                            .arg(files.file(channel).file()));
     return histograms;
 }
 
@@ -38,7 +43,8 @@ DataSetLevels measureLevels(std::vector<Field>& fields, const PageSelection& pag
                 sum.histograms[channel].add(histograms[channel]);
             } catch (const RenderError&) { // no levels would fit both
                 throw Error(
-                    QStringLiteral("%1: has a different bit depth than other files of its channel")
+                    QStringLiteral("%1: has a different bit depth than other files of its channel; "
+                                   "give --levels LOW:HIGH, or render them apart")
                         .arg(field.job.inputs[channel].file));
             }
         }
@@ -63,7 +69,8 @@ DataSetLevels measureLevels(std::vector<Field>& fields, const PageSelection& pag
         };
     };
     runWorkers(jobs, fields.size(), makeWorker, [&] { progress.tick(); });
-    throwIfInterrupted();
+    if (caughtSignal() != 0)
+        throw Interrupted(QStringLiteral("stopped after measuring ") + progress.reached());
     return sum;
 }
 

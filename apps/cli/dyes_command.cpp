@@ -20,20 +20,23 @@ QString nanometres(int wavelength) {
 }
 
 QString table(const std::vector<Dye>& dyes) {
-    QString lines = QStringLiteral("excitation  emission  colour   name\n");
+    QString lines = QStringLiteral("excitation  emission  colour   source        name\n");
     for (const Dye& dye : dyes)
-        lines += QStringLiteral("%1  %2  %3  %4\n")
+        lines += QStringLiteral("%1  %2  %3  %4  %5\n")
                      .arg(nanometres(dye.excitation), 10)
                      .arg(nanometres(dye.emission), 8)
-                     .arg(toQt(toHex(dye.colour)), escaped(toQt(dye.name)));
+                     .arg(toQt(toHex(dye.colour)), toQt(dye.source).leftJustified(12),
+                          escaped(toQt(dye.name)));
     return lines;
 }
 
 QString json(const std::vector<Dye>& dyes) {
     QJsonArray list;
     for (const Dye& dye : dyes) {
-        QJsonObject object{
-            {"name", toQt(dye.name)}, {"colour", toQt(toHex(dye.colour))}, {"custom", dye.custom}};
+        QJsonObject object{{"name", toQt(dye.name)},
+                           {"colour", toQt(toHex(dye.colour))},
+                           {"source", toQt(dye.source)},
+                           {"custom", dye.origin == DyeOrigin::custom}};
         if (dye.excitation > 0)
             object["excitation"] = dye.excitation;
         if (dye.emission > 0)
@@ -53,9 +56,11 @@ int runDyes(const DyesOptions& options) {
     if (options.excitation > 0)
         sortByExcitation(found, options.excitation);
     if (found.empty()) {
-        printError(
-            QStringLiteral("no dye has \"%1\" in its name; the nearest names are %2")
-                .arg(options.text, toQt(quotedList(list.nearestNames(toUtf8(options.text))))));
+        const std::vector<std::string> nearest = list.nearestNames(toUtf8(options.text));
+        printError(QStringLiteral("no dye has \"%1\" in its name").arg(options.text) +
+                   (nearest.empty()
+                        ? QString()
+                        : QStringLiteral("; the nearest names are ") + toQt(quotedList(nearest))));
         return nothingMatched;
     }
     print(options.json ? json(found) : table(found));

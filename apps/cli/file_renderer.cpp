@@ -1,8 +1,10 @@
 #include "apps/cli/file_renderer.h"
 
+#include "apps/cli/figure.h"
 #include "apps/cli/signals.h"
 #include "apps/common/error.h"
 #include "apps/common/image_size.h"
+#include "apps/common/messages.h"
 #include "imageio/image_writer.h"
 #include "imageio/output_conflicts.h"
 #include "imageio/output_format.h"
@@ -26,7 +28,30 @@ namespace {
 
 } // namespace
 
-std::vector<Channel> FileRenderer::channelsWithLevels(const ChannelFiles& files) {
+/// Values that had to be brought to 16 bits are so under the limits that the user gave, if any.
+void FileRenderer::convert(ChannelFiles& files) {
+    for (std::size_t number = 0; number < rendering_.channels.size(); ++number) {
+        const LevelPolicy& policy = rendering_.channels[number].levels;
+        const auto& range = files.convertedRange(number);
+        if (!range)
+            continue;
+        const QString& name = files.file(number).file();
+        if (policy.method == LevelPolicy::Method::none)
+            throw Error(QStringLiteral("%1: has values that are neither 8- nor 16-bit unsigned: "
+                                       "give contrast limits (--levels)")
+                            .arg(name));
+        if (range->notFinite > 0)
+            printError(QStringLiteral("%1: %2 that are infinite or not a number are shown as black")
+                           .arg(name, plural(range->notFinite, QStringLiteral("pixel value"))));
+        if (!policy.known())
+            continue;
+        files.setRange(number, *policy.known());
+        if (files.images() == 1)
+            planes_[number] = files.gray(number, 0);
+    }
+}
+
+std::vector<Channel> FileRenderer::channelsWithLevels(ChannelFiles& files) {
     std::vector<Channel> channels;
     for (std::size_t number = 0; number < rendering_.channels.size(); ++number) {
         const auto& [channel, policy] = rendering_.channels[number];
@@ -37,31 +62,65 @@ std::vector<Channel> FileRenderer::channelsWithLevels(const ChannelFiles& files)
             histogram.add(files.images() == 1 ? planes_[number] : files.gray(number, i));
         }
         channels.push_back(channel);
-        channels.back().levels = levelsOf(histogram, policy);
+        const bool isConverted = files.convertedRange(number) && policy.known();
+        channels.back().levels =
+            isConverted ? ContrastLimits{0, 65535} : levelsOf(histogram, policy);
+        if (policy.isMeasured())
+            channels.back().levelsBits = histogram.bitDepth();
     }
     return channels;
 }
 
-QString FileRenderer::render(const RenderJob& job) {
+/// Reads the planes of an image, and refuses those that limits of settings would not fit.
+void FileRenderer::readPlanes(ChannelFiles& files, int image, const RenderJob& job) {
+    files.planes(image, planes_);
+    for (std::size_t i = 0; i < planes_.size(); ++i) {
+        const auto& [channel, policy] = rendering_.channels[i];
+        const int bits = planes_[i].depth() == CV_8U ? 8 : 16;
+        if (policy.method == LevelPolicy::Method::fixed && channel.levelsBits > 0 &&
+            channel.levelsBits != bits)
+            throw Error(QStringLiteral("%1 has %2 bits, and the contrast limits of channel %3 in "
+                                       "%4 were measured at %5 bits; give --levels")
+                            .arg(job.inputs[i].file, QString::number(bits), QString::number(i + 1),
+                                 rendering_.settings, QString::number(channel.levelsBits)));
+    }
+}
+
+RenderedFile FileRenderer::render(const RenderJob& job) {
     checkOutput(job.output, inputNames(job), rendering_.existing);
-    const ChannelFiles files(job.inputs, rendering_.pages);
-    if (files.images() == 1)
-        files.planes(0, planes_);
+    ChannelFiles files(job.inputs, rendering_.pages);
+    readPlanes(files, 0, job);
+    convert(files);
     const std::vector<Channel> channels = channelsWithLevels(files);
+    const RenderSpec rendering = withPixelSize(rendering_, files.file(0));
     try {
-        writeImages(job.output, rendering_.existing, files.images(), [&](int i) -> const cv::Mat& {
+        const auto draw = [&](int i) -> const cv::Mat& {
             if (files.images() > 1)
-                files.planes(i, planes_);
-            renderer_.render(planes_, channels, image_);
-            annotate(image_, channels, rendering_.annotation);
+                readPlanes(files, i, job);
+            renderFigure(renderer_, planes_, channels, rendering, image_);
             return image_;
-        });
+        };
+        writeImages(job.output, rendering, files.images(), draw);
     } catch (...) {
         planes_.clear();
         throw;
     }
     planes_.clear();
-    return sizeText(image_);
+    return {sizeText(image_), channels};
+}
+
+RenderSpec withPixelSize(RenderSpec rendering, const ImageFile& file) {
+    auto& bar = rendering.annotation.scaleBar;
+    if (!rendering.pixelSize)
+        rendering.pixelSize = file.metadata().pixelSizeX;
+    if (bar && !rendering.pixelSize)
+        throw Error(
+            QStringLiteral("%1: does not say its pixel size; give --pixel-size").arg(file.file()));
+    if (bar)
+        bar->pixelSize = *rendering.pixelSize;
+    if (rendering.framing.size) // whose pixels are larger
+        rendering.pixelSize.reset();
+    return rendering;
 }
 
 QStringList inputNames(const RenderJob& job) {
@@ -71,7 +130,7 @@ QStringList inputNames(const RenderJob& job) {
     return names;
 }
 
-void writeImages(const QString& output, Existing existing, int count,
+void writeImages(const QString& output, const RenderSpec& rendering, int count,
                  const std::function<const cv::Mat&(int)>& draw) {
     QDir().mkpath(QFileInfo(output).path()); // what goes wrong, writing tells
     const auto drawn = [&](int i) -> const cv::Mat& {
@@ -86,7 +145,7 @@ void writeImages(const QString& output, Existing existing, int count,
     if (count == 1) {
         const cv::Mat& image = drawn(0);
         throwIfInterrupted();
-        return writeImage(output, image, existing);
+        return writeImage(output, image, rendering.existing, rendering.pixelSize);
     }
     if (outputFormat(output) != OutputFormat::tiff)
         throw Error(QStringLiteral("%1: a stack of %2 pages is written as .tif or .tiff")
@@ -96,8 +155,10 @@ void writeImages(const QString& output, Existing existing, int count,
     for (int i = 0; i < count; ++i) {
         const cv::Mat& page = drawn(i);
         if (!writer)
-            writer = std::make_unique<TiffWriter>(
-                output, existing, page.total() * page.elemSize() * static_cast<std::size_t>(count));
+            writer = std::make_unique<TiffWriter>(output, rendering.existing,
+                                                  page.total() * page.elemSize() *
+                                                      static_cast<std::size_t>(count),
+                                                  rendering.pixelSize);
         throwIfInterrupted();
         writer->add(page);
     }

@@ -18,6 +18,12 @@ struct RenderJob {
     QString output;
 };
 
+/// What has become of the files of one image.
+struct RenderedFile {
+    QString size;                  ///< Of the image, in words.
+    std::vector<Channel> channels; ///< With the contrast limits that were used.
+};
+
 /// Renders images one after another, and keeps the memory that it needs.
 class FileRenderer {
 public:
@@ -26,12 +32,14 @@ public:
 
     /// Reads, renders and writes one image, or a stack. Contrast limits that are to be measured are
     /// measured over all of its pages.
-    /// @return The size of the image in words.
-    /// @throws Error, Interrupted.
-    QString render(const RenderJob& job);
+    /// @throws Error, if only because contrast limits of settings were measured at another bit
+    ///         depth; Interrupted.
+    RenderedFile render(const RenderJob& job);
 
 private:
-    std::vector<Channel> channelsWithLevels(const ChannelFiles& files);
+    void convert(ChannelFiles& files);
+    std::vector<Channel> channelsWithLevels(ChannelFiles& files);
+    void readPlanes(ChannelFiles& files, int image, const RenderJob& job);
 
     const RenderSpec& rendering_;
     Renderer renderer_;
@@ -42,10 +50,14 @@ private:
 /// The names of the files that are read.
 QStringList inputNames(const RenderJob& job);
 
+/// How images of a file are rendered, whose pixel size counts where the user gave none.
+/// @throws Error if a scale bar is wanted and nobody tells the pixel size.
+RenderSpec withPixelSize(RenderSpec rendering, const ImageFile& file);
+
 /// Writes the images that `draw` makes for 0 to `count` − 1 into a file: one, or a stack. Makes its
 /// folder.
 /// @throws Error with the file's name; Interrupted.
-void writeImages(const QString& output, Existing existing, int count,
+void writeImages(const QString& output, const RenderSpec& rendering, int count,
                  const std::function<const cv::Mat&(int)>& draw);
 
 } // namespace lumetra

@@ -1,14 +1,14 @@
 #include "apps/cli/fonts.h"
 
-#include "apps/common/annotation.h"
+#include "apps/cli/render_spec.h"
 
 namespace lumetra {
 
-std::unique_ptr<QGuiApplication> fontsFor(const Annotation& annotation) {
+std::unique_ptr<QGuiApplication> fontsFor(const RenderSpec& rendering) {
     static int count = 1;
     static char name[] = "lumetra";
     static char* arguments[] = {name, nullptr};
-    if (annotation.isEmpty())
+    if (rendering.annotation.isEmpty() && !rendering.panels)
         return nullptr;
     drawWithoutDisplay();
     return std::make_unique<QGuiApplication>(count, arguments);

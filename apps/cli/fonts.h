@@ -7,9 +7,9 @@
 
 namespace lumetra {
 
-struct Annotation;
+struct RenderSpec;
 
-/// What has to live while `annotate` draws text; null if there is none to draw.
-std::unique_ptr<QGuiApplication> fontsFor(const Annotation& annotation);
+/// What has to live while text is drawn onto images; null if there is none to draw.
+std::unique_ptr<QGuiApplication> fontsFor(const RenderSpec& rendering);
 
 } // namespace lumetra

@@ -63,11 +63,20 @@ QString levelsText(const Channel& channel, const QString& method) {
         text = QStringLiteral("contrast limits %1 to %2")
                    .arg(channel.levels->low)
                    .arg(channel.levels->high);
-    else if (!method.isEmpty() && method != QLatin1String("none"))
+    else if (isMeasuredMethod(method))
         text = QStringLiteral("contrast limits of each image (%1)").arg(method);
     if (channel.gamma != 1)
         text += QStringLiteral(", gamma %1").arg(channel.gamma);
     return channel.visible ? text : text + QStringLiteral(", hidden");
+}
+
+/// The channels of an image without the limits that are its own.
+std::vector<Channel> withoutMeasuredLevels(const LoggedImage& image) {
+    std::vector<Channel> channels = image.channels;
+    for (std::size_t i = 0; i < channels.size(); ++i)
+        if (isMeasuredMethod(image.methods.value(static_cast<int>(i))))
+            channels[i].levels.reset();
+    return channels;
 }
 
 bool haveEqualDyes(const std::vector<LegendEntry>& a, const std::vector<LegendEntry>& b) {
@@ -133,18 +142,24 @@ std::vector<LegendEntry> legendOf(const std::vector<Channel>& channels,
 }
 
 std::vector<LegendEntry> commonLegend(const LatestEntries& log) {
-    std::vector<LegendEntry> common;
+    std::vector<LegendEntry> common, commonMethods; // with the limits, and with how they were found
     for (const auto& [place, image] : log) {
         if (!image.reason.isEmpty() || image.channels.empty())
             continue;
         const std::vector<LegendEntry> legend = legendOf(image.channels, image.methods);
-        if (common.empty())
+        const std::vector<LegendEntry> methods =
+            legendOf(withoutMeasuredLevels(image), image.methods);
+        if (common.empty()) {
             common = legend;
+            commonMethods = methods;
+        }
         if (!haveEqualDyes(common, legend))
             return {};
         for (std::size_t i = 0; i < legend.size(); ++i) {
+            if (commonMethods[i].levels != methods[i].levels)
+                commonMethods[i].levels = QStringLiteral("contrast limits differ");
             if (common[i].levels != legend[i].levels)
-                common[i].levels = QStringLiteral("contrast limits differ");
+                common[i].levels = commonMethods[i].levels;
             if (common[i].name != legend[i].name)
                 common[i].name.clear();
         }

@@ -2,6 +2,8 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_set_levels.h"
+#include "apps/cli/instrument_folder.h"
+#include "apps/cli/print.h"
 #include "apps/common/error.h"
 #include "apps/common/text.h"
 #include "imageio/output_conflicts.h"
@@ -23,6 +25,7 @@ Settings settingsWith(const std::vector<ChannelSpec>& channels, const DataSetLev
     for (std::size_t i = 0; i < channels.size(); ++i) {
         settings.channels.push_back(channels[i].channel);
         settings.channels[i].levels = levelsOf(measured.histograms[i], channels[i].levels);
+        settings.channels[i].levelsBits = measured.histograms[i].bitDepth();
     }
     settings.measured = Measurement{methodText(channels), measured.files};
     return settings;
@@ -31,12 +34,14 @@ Settings settingsWith(const std::vector<ChannelSpec>& channels, const DataSetLev
 } // namespace
 
 int runLevels(const LevelsOptions& options) {
+    DataSetOptions dataSet = options.dataSet;
+    usePatternOfFolder(dataSet, options.output.quiet);
     const std::vector<Channel> channels =
         namedChannels(options.dataSet.channels, std::nullopt, dyesWith(options.customDyes));
     const std::vector<ChannelSpec> shown = channelSpecs(channels, options.contrast, {}, false);
     const QString& output = options.output.file;
     checkOutput(output, {}, existingOf(options.output));
-    std::vector<Field> fields = requestedFields(options.dataSet, channels);
+    std::vector<Field> fields = requestedFields(dataSet, channels);
     if (fields.empty())
         return nothingMatched;
     checkOutputConflicts({output, options.dataSet.progress},
@@ -51,7 +56,9 @@ int runLevels(const LevelsOptions& options) {
     printProblems(fields);
     if (measured.files == 0)
         throw Error(QStringLiteral("no field could be measured"));
-    writeBytes(output, settingsJson(settingsWith(shown, measured)), existingOf(options.output));
+    const Settings settings = settingsWith(shown, measured);
+    writeBytes(output, settingsJson(settings), existingOf(options.output));
+    reportLevels(options.output, settings.channels);
     return hasProblems(fields) ? failed : done;
 }
 

@@ -43,7 +43,9 @@ int refuse(const QString& reason, int status) {
 int run(int argc, char** argv) {
     try {
         return parseCommandLine(argc, argv)();
-    } catch (const Interrupted&) {
+    } catch (const Interrupted& interrupted) {
+        if (!interrupted.howFar.isEmpty())
+            printError(interrupted.howFar);
         return 128 + caughtSignal();
     } catch (const UsageError& usage) {
         return refuse(usage.text(), badUsage);

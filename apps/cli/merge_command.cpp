@@ -1,45 +1,49 @@
 // lumetra merge: channels in one image.
 
 #include "apps/cli/commands.h"
+#include "apps/cli/file_channels.h"
 #include "apps/cli/fonts.h"
 #include "apps/cli/print.h"
 #include "apps/cli/render_field.h"
 #include "apps/common/error.h"
 #include "imageio/output_conflicts.h"
-#include "imageio/output_format.h"
 
 #include <QFileInfo>
 
 namespace lumetra {
 namespace {
 
-/// The files and channels of a command line. With settings, the nth file is the nth channel of the
-/// settings, in the dye and offset that are written beside it, if there are any.
+/// The files and channels of a command line. With settings, the nth channel is the nth of the
+/// settings, in the dye and offset that are written beside its file, if there are any.
 std::vector<ChannelFile> channelFiles(const QStringList& arguments,
                                       const std::optional<Settings>& settings,
                                       const DyeList& dyes) {
     std::vector<ChannelFile> files;
-    if (!settings) {
-        for (const QString& argument : arguments)
-            files.push_back(parseChannelFile(argument, dyes));
-        return files;
-    }
-    const auto count = static_cast<std::size_t>(arguments.size());
-    if (settings->channels.size() != count)
-        throw UsageError(QStringLiteral("the settings have %1, and there are %2")
-                             .arg(plural(settings->channels.size(), QStringLiteral("channel")),
-                                  plural(count, QStringLiteral("file"))));
+    std::vector<bool> hasDye;
     for (const QString& argument : arguments) {
-        const bool hasDye = argument.contains(QLatin1Char('=')) && !QFileInfo::exists(argument);
-        ChannelFile file = hasDye ? parseChannelFile(argument, dyes) : parseFile(argument);
-        Channel channel = settings->channels[files.size()];
-        if (hasDye) {
-            channel.dye = file.channel.dye;
-            channel.colour = file.channel.colour;
-            channel.offset = file.channel.offset;
+        const bool named = isChannelText(argument);
+        if (settings && !named) {
+            const InputFile input = parseFile(argument);
+            for (const InputFile& channel : channelsOf(ImageFile(input.file), input))
+                files.push_back({channel, {}});
+        } else {
+            for (const ChannelFile& channel : channelFilesOf(argument, dyes))
+                files.push_back(channel);
         }
-        file.channel = channel;
-        files.push_back(file);
+        hasDye.resize(files.size(), named);
+    }
+    if (settings && settings->channels.size() != files.size())
+        throw UsageError(QStringLiteral("the settings have %1, and the files have %2")
+                             .arg(plural(settings->channels.size(), QStringLiteral("channel")))
+                             .arg(files.size()));
+    for (std::size_t i = 0; settings && i < files.size(); ++i) {
+        const Channel named = files[i].channel;
+        files[i].channel = settings->channels[i];
+        if (!hasDye[i])
+            continue;
+        files[i].channel.dye = named.dye;
+        files[i].channel.colour = named.colour;
+        files[i].channel.offset = named.offset;
     }
     return files;
 }
@@ -56,16 +60,19 @@ int runMerge(const MergeOptions& options) {
         job.inputs.push_back(file);
         channels.push_back(file.channel);
     }
-    static_cast<void>(outputFormat(output)); // before any work
-    const RenderSpec rendering = renderSpec(channels, options.image, options.channel);
-    const auto fonts = fontsFor(rendering.annotation);
+    checkImageOutput(output);
+    RenderSpec rendering = renderSpec(channels, options.image, options.channel);
+    rendering.panels = panelsOf(options);
+    const auto fonts = fontsFor(rendering);
     checkOutputConflicts({options.log, output},
                          inputNames(job) << options.channel.settings << options.channel.customDyes);
     BatchLog log(options.log, false);
     FileRenderer renderer(rendering);
     const Field field{QFileInfo(output).completeBaseName(), {}, job, {}};
-    const QString size = renderField(field, workOf(field, rendering), renderer, log);
-    reportImage(options.image.output, size);
+    const RenderedFile rendered = renderField(field, workOf(field, rendering), renderer, log);
+    reportImage(options.image.output, rendered.size);
+    if (hasMeasuredLevels(rendering.channels))
+        reportLevels(options.image.output, rendered.channels);
     return done;
 }
 

@@ -16,6 +16,12 @@ QStringList sharedArguments(const RenderSpec& rendering, const BatchOptions& opt
         arguments << "--page" << QString::number(rendering.pages.number);
     if (rendering.pages.all)
         arguments << "--all-pages";
+    if (rendering.pages.project)
+        arguments << "--project" << toQt(projectionText(*rendering.pages.project));
+    if (!options.image.framing.crop.isEmpty())
+        arguments << "--crop" << options.image.framing.crop;
+    if (!options.image.framing.resize.isEmpty())
+        arguments << "--resize" << options.image.framing.resize;
     if (rendering.existing == Existing::replace)
         arguments << "--overwrite";
     if (options.image.output.quiet)

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <string>
 #include <vector>
 
 namespace lumetra {
@@ -24,6 +25,12 @@ struct AnnotationOptions {
     double pixelSize = 0; ///< Micrometres per pixel; given whenever there is a scale bar.
 };
 
+/// What becomes of rendered images, before anything is drawn onto them.
+struct FramingOptions {
+    QString crop;   ///< `X,Y,W,H`.
+    QString resize; ///< `W`, `WxH` or `PERCENT%`.
+};
+
 /// What is written, and what is printed about it.
 struct OutputOptions {
     QString file; ///< A name, for a whole data set a pattern; `-` is the standard output.
@@ -36,14 +43,17 @@ struct ImageOptions {
     OutputOptions output;
     ContrastOptions contrast;
     PageSelection pages;
+    FramingOptions framing;
     AnnotationOptions annotation;
 };
 
 /// Where channels have their colours and settings from.
 struct ChannelOptions {
-    QString settings;        ///< A settings file.
-    QString customDyes;      ///< An INI file of custom dyes.
-    std::vector<int> hidden; ///< Numbers of channels, from 1.
+    QString settings;         ///< A settings file.
+    QString customDyes;       ///< An INI file of custom dyes.
+    std::vector<int> hidden;  ///< Numbers of channels, from 1.
+    bool safePalette = false; ///< Colours that everybody can tell apart.
+    QStringList blends;       ///< One for all channels, or one for each in their order.
 };
 
 /// Which files make up a data set, and how they are worked on.
@@ -77,7 +87,6 @@ struct DyeOptions {
 struct PseudoOptions {
     QString file;
     QString lut = QStringLiteral("viridis");
-    QString range; ///< `LOW:HIGH`.
     bool reversed = false;
     ImageOptions image;
 };
@@ -87,6 +96,7 @@ struct MergeOptions {
     ImageOptions image;
     ChannelOptions channel;
     QString log;
+    std::string panels; ///< `gray` or `colour`; empty for the merged image alone.
 };
 
 struct LevelsOptions {

@@ -17,14 +17,23 @@ int rowOf(const QString& name) {
     return row - 1;
 }
 
+/// A well by a letter and a number, or by two numbers.
 std::vector<Well> candidates(const QString& name) {
     static const QRegularExpression form(
-        QStringLiteral("(?<![A-Za-z0-9])([A-Z]|A[A-F])(0?[1-9]|[1-3][0-9]|4[0-8])(?![A-Za-z0-9])"));
+        QStringLiteral("(?<![A-Za-z0-9])(?:"
+                       "(?<letters>[A-Z]|A[A-F])(?: - )?(?<column>%1)(?![A-Za-z0-9])|"
+                       "[rR](?<row>%2)[cC](?<columnOfRow>%1)(?![0-9]))")
+            .arg(QStringLiteral("0?[1-9]|[1-3][0-9]|4[0-8]"),
+                 QStringLiteral("0?[1-9]|[12][0-9]|3[0-2]")));
     std::vector<Well> wells;
     for (auto matches = form.globalMatch(name); matches.hasNext();) {
         const auto match = matches.next();
-        wells.push_back({name.left(match.capturedStart()), rowOf(match.captured(1)),
-                         match.captured(2).toInt(), name.mid(match.capturedEnd())});
+        const auto part = [&](const char* group) { return match.captured(QLatin1String(group)); };
+        const bool hasLetters = !part("letters").isEmpty();
+        const int row = hasLetters ? rowOf(part("letters")) : part("row").toInt() - 1;
+        const QString column = part(hasLetters ? "column" : "columnOfRow");
+        wells.push_back(
+            {name.left(match.capturedStart()), row, column.toInt(), name.mid(match.capturedEnd())});
     }
     return wells;
 }

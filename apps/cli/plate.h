@@ -20,8 +20,9 @@ struct Well {
 /// The letters of a row.
 QString rowName(int row);
 
-/// The well of each name: a row from A to AF and a column from 1 to 48, such as `B03`, with no
-/// letter or digit beside it.
+/// The well of each name: a row from A to AF and a column from 1 to 48, such as `B03` or `B - 03`,
+/// with no letter or digit beside it; or both as numbers, such as `r02c03`, with no letter or digit
+/// before it and no digit behind it.
 ///
 /// Plates, sites and points in time are often named in the same way (`P01_B03_F02`). Of the places
 /// where names hold something like a well, the one with the most wells over all names is meant.

@@ -1,12 +1,22 @@
 #include "apps/cli/print.h"
 
 #include "apps/cli/options.h"
+#include "apps/common/annotation.h"
+#include "apps/common/command_line.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "imageio/atomic_file.h"
 #include "imageio/file_error.h"
+#include "imageio/output_format.h"
 
 namespace lumetra {
+
+void checkImageOutput(const QString& output) {
+    static_cast<void>(outputFormat(output));
+    if (isStandardOutput(output) && writesToTerminal())
+        throw UsageError(QStringLiteral("-o - would write PNG onto the terminal: redirect it to a "
+                                        "file or a pipe, or name a file"));
+}
 
 void print(const QString& text) { writeBytes(QStringLiteral("-"), text.toUtf8(), Existing::keep); }
 
@@ -18,6 +28,17 @@ QString currentErrorText() {
     } catch (...) {
         return currentExceptionText();
     }
+}
+
+void reportLevels(const OutputOptions& output, const std::vector<Channel>& channels) {
+    QStringList texts;
+    for (std::size_t i = 0; i < channels.size(); ++i)
+        if (const auto& limits = channels[i].levels)
+            texts << QStringLiteral("%1 %2 %3")
+                         .arg(QString::number(i + 1), channelLabel(channels[i]),
+                              levelsText(*limits));
+    if (!output.quiet && !texts.isEmpty())
+        printError(QStringLiteral("levels: ") + texts.join(QStringLiteral(", ")));
 }
 
 void reportImage(const OutputOptions& output, const QString& size) {

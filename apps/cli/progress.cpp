@@ -110,6 +110,13 @@ void Progress::fieldFailed() {
     show();
 }
 
+QString Progress::reached() {
+    const std::lock_guard lock(mutex_);
+    return QStringLiteral("%1 of %2")
+        .arg(done_ + failed_)
+        .arg(plural(static_cast<std::size_t>(total_), QStringLiteral("field")));
+}
+
 void Progress::tick() {
     const std::lock_guard lock(mutex_);
     show();

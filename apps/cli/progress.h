@@ -28,6 +28,9 @@ public:
 
     void fieldFailed();
 
+    /// "12 of 60 fields", those that failed included.
+    QString reached();
+
     /// To be called a few times a second.
     void tick();
 

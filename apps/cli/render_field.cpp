@@ -3,22 +3,25 @@
 #include "apps/cli/print.h"
 #include "apps/cli/signals.h"
 #include "apps/common/error.h"
+#include "imageio/file_error.h"
 
 #include <QElapsedTimer>
 
 namespace lumetra {
 
-QString renderField(const Field& field, const QJsonObject& work, FileRenderer& renderer,
-                    BatchLog& log) {
+RenderedFile renderField(const Field& field, const QJsonObject& work, FileRenderer& renderer,
+                         BatchLog& log) {
     QElapsedTimer timer;
     timer.start();
     try {
         if (!field.problem.isEmpty())
             throw Error(field.problem);
-        QString size = renderer.render(field.job);
-        log.addDone(work, timer.elapsed());
-        return size;
+        RenderedFile rendered = renderer.render(field.job);
+        log.addDone(withLevels(work, rendered.channels), timer.elapsed());
+        return rendered;
     } catch (const Interrupted&) {
+        throw;
+    } catch (const FileExistsError&) {
         throw;
     } catch (...) {
         log.addFailed(work, timer.elapsed(), currentErrorText());

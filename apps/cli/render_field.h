@@ -8,10 +8,9 @@ namespace lumetra {
 
 /// Renders a field and logs what became of it.
 /// @param work  The field's `workOf`.
-/// @return The size of the image in words.
-/// @throws Error, if only because the field has a problem, once that is logged; Interrupted,
-///         which is not.
-QString renderField(const Field& field, const QJsonObject& work, FileRenderer& renderer,
-                    BatchLog& log);
+/// @throws Error, if only because the field has a problem, once that is logged; Interrupted and
+///         FileExistsError, which are not: nothing was tried.
+RenderedFile renderField(const Field& field, const QJsonObject& work, FileRenderer& renderer,
+                         BatchLog& log);
 
 } // namespace lumetra

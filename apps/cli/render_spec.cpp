@@ -3,7 +3,11 @@
 #include "apps/common/custom_dyes.h"
 #include "apps/common/error.h"
 #include "apps/common/text.h"
+#include "render/palette.h"
 #include "render/render_error.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace lumetra {
 namespace {
@@ -48,11 +52,14 @@ Channel ChannelSpec::channelWithKnownLevels() const {
     return known;
 }
 
+bool hasMeasuredLevels(const std::vector<ChannelSpec>& channels) {
+    return std::any_of(channels.begin(), channels.end(),
+                       [](const ChannelSpec& channel) { return channel.levels.isMeasured(); });
+}
+
 Existing existingOf(const OutputOptions& output) {
     return output.overwrite ? Existing::replace : Existing::keep;
 }
-
-ContrastLimits limitsOf(const QString& text) { return parsed(text, parseLimits); }
 
 DyeList dyesWith(const QString& customDyes) {
     DyeList list;
@@ -75,6 +82,21 @@ Annotation annotationOf(const AnnotationOptions& options) {
     return annotation;
 }
 
+Framing framingOf(const FramingOptions& options) {
+    Framing framing;
+    if (!options.crop.isEmpty())
+        framing.crop = parsed(options.crop, parseCrop);
+    if (!options.resize.isEmpty())
+        framing.size = parsed(options.resize, parseTargetSize);
+    return framing;
+}
+
+std::optional<PanelColours> panelsOf(const MergeOptions& options) {
+    if (options.panels.empty())
+        return std::nullopt;
+    return parsed(toQt(options.panels), parsePanelColours);
+}
+
 std::vector<ChannelSpec> channelSpecs(const std::vector<Channel>& channels,
                                       const ContrastOptions& contrast,
                                       const std::vector<int>& hidden, bool fromSettings) {
@@ -85,9 +107,10 @@ std::vector<ChannelSpec> channelSpecs(const std::vector<Channel>& channels,
         ChannelSpec one{channels[i], {}};
         if (!contrast.gammas.empty())
             one.channel.gamma = valueOf(contrast.gammas, i);
-        if (!contrast.levels.isEmpty())
+        if (!contrast.levels.isEmpty()) {
             one.levels = parsed(valueOf(contrast.levels, i), parseLevelPolicy);
-        else if (fromSettings)
+            one.channel.levelsBits = 0; // the user's limits are for whatever the file holds
+        } else if (fromSettings)
             one.levels = ownLevels(one.channel);
         if (one.levels.method == LevelPolicy::Method::none && one.channel.gamma != 1)
             throw UsageError(
@@ -107,8 +130,26 @@ std::vector<ChannelSpec> channelSpecs(const std::vector<Channel>& channels,
 
 RenderSpec renderSpec(const std::vector<Channel>& channels, const ImageOptions& image,
                       const ChannelOptions& options) {
-    return {channelSpecs(channels, image.contrast, options.hidden, !options.settings.isEmpty()),
-            image.pages, annotationOf(image.annotation), existingOf(image.output)};
+    requireOneOrEach(options.blends, channels.size(), "--blend");
+    std::vector<ChannelSpec> all =
+        channelSpecs(channels, image.contrast, options.hidden, !options.settings.isEmpty());
+    for (std::size_t i = 0; i < all.size() && !options.blends.isEmpty(); ++i)
+        all[i].channel.blend = parsed(valueOf(options.blends, i), parseBlend);
+    if (options.safePalette) {
+        const std::vector<Colour> colours = safePalette(all.size());
+        for (std::size_t i = 0; i < all.size(); ++i)
+            all[i].channel.colour = colours[i];
+    }
+    const double given = image.annotation.pixelSize;
+    const auto pixelSize = given > 0 ? std::optional(given) : std::nullopt;
+    return {std::move(all),
+            image.pages,
+            framingOf(image.framing),
+            annotationOf(image.annotation),
+            pixelSize,
+            existingOf(image.output),
+            std::nullopt,
+            options.settings};
 }
 
 } // namespace lumetra

@@ -6,7 +6,9 @@
 #include "apps/common/settings.h"
 #include "imageio/atomic_file.h"
 #include "render/channel.h"
+#include "render/framing.h"
 #include "render/level_policy.h"
+#include "render/panels.h"
 
 #include <optional>
 #include <vector>
@@ -19,7 +21,9 @@ struct ChannelSpec {
     /// be measured, or if pixel values stay as they are.
     Channel channelWithKnownLevels() const;
 
-    Channel channel;    ///< Its `levels` are not used: `levels` below says how they are found.
+    /// Its `levels` are not used: `levels` below says how they are found. Its `levelsBits` are the
+    /// bit depth that limits of settings are for.
+    Channel channel;
     LevelPolicy levels; ///< How its contrast limits are found.
 };
 
@@ -27,16 +31,19 @@ struct ChannelSpec {
 struct RenderSpec {
     std::vector<ChannelSpec> channels;
     PageSelection pages;
+    Framing framing;
     Annotation annotation;
+    std::optional<double> pixelSize;    ///< In µm, if the user gave it.
     Existing existing = Existing::keep; ///< What becomes of outputs that are there.
+    std::optional<PanelColours> panels; ///< Whether each channel is shown beside all, and how.
+    QString settings;                   ///< The file that channels are from; may be empty.
 };
+
+/// Whether contrast limits of any of the channels are to be measured.
+bool hasMeasuredLevels(const std::vector<ChannelSpec>& channels);
 
 /// What options say of outputs that are there.
 Existing existingOf(const OutputOptions& output);
-
-/// `LOW:HIGH` as the user wrote it.
-/// @throws UsageError for anything else.
-ContrastLimits limitsOf(const QString& text);
 
 /// The dyes, with those of a file of custom dyes if its name is not empty.
 /// @throws Error with the file's name.
@@ -47,6 +54,12 @@ DyeList dyesWith(const QString& customDyes);
 std::optional<Settings> settingsOf(const ChannelOptions& options, const DyeList& dyes);
 
 Annotation annotationOf(const AnnotationOptions& options);
+
+/// @throws UsageError for a crop or a size that is none.
+Framing framingOf(const FramingOptions& options);
+
+/// @throws UsageError for panels that are neither.
+std::optional<PanelColours> panelsOf(const MergeOptions& options);
 
 /// Channels with the contrast limits, gamma and visibility that options ask for: the user's limits
 /// for all or for each, otherwise the channel's own, otherwise `clip:0.1`.

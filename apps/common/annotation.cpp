@@ -75,20 +75,15 @@ QImage paper(QSize size) {
     return canvas;
 }
 
-void drawLegend(cv::Mat& image, const std::vector<Channel>& channels) {
+void drawLines(cv::Mat& image, const std::vector<Line>& lines) {
+    if (lines.empty())
+        return;
     const int height = letterHeight(image);
     const QFont font = letters(height);
     const QFontMetrics metrics(font);
-    std::vector<Line> lines;
     int width = 0;
-    for (const Channel& channel : channels) {
-        if (!channel.visible)
-            continue;
-        lines.push_back({channelLabel(channel), toQt(channel.colour)});
-        width = std::max(width, metrics.horizontalAdvance(lines.back().text));
-    }
-    if (lines.empty())
-        return;
+    for (const Line& line : lines)
+        width = std::max(width, metrics.horizontalAdvance(line.text));
     const int step = metrics.height();
     const int margin = height / 2;
     QImage drawing = paper(
@@ -103,6 +98,14 @@ void drawLegend(cv::Mat& image, const std::vector<Channel>& channels) {
     }
     painter.end();
     layOver(drawing, {0, 0}, image);
+}
+
+void drawLegend(cv::Mat& image, const std::vector<Channel>& channels) {
+    std::vector<Line> lines;
+    for (const Channel& channel : channels)
+        if (channel.visible)
+            lines.push_back({channelLabel(channel), toQt(channel.colour)});
+    drawLines(image, lines);
 }
 
 QString barText(double micrometres) { return QStringLiteral("%1 µm").arg(micrometres); }
@@ -142,6 +145,10 @@ QString channelLabel(const Channel& channel) {
     return escaped(toQt(channel.dye.empty() ? toHex(channel.colour) : channel.dye));
 }
 
+QString panelName(const Channel& channel) {
+    return channel.name.empty() ? channelLabel(channel) : escaped(toQt(channel.name));
+}
+
 void drawWithoutDisplay() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
 
 void annotate(cv::Mat& image, const std::vector<Channel>& channels, const Annotation& annotation) {
@@ -150,6 +157,11 @@ void annotate(cv::Mat& image, const std::vector<Channel>& channels, const Annota
         drawLegend(image, channels);
     if (annotation.scaleBar)
         drawScaleBar(image, *annotation.scaleBar);
+}
+
+void drawName(cv::Mat& image, const QString& name, Colour colour) {
+    CV_Assert(image.channels() >= 3 && (image.depth() == CV_8U || image.depth() == CV_16U));
+    drawLines(image, {{name, toQt(colour)}});
 }
 
 } // namespace lumetra

@@ -15,6 +15,9 @@ namespace lumetra {
 /// What a channel is called where there is little room: its dye, or its colour as `#rrggbb`.
 QString channelLabel(const Channel& channel);
 
+/// What a channel is called on a panel of its own: its name, or else as `channelLabel`.
+QString panelName(const Channel& channel);
+
 /// A bar of so many micrometres.
 struct ScaleBar {
     double micrometres = 0; ///< Above 0.
@@ -37,5 +40,8 @@ void drawWithoutDisplay();
 /// QGuiApplication.
 /// @throws Error if the bar is wider than the image or narrower than a pixel.
 void annotate(cv::Mat& image, const std::vector<Channel>& channels, const Annotation& annotation);
+
+/// Draws a name where a legend has its first line, with the same needs as `annotate`.
+void drawName(cv::Mat& image, const QString& name, Colour colour);
 
 } // namespace lumetra

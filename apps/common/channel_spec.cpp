@@ -39,20 +39,53 @@ bool setDye(Channel& channel, const QString& text, const DyeList& dyes) {
     return match.hasMatch();
 }
 
+/// A number of a selector.
+int counted(const QString& text, const QString& digits) {
+    bool fits = false;
+    const int number = digits.toInt(&fits);
+    if (!fits || number < 1)
+        throw Error(
+            QStringLiteral("%1: pages, channels, z-slices and time points are counted from 1")
+                .arg(text));
+    return number;
+}
+
+/// Whether the list has this name, not only one that may be written so.
+bool isNameAsWritten(const QString& text, const DyeList& dyes) {
+    const Dye* dye = dyes.find(toUtf8(text));
+    return dye && toQt(dye->name).compare(text, Qt::CaseInsensitive) == 0;
+}
+
+/// Refuses what follows a dye like an offset and is none.
+/// @throws Error if there is such a thing.
+void refuseOffset(const QString& text, const DyeList& dyes) {
+    static const QRegularExpression sign(QStringLiteral("[+-]+[0-9.]"));
+    for (auto match = sign.match(text); match.hasMatch();
+         match = sign.match(text, match.capturedStart() + 1)) {
+        Channel channel;
+        if (setDye(channel, text.left(match.capturedStart()), dyes))
+            throw Error(
+                QStringLiteral("\"%1\" after \"%2\" is not an offset: give two whole "
+                               "numbers with their signs, such as +3-2")
+                    .arg(text.mid(match.capturedStart()), text.left(match.capturedStart())));
+    }
+}
+
 } // namespace
 
 Channel parseChannel(const QString& text, const DyeList& dyes) {
-    Channel channel;
-    if (setDye(channel, text, dyes))
-        return channel;
-
     static const QRegularExpression offset(QStringLiteral("([+-][0-9]+)([+-][0-9]+)$"));
     const auto match = offset.match(text);
-    const QString dye = match.hasMatch() ? text.left(match.capturedStart()) : text;
-    if (!setDye(channel, dye, dyes))
-        dyes.at(toUtf8(dye)); // says which names are near
-    if (match.hasMatch())
+    const QString dye = text.left(match.capturedStart());
+    Channel channel;
+    if (match.hasMatch() && !isNameAsWritten(text, dyes) && setDye(channel, dye, dyes)) {
         channel.offset = {offsetPart(match.captured(1)), offsetPart(match.captured(2))};
+        return channel;
+    }
+    if (!setDye(channel, text, dyes)) {
+        refuseOffset(text, dyes);
+        dyes.at(toUtf8(match.hasMatch() ? dye : text)); // says which names are near
+    }
     return channel;
 }
 
@@ -69,20 +102,56 @@ QString channelSpec(const Channel& channel, const DyeList& dyes) {
 }
 
 ChannelFile parseFile(const QString& text) {
-    static const QRegularExpression page(QStringLiteral("^(.+)\\[([0-9]+)\\]$"),
-                                         QRegularExpression::DotMatchesEverythingOption);
-    const auto match = page.match(text);
+    static const QRegularExpression form(
+        QStringLiteral("^(.+)\\[([0-9]+|[czt][0-9]+(?:-[0-9]+)?(?:,[czt][0-9]+(?:-[0-9]+)?)*)\\]$"),
+        QRegularExpression::DotMatchesEverythingOption);
+    const auto match = form.match(text);
     if (!match.hasMatch() || QFileInfo::exists(text))
-        return {{text, 0}, {}};
-    bool fits = false;
-    const int number = match.captured(2).toInt(&fits);
-    if (!fits || number < 1)
-        throw Error(QStringLiteral("%1: pages are counted from 1").arg(text));
-    return {{match.captured(1), number}, {}};
+        return {{text, 0, {}, {}, {}}, {}};
+    ChannelFile result{{match.captured(1), 0, {}, {}, {}}, {}};
+    const QString selector = match.captured(2);
+    if (selector[0].isDigit()) {
+        result.page = counted(text, selector);
+        return result;
+    }
+    for (const QString& part : selector.split(QLatin1Char(','))) {
+        const QChar axis = part[0];
+        AxisRange& range = axis == QLatin1Char('c')   ? result.channels
+                           : axis == QLatin1Char('z') ? result.slices
+                                                      : result.frames;
+        if (range.isNamed())
+            throw Error(QStringLiteral("%1: %2 is named twice").arg(text, QString(axis)));
+        range.first = counted(text, part.section(QLatin1Char('-'), 0, 0).mid(1));
+        range.last = part.contains(QLatin1Char('-'))
+                         ? counted(text, part.section(QLatin1Char('-'), 1))
+                         : range.first;
+        if (range.last < range.first)
+            throw Error(
+                QStringLiteral("%1: a range goes from the smaller number to the larger").arg(text));
+    }
+    return result;
+}
+
+bool isChannelText(const QString& text) {
+    return text.contains(QLatin1Char('=')) && !QFileInfo::exists(text);
 }
 
 QString fileSpec(const InputFile& file) {
-    return file.page == 0 ? file.file : QStringLiteral("%1[%2]").arg(file.file).arg(file.page);
+    QStringList parts;
+    if (file.page > 0)
+        parts << QString::number(file.page);
+    const auto add = [&](const char* axis, const AxisRange& range) {
+        if (!range.isNamed())
+            return;
+        parts << QLatin1String(axis) + QString::number(range.first);
+        if (range.last != range.first)
+            parts.back() += QLatin1Char('-') + QString::number(range.last);
+    };
+    add("c", file.channels);
+    add("z", file.slices);
+    add("t", file.frames);
+    return parts.isEmpty() ? file.file
+                           : QStringLiteral("%1[%2]").arg(file.file, parts.join(QLatin1Char(',')));
 }
 
 ChannelFile parseChannelFile(const QString& text, const DyeList& dyes) {

@@ -8,10 +8,18 @@
 
 namespace lumetra {
 
-/// A file, or one page of it.
+/// A part of an axis, both ends counted from 1; all of it where nothing was named.
+struct AxisRange {
+    int first = 0, last = 0;
+
+    bool isNamed() const { return first > 0; }
+};
+
+/// A file, one page of it, or some of its channels, z-slices and time points.
 struct InputFile {
     QString file;
     int page = 0; ///< Counted from 1; 0 where none was named.
+    AxisRange channels{}, slices{}, frames{};
 };
 
 /// A file as one channel of an image.
@@ -19,21 +27,26 @@ struct ChannelFile : InputFile {
     Channel channel;
 };
 
-/// Understands `DYE` and `DYE+X+Y`, each sign plus or minus; DYE is a name of the list or
-/// `#rrggbb`.
+/// Understands `DYE` and `DYE+X+Y`, each sign plus or minus; DYE is what `DyeList::find`
+/// understands, `#rrggbb` or `NAME#rrggbb`.
 ///
 /// Names of dyes hold signs, digits and brackets themselves, so the end of the text is an offset
-/// only if the text is no name as a whole.
-/// @throws RenderError, with the nearest names, for an unknown dye; Error for an offset that is not
-///         a 32-bit number.
+/// only if the list has no such name. An offset goes before other ways to write a name.
+/// @throws RenderError, with the nearest names, for an unknown dye; Error for what follows a dye
+///         like an offset and is not two numbers, or numbers of more than 32 bits.
 Channel parseChannel(const QString& text, const DyeList& dyes);
 
 /// What `parseChannel` understands as the channel's dye, colour and offset: the name alone where
 /// the list has it in this colour.
 QString channelSpec(const Channel& channel, const DyeList& dyes);
 
-/// Understands `FILE` and `FILE[PAGE]`. A file whose own name ends in brackets is taken as it is.
+/// Understands `FILE`, `FILE[PAGE]` and `FILE[c2,z3-7,t1]`, each part once and in any order. A file
+/// whose own name ends in brackets is taken as it is.
+/// @throws Error where a number or a range makes no sense.
 ChannelFile parseFile(const QString& text);
+
+/// Whether a text is a channel, `FILE=DYE`, and no file with "=" in its name.
+bool isChannelText(const QString& text);
 
 /// What `parseFile` understands.
 QString fileSpec(const InputFile& file);

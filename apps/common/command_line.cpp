@@ -35,6 +35,9 @@ QStringList mergeArguments(const std::vector<ChannelFile>& channels,
     const bool hasGamma =
         std::any_of(channels.begin(), channels.end(),
                     [](const ChannelFile& file) { return file.channel.gamma != 1; });
+    const bool hasBlend =
+        std::any_of(channels.begin(), channels.end(),
+                    [](const ChannelFile& file) { return file.channel.blend != Blend::add; });
     QStringList arguments{QStringLiteral("merge")}, options;
     for (std::size_t i = 0; i < channels.size(); ++i) {
         const Channel& channel = channels[i].channel;
@@ -43,6 +46,9 @@ QStringList mergeArguments(const std::vector<ChannelFile>& channels,
         options << QStringLiteral("--levels") << levels.at(i);
         if (hasGamma)
             options << QStringLiteral("--gamma") << number(channel.gamma);
+        if (hasBlend)
+            options << QStringLiteral("--blend")
+                    << QString::fromStdString(blendText(channel.blend));
         if (!channel.visible)
             options << QStringLiteral("--hide") << QString::number(i + 1);
     }

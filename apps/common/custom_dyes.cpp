@@ -41,7 +41,7 @@ void writeCustomDyes(const CustomDyes& dyes, const QString& file) {
 std::vector<Dye> asDyes(const CustomDyes& custom) {
     std::vector<Dye> dyes;
     for (auto dye = custom.cbegin(); dye != custom.cend(); ++dye)
-        dyes.push_back({toUtf8(dye.key()), toColour(*dye), 0, 0, true});
+        dyes.push_back({toUtf8(dye.key()), toColour(*dye)});
     return dyes;
 }
 

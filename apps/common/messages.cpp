@@ -18,6 +18,14 @@
 namespace lumetra {
 namespace {
 
+bool isTerminal(std::FILE* stream) {
+#ifdef Q_OS_WIN
+    return _isatty(_fileno(stream)) != 0;
+#else
+    return isatty(fileno(stream)) == 1;
+#endif
+}
+
 /// What Qt says before it ends the program, and nothing else.
 void printFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     if (type == QtFatalMsg)
@@ -32,13 +40,9 @@ void silenceLibraries() {
     qInstallMessageHandler(printFatal);
 }
 
-bool printsToTerminal() {
-#ifdef Q_OS_WIN
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return isatty(STDERR_FILENO) == 1;
-#endif
-}
+bool printsToTerminal() { return isTerminal(stderr); }
+
+bool writesToTerminal() { return isTerminal(stdout); }
 
 void printStatus(const QString& text) {
     const QByteArray bytes = text.toUtf8();

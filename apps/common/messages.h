@@ -12,6 +12,9 @@ void silenceLibraries();
 /// Whether messages appear on a terminal.
 bool printsToTerminal();
 
+/// Whether the standard output is a terminal.
+bool writesToTerminal();
+
 /// Prints `lumetra: MESSAGE` as one line on the standard error output, at once and whole, from any
 /// thread. Control characters in it, which names of files may hold, become escapes.
 void printError(const QString& message);

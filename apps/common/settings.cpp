@@ -2,6 +2,7 @@
 
 #include "apps/common/error.h"
 #include "apps/common/text.h"
+#include "render/render_error.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -24,8 +25,13 @@ QJsonObject toObject(const Channel& channel) {
                        {"visible", channel.visible}};
     if (!channel.name.empty())
         object["name"] = toQt(channel.name);
-    if (channel.levels)
+    if (channel.blend != Blend::add)
+        object["blend"] = toQt(blendText(channel.blend));
+    if (channel.levels) {
         object["levels"] = QJsonArray{channel.levels->low, channel.levels->high};
+        if (channel.levelsBits > 0)
+            object["bits"] = channel.levelsBits;
+    }
     return object;
 }
 
@@ -72,6 +78,19 @@ struct Entry {
             refuse(QStringLiteral("a number from %1 to %2").arg(smallestGamma).arg(largestGamma));
         return number;
     }
+    Blend blend() const {
+        try {
+            return parseBlend(toUtf8(string()));
+        } catch (const RenderError&) {
+            refuse(QStringLiteral("add, screen or darkest"));
+        }
+    }
+    int bitDepth() const {
+        const int bits = value.toInt();
+        if (bits != 8 && bits != 16)
+            refuse(QStringLiteral("8 or 16"));
+        return bits;
+    }
     ContrastLimits levels() const {
         const auto [low, high] = twoIntegers(0, 65535);
         if (low >= high)
@@ -108,10 +127,14 @@ Channel toChannel(const QJsonValue& value, int number, const DyeList& dyes) {
                 entry.twoIntegers(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
         else if (key == QLatin1String("levels"))
             channel.levels = entry.levels();
+        else if (key == QLatin1String("bits"))
+            channel.levelsBits = entry.bitDepth();
         else if (key == QLatin1String("gamma"))
             channel.gamma = entry.gamma();
         else if (key == QLatin1String("visible"))
             channel.visible = entry.boolean();
+        else if (key == QLatin1String("blend"))
+            channel.blend = entry.blend();
         else
             return false;
         return true;

@@ -27,7 +27,8 @@ struct Settings {
 /// One channel as JSON, in one line.
 QByteArray channelJson(const Channel& channel);
 
-/// The JSON text of a settings file. Levels are in the units of the planes.
+/// The JSON text of a settings file. Levels are in the units of the planes, whose bit depth stands
+/// beside them where it is known.
 QByteArray settingsJson(const Settings& settings);
 
 /// Understands the text of a settings file. A dye without a colour must be one of the list; a

@@ -4,6 +4,7 @@
 #include "apps/common/channel_spec.h"
 #include "apps/common/error.h"
 #include "apps/common/text.h"
+#include "render/palette.h"
 
 #include <algorithm>
 #include <limits>
@@ -24,16 +25,6 @@ int shifted(int from, int by) {
     constexpr qint64 least = std::numeric_limits<int>::min(),
                      most = std::numeric_limits<int>::max();
     return static_cast<int>(std::clamp(qint64{from} + by, least, most));
-}
-
-/// For so many channels.
-std::vector<Colour> colourBlindSafeColours(int channels) {
-    constexpr Colour neutral{0xd8, 0xd8, 0xd8};
-    std::vector<Colour> colours{{0xff, 0, 0xff}, {0, 0xff, 0}};
-    if (channels > 2) // bright ones of the blue, the orange and the neutral side
-        colours = {{0x3d, 0x9b, 0xff}, {0xff, 0xb0, 0}, {0xff, 0x3f, 0xae}, neutral};
-    colours.resize(static_cast<size_t>(std::max(channels, 0)), neutral);
-    return colours;
 }
 
 } // namespace
@@ -156,9 +147,11 @@ void ChannelModel::setChannels(const std::vector<Channel>& channels) {
 
 std::vector<Channel> ChannelModel::requested() const {
     std::vector<Channel> channels = channels_;
-    for (std::size_t i = 0; i < channels.size(); ++i)
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        channels[i].levelsBits = 0; // adopted with the image, which it does not change
         if (measuresLevels_[i])
             channels[i].levels.reset();
+    }
     return channels;
 }
 
@@ -168,13 +161,28 @@ bool ChannelModel::adopt(const std::vector<ContrastLimits>& levels,
         return false;
     statistics_ = statistics;
     bool isFixed = false;
+    QStringList problems;
     for (std::size_t i = 0; i < channels_.size(); ++i) {
-        if (measuresLevels_[i])
-            channels_[i].levels = levels[i];
-        isFixed = isFixed || (measuresLevels_[i] && !isContinuous_);
+        Channel& channel = channels_[i];
+        const int bits = statistics[i].bits;
+        if (measuresLevels_[i]) {
+            channel.levels = levels[i];
+            isFixed = isFixed || !isContinuous_;
+        } else if (channel.levelsBits > 0 && channel.levelsBits != bits) {
+            problems << tr("The contrast limits of channel %1 were found at %2 bits, and the image "
+                           "has %3: they are measured again")
+                            .arg(i + 1)
+                            .arg(channel.levelsBits)
+                            .arg(bits);
+            channel.levels = statistics[i].automatic;
+            isFixed = true;
+        }
+        channel.levelsBits = bits;
         measuresLevels_[i] = measuresLevels_[i] && isContinuous_;
     }
     emit dataChanged(index(0, 0), index(size() - 1, columns - 1));
+    for (const QString& problem : problems)
+        emit refused(problem);
     return isFixed;
 }
 
@@ -192,7 +200,7 @@ void ChannelModel::setDye(int row, const Dye& dye) {
 bool ChannelModel::setDye(int row, const QString& name) {
     try {
         const Channel parsed = parseChannel(name, dyes_);
-        setDye(row, {parsed.dye, parsed.colour, 0, 0, false});
+        setDye(row, Dye{parsed.dye, parsed.colour});
         return true;
     } catch (const std::runtime_error&) {
         emit refused(currentExceptionText());
@@ -288,7 +296,7 @@ void ChannelModel::setContinuousLevels(bool on) {
 }
 
 void ChannelModel::useColourBlindSafeColours() {
-    const std::vector<Colour> colours = colourBlindSafeColours(size());
+    const std::vector<Colour> colours = safePalette(channels_.size());
     editAll([&](Channel& channel, int row) { channel.colour = colours[static_cast<size_t>(row)]; });
 }
 

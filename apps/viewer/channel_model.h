@@ -43,10 +43,11 @@ public:
     }
     int size() const { return static_cast<int>(channels_.size()); }
 
-    /// The channels without the levels that are to be measured.
+    /// The channels without the levels that are to be measured, and without what changes no image.
     std::vector<Channel> requested() const;
 
-    /// Takes over what was measured, and the levels of the channels that asked for them.
+    /// Takes over what was measured, and the levels of the channels that asked for them, or whose
+    /// levels are for another bit depth; the latter are refused.
     /// @return Whether levels that were measured are fixed from now on.
     bool adopt(const std::vector<ContrastLimits>& levels,
                const std::vector<ChannelStatistics>& statistics);
@@ -85,7 +86,7 @@ public:
 signals:
     /// The image has to be rendered again.
     void edited();
-    /// What the user wrote cannot be taken.
+    /// What the user wrote, or settings say, cannot be taken.
     void refused(const QString& reason);
 
 private:

@@ -16,6 +16,17 @@ bool isChannelSpec(const QString& text) {
     return text.contains(QLatin1Char('=')) && !QFileInfo::exists(text);
 }
 
+/// Whether a word stands in a text without letters beside it: "DIC" is not meant by "indicator".
+bool holdsWord(const QString& text, const QString& word) {
+    for (auto at = text.indexOf(word, 0, Qt::CaseInsensitive); at >= 0;
+         at = text.indexOf(word, at + 1, Qt::CaseInsensitive)) {
+        const auto end = at + word.size();
+        if ((at == 0 || !text[at - 1].isLetter()) && (end == text.size() || !text[end].isLetter()))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 Channel guessedChannel(const QString& file, int number, const DyeList& dyes) {
@@ -24,7 +35,7 @@ Channel guessedChannel(const QString& file, int number, const DyeList& dyes) {
     Channel channel;
     for (const Dye& dye : dyes.all())
         if (dye.name.size() >= std::max(shortestName, channel.dye.size() + 1) &&
-            name.contains(toQt(dye.name), Qt::CaseInsensitive))
+            dye.origin != DyeOrigin::colour && holdsWord(name, toQt(dye.name)))
             std::tie(channel.dye, channel.colour) = std::tie(dye.name, dye.colour);
     if (channel.dye.empty()) {
         static const char* const usual[] = {"DAPI", "FITC", "TRITC", "Cy5"};

@@ -26,7 +26,9 @@ void ImageSaver::saveImage(const QString& file, const QStringList& inputs,
         Renderer renderer;
         cv::Mat image;
         renderForFile(renderer, planes, settings, image);
-        writeImage(file, image, Existing::replace);
+        const auto& bar = settings.annotation.scaleBar;
+        writeImage(file, image, Existing::replace,
+                   bar ? std::optional(bar->pixelSize) : std::nullopt);
     });
 }
 

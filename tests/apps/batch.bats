@@ -6,7 +6,7 @@ load setup.bash
 @test "a batch renders an image of each field, whatever the number of jobs" {
   run --separate-stderr plate -o 'out/{field}.png' --jobs 1
   [ "$status" = 0 ]
-  [[ $stderr == *"10 fields: f00, f01, "* ]]
+  [[ ${stderr_lines[0]} == "lumetra: 10 fields, f00 to f09" ]]
   [[ $stderr == *"--levels-over dataset"* ]]
   [ "$(find out -type f | wc -l)" = 10 ]
   run --separate-stderr plate -o 'four/{field}.png' --jobs 4 --quiet
@@ -16,6 +16,7 @@ load setup.bash
 
 @test "the lines of a dry run make the same bytes" {
   for options in "" "--levels-over field --gamma 0.7" "--levels none" "--hide 2 --legend" \
+    "--crop 10,20,90,80 --resize 50% --scale-bar 10 --pixel-size 1" "--blend screen" "--project sum" \
     "--levels auto --levels 9:60000 --gamma 1 --gamma 2" "--levels none --levels 9:60000"; do
     rm -rf batch lines
     mkdir lines
@@ -71,7 +72,7 @@ load setup.bash
   run --separate-stderr lumetra batch 'deep/{well}/{site}{{x}}/{well}_{channel}.tif' \
     --channel g=FITC -o 'out/{well}-{site}.png'
   [ "$status" = 0 ]
-  [[ $stderr == *"2 fields: a/1, b/1"* ]]
+  [[ $stderr == *"2 fields, a/1 to b/1"* ]]
   [ "$(ls out)" = $'a-1.png\nb-1.png' ]
   printf 'plate/f03_dapi.tif\nplate/f01_dapi.tif\nother\n' |
     lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI --files-from - \
@@ -90,7 +91,7 @@ load setup.bash
   fails 2 "no placeholder {channel}" plate -o '{channel}.png' --quiet
   fails 2 "placeholder {field_{channel}, which is not a valid name" lumetra batch 'plate/{field_{channel}.tif' --channel a=DAPI -o '{field}.png'
   fails 2 "has an unmatched brace" lumetra batch 'plate/{field' --channel a=DAPI -o '{field}.png'
-  fails 2 "needs the placeholder {channel}" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel b=FITC -o '{field}.png'
+  fails 1 'none of them "a"' lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel b=FITC -o '{field}.png'
   fails 2 "channel \"a\" is given twice" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel a=FITC -o '{field}.png'
   fails 2 "no channels" lumetra batch 'plate/{field}.tif' -o '{field}.png'
   fails 2 "is an input and also the output" lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o 'plate/{field}_dapi.tif' --overwrite --quiet
@@ -161,15 +162,81 @@ load setup.bash
   fails 1 "different bit depth" plate -o 'x/{field}.png' --quiet
 }
 
-@test "a field that is there is not replaced unasked" {
-  plate -o 'out/{field}.png' --quiet
+@test "fields that are there are not replaced unasked, nor called failed" {
+  plate -o 'out/{field}.png' --quiet --log log
   before=$(sum out)
-  run --separate-stderr plate -o 'out/{field}.png' --quiet --gamma 2
-  [ "$status" = 1 ]
-  [[ $stderr == *"10 of 10 fields failed"* ]]
+  fails 1 "10 of 10 outputs already exist, the first of them out/f00.png" \
+    plate -o 'out/{field}.png' --quiet --gamma 2 --log log
+  [[ $stderr == *--resume*--overwrite* ]]
+  fails 1 "3 of 3 outputs already exist, the first of them out/f03.png" plate -o 'out/{field}.png' --log log --shard 2/3
+  rm out/f0[1-9].png
+  fails 1 "1 of 10 outputs already exist" plate -o 'out/{field}.png' --log log
+  fails 1 "already exists" lumetra merge plate/f00_dapi.tif=DAPI -o out/f00.png --log log
+  run ! grep -q '"outcome":"failed"' log
+  plate -o 'out/{field}.png' --quiet --log log --resume
+  [ "$(grep -c '"outcome":"done"' log)" = 19 ]
   [ "$(sum out)" = "$before" ]
   plate -o 'out/{field}.png' --quiet --gamma 2 --overwrite
   run ! [ "$(sum out)" = "$before" ]
+}
+
+@test "the latest line of a log counts: what failed since is done again" {
+  plate -o 'out/{field}.png' --quiet --log log
+  sed -n 's/"outcome":"done"/"outcome":"failed"/p' log | head -n 3 >>log
+  plate -o 'out/{field}.png' --quiet --log log --resume
+  [ "$(wc -l <log)" = 16 ]
+  lumetra gallery out -o index.html --log log --quiet
+  run ! grep -q 'class="tile failed"' index.html
+}
+
+@test "contrast limits that were measured are said once, and are in the log" {
+  measured=$(lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC+3-2 \
+    -o set.json 2>&1 | grep levels:)
+  limits=$(tr -d ' \n' <set.json | grep -oE '"levels":\[[0-9,]*\]' | tr -dc '0-9,\n' | tr , :)
+  [ "$measured" = "$(printf 'lumetra: levels: 1 DAPI %s, 2 FITC %s' $limits)" ]
+  said() { run --separate-stderr "$@" && [ "$(grep -c 'levels: ' <<<"$stderr")" = "$expected" ]; }
+  expected=1 said plate -o 'out/{field}.png' --log log
+  [[ $stderr == *"$measured"* ]]
+  expected=0 said plate -o 'own/{field}.png' --log own.log --levels-over field
+  expected=0 said plate -o 'fixed/{field}.png' --levels 1:9
+  expected=0 said plate -o 'quiet/{field}.png' --quiet
+  # What is in the log renders the same, field by field.
+  for line in 1 2; do
+    name=$(sed -n "${line}p" own.log | grep -oE '"field":"[^"]*"' | cut -d'"' -f4)
+    options=$(sed -n "${line}p" own.log | grep -oE '"levels":\[[0-9]*,[0-9]*\]' | tr -dc '0-9,\n' |
+      sed 's/,/:/; s/^/--levels /')
+    [ "$(wc -l <<<"$options")" = 2 ]
+    expected=0 said lumetra merge plate/"$name"_dapi.tif=DAPI plate/"$name"_actin.tif=FITC+3-2 -o $line.png $options
+    cmp $line.png own/$name.png
+  done
+  expected=1 said lumetra merge a.tif=DAPI -o x.png --log merge.log
+  limits=$(grep -oE '"levels":\[[0-9,]*\]' merge.log | tr -dc '0-9,' | tr , :)
+  [[ $stderr == *"levels: 1 DAPI $limits" ]]
+  grep -q '"method":"clip:0.1"' merge.log
+  expected=1 said lumetra pseudo a.tif -o y.png
+  [[ $stderr == *"levels: $limits" ]]
+  # Limits of a field follow from its inputs: they are no reason to do it again.
+  plate -o 'own/{field}.png' --log own.log --levels-over field --resume --quiet
+  [ "$(wc -l <own.log)" = 10 ]
+}
+
+@test "settings of one bit depth are refused for another, by name" {
+  for f in plate/f0*_dapi.tif; do cp b.png "${f%_dapi.tif}_eight.tif"; done
+  lumetra levels 'plate/{field}_{channel}.tif' --channel eight=DAPI -o 8.json --quiet
+  grep -q '"bits": 8' 8.json
+  fails 1 "a.tif has 16 bits, and the contrast limits of channel 1 in 8.json were measured at 8 bits" \
+    lumetra merge a.tif --settings 8.json -o x.png
+  fails 1 "stack.tif has 16 bits" lumetra merge stack.tif --settings 8.json --all-pages -o x.tif
+  sed 's/"eight"/"dapi"/' 8.json >dapi.json
+  run --separate-stderr lumetra batch 'plate/{field}_{channel}.tif' --settings dapi.json -o 'x/{field}.png'
+  [ "$status" = 1 ]
+  [[ $stderr == *"field f00: plate/f00_dapi.tif has 16 bits"*"10 of 10 fields failed"* ]]
+  [ ! -e x.png ] && [ ! -e x.tif ] && [ ! -e x/f00.png ]
+  lumetra merge b.png --settings 8.json -o same.png
+  lumetra merge a.tif --settings 8.json --levels 1:9 -o given.png
+  grep -v '"bits"' 8.json >old.json # as earlier versions wrote it
+  lumetra merge a.tif --settings old.json -o old.png
+  fails 1 '"bits" of channel 1 is not 8 or 16' lumetra merge a.tif --settings <(sed 's/"bits": 8/"bits": 12/' 8.json) -o y.png
 }
 
 @test "a field is skipped only if all is as it was" {

@@ -15,7 +15,7 @@ many() {
 }
 # usage: many_stopped_by SIGNAL FOLDER COUNT    once so many images are there
 many_stopped_by() {
-  exec=exec many "$2" --jobs 2 & # the program itself, no shell around it
+  exec=exec many "$2" --jobs 2 2>messages & # the program itself, no shell around it
   local pid=$!
   while [ "$(find "$2" -name 'f*.png' -o -name '[0-9]*.png' 2>/dev/null | wc -l)" -lt "$3" ]; do
     kill -0 $pid
@@ -53,6 +53,8 @@ many_stopped_by() {
     set +m
     echo "$signal: $status"
     [ "$status" = ${signal#*:} ]
+    tried=$(wc -l <stopped.log)
+    grep -qx "lumetra: stopped after $tried of 200 fields; run again with --resume to go on" messages
     [ -z "$(find stopped -name '.*')" ]
     for image in stopped/*; do cmp "$image" "whole/${image#*/}"; done
     [ "$(find stopped -type f | wc -l)" = "$(grep -c '"outcome":"done"' stopped.log)" ]
@@ -67,7 +69,7 @@ many_stopped_by() {
   [ -z "$(find . -name '*x.*')" ]
 }
 
-@test "a file system that fills up stops nothing else" {
+@test "a file system that fills up stops a batch with one line" {
   unshare -rm true 2>/dev/null || skip "may not mount a file system here"
   plate -o 'out/{field}.png' --quiet
   size=$(($(du -sb out | cut -f1) * 6 / 10))
@@ -81,7 +83,9 @@ many_stopped_by() {
     cp full/* ."
   [ "$(cat status)" = 1 ]
   cat messages
-  grep -q "full/f0[0-9].png: cannot be written: No space left on device" messages
+  [ "$(wc -l <messages)" = 1 ]
+  made=$(wc -l <names)
+  grep -q "full/f0[0-9].png: cannot be written: No space left on device; stopped after $made of 10 fields; run again with --resume to go on" messages
   run ! grep -q '^\.' names
   [ "$(wc -l <names)" -ge 2 ]
   for image in f*.png; do cmp "$image" "out/$image"; done
@@ -104,6 +108,16 @@ many_stopped_by() {
   [[ $stderr == "lumetra: the standard output: cannot be written: No space left on device" ]]
   run --separate-stderr bash -c 'set -o pipefail; lumetra merge plate/f00_dapi.tif=DAPI -o - | true'
   [ "$status" -le 1 ]
+}
+
+@test "an image is not written onto a terminal" {
+  for command in "merge a.tif=DAPI" "dye colour.png=DAPI" "pseudo a.tif" \
+    "batch plate/f00_{channel}.tif --channel dapi=DAPI"; do
+    run script -qec "lumetra $command -o - 2>messages" /dev/null
+    [ "$status" = 2 ]
+    [ -z "$output" ]
+    grep -q "onto the terminal" messages
+  done
 }
 
 @test "images too large for the memory are refused by name" {

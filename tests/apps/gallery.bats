@@ -67,9 +67,16 @@ images() { # usage: images NAME...    an image file under each of the names
   grep -qE '<span>3</span>.*<span>11</span></div><div class="row"><b class="head">B</b><div class="well"><a[^>]*B03_F01\.png".*B03_F02\.png"' page
   grep -qE '<b class="head">C</b>(<div class="well"></div>){8}<div class="well"><a[^>]*C11_F01\.png"' page
   grep -qE '<b class="head">AA</b><div class="well"><a[^>]*AA02' page
+  images numbers/r02c03f01.png numbers/r03c11f01.png "letters/B - 3_1.png" "letters/C - 11_1.png"
+  for folder in numbers letters; do
+    lumetra gallery $folder -o $folder.html --quiet
+    tr -d '\n' <$folder.html >page
+    grep -qE '<b class="head">B</b><div class="well"><a.*<b class="head">C</b>(<div class="well"></div>){8}<div class="well"><a' page
+  done
   lumetra gallery out -o list.html --quiet --list
   run ! grep -q 'class="well"' list.html
-  images names/Well1.png names/T100.png names/B03x.png names/2B03.png # nothing of it is a well
+  images names/Well1.png names/T100.png names/B03x.png names/2B03.png \
+    names/r33c01.png names/r01c490.png names/xr01c02.png # nothing of it is a well
   lumetra gallery names -o names.html --quiet
   run ! grep -q 'class="well"' names.html
 }

@@ -15,7 +15,7 @@ load setup.bash
     run --separate-stderr lumetra $command --help
     [ "$status" = 0 ]
     [[ $output == *"Usage: lumetra $command "*"Example:"$'\n'"  lumetra $command "* ]]
-    run ! grep -E '.{80}|Excludes|Needs|REQUIRED|TEXT:|[a-z]:from|--table' <<<"$output"
+    run ! grep -E '.{80}|Excludes|Needs|REQUIRED|TEXT:|[a-z]:from|--table|--range' <<<"$output"
     [ "$(lumetra help $command)" = "$(lumetra $command -h)" ]
   done
 }
@@ -38,12 +38,12 @@ load setup.bash
   fails 2 "--page: '0' is not a whole number from 1" lumetra merge a.tif=DAPI -o x.png --page 0
   fails 2 "--gamma: 'nan' is not a number from 0.01 to 100" lumetra merge a.tif=DAPI -o x.png --gamma nan
   fails 2 "--page cannot be combined with --all-pages" lumetra merge a.tif=DAPI -o x.png --page 1 --all-pages
-  fails 2 "FILE=DYE" lumetra merge a.tif -o x.png
+  fails 2 "a.tif=DYE" lumetra merge a.tif -o x.png
   fails 2 "clip" lumetra merge a.tif=DAPI -o x.png --levels clip:70
   fails 2 "gamma" lumetra merge a.tif=DAPI -o x.png --levels none --gamma 2
   fails 2 "2 times for 3 channels" lumetra merge a.tif=DAPI b.png=FITC c.tif=Cy3 -o x.png --levels auto --levels auto
   fails 2 "--hide 2: the image has 1 channel" lumetra merge a.tif=DAPI -o x.png --hide 2
-  fails 2 "cannot be combined with --levels" lumetra pseudo a.tif -o x.png --range 1:2 --levels auto
+  fails 2 "--levels is given 2 times for 1 channel" lumetra pseudo a.tif -o x.png --range 1:2 --levels auto
   [ ! -e x.png ]
 }
 
@@ -52,27 +52,33 @@ load setup.bash
   [[ ${lines[1]} == *"Alexa 488" ]]
   run lumetra dyes --excitation 749
   [[ ${lines[1]} == *"Alexa Fluor 750" ]]
-  [ "$(lumetra dyes | wc -l)" = 330 ]
-  [ "$(lumetra dyes --json | grep -c '"name"')" = 329 ]
+  [[ $(lumetra dyes egfp) == *"507  #00ff26  FPbase        EGFP"* ]]
+  [[ $(lumetra dyes 'Alexa Fluor 488') == *"catalogue     Alexa 488" ]]
+  [ "$(lumetra dyes | grep -c '  catalogue  ')" = 329 ]
+  [ "$(lumetra dyes --json | grep -c '"source": "catalogue"')" = 329 ]
+  [ "$(lumetra dyes | wc -l)" = "$(($(lumetra dyes --json | grep -c '"name"') + 1))" ]
   fails 3 '"DAPI"' lumetra dyes DAPY
 }
 
 @test "custom dyes are dyes" {
   printf '[General]\nNumber=1\n\n[DyeType1]\nName=Heliotrope\nColor=#c474ff\n' >own.ini
   run lumetra dyes helio --custom own.ini
-  [[ ${lines[1]} == *"#c474ff  Heliotrope" ]]
+  [[ ${lines[1]} == *"#c474ff  custom        Heliotrope" ]]
   lumetra dye a.tif=Heliotrope --custom own.ini -o named.png
   lumetra dye a.tif=#c474ff -o coloured.png
   cmp named.png coloured.png
   fails 1 "own2.ini" lumetra dye a.tif=DAPI --custom own2.ini -o x.png
   fails 1 "no custom dyes" lumetra dye a.tif=DAPI --custom a.tif -o x.png
-  fails 1 'nearest names are "DAPI"' lumetra dye a.tif=DAPY -o x.png
+  fails 1 'nearest names are "DAPI", or give a colour, #rrggbb or NAME#rrggbb' lumetra dye a.tif=DAPY -o x.png
 }
 
 @test "info tells pages, size, bit depth, range and percentiles" {
   run lumetra info b.png stack.tif
   [[ ${lines[0]} == "b.png: 1 page of 64 x 48 pixels, 8 bits, gray, pixel values "* ]]
   [[ ${lines[1]} == "stack.tif: 4 pages of 64 x 48 pixels, 16 bits, gray, pixel values "*"50 % up to"* ]]
+  [[ $(lumetra info two-samples.tif) == *"2 channels x 1 z x 1 t"* ]]
+  [[ $(lumetra info white-is-zero.tif) == *gray* ]]
+  [[ $(lumetra info --json two-samples.tif) == *'"slices": 1'* ]]
   run --separate-stderr lumetra info --json b.png missing.png colour.png
   [ "$status" = 1 ]
   [[ $stderr == *missing.png* ]]
@@ -104,6 +110,21 @@ load setup.bash
   run ! cmp -s measured.png gamma.png
 }
 
+@test "a constant background stays black, and a constant foreground white" {
+  few_on() { # usage: few_on BACKGROUND VALUE    100 x 100 pixels, five of them of another value
+    printf 'P5\n100 100\n255\n'
+    for i in $(seq 9995); do printf "\\x$1"; done
+    for i in $(seq 5); do printf "\\x$2"; done
+  }
+  few_on 07 c8 >few.pgm
+  few_on ff 03 >holes.pgm
+  run --separate-stderr lumetra merge few.pgm=#ffffff -o few.png
+  [[ $stderr == *"levels: 1 #ffffff 7:200"* ]]
+  [[ $(lumetra info few.png --json | tr -d ' \n') == *'"percentiles":{"0.1":0,'*'"99":0'* ]]
+  run --separate-stderr lumetra merge holes.pgm=#ffffff -o holes.png
+  [[ $stderr == *"levels: 1 #ffffff 3:255"* ]]
+}
+
 @test "a stack gives a stack, under one set of levels" {
   lumetra merge stack.tif=DAPI other.tif=FITC+1+1 --all-pages -o all.tif
   [[ $(lumetra info all.tif) == *"4 pages of 63 x 47"* ]]
@@ -112,7 +133,7 @@ load setup.bash
   cmp third.tif page.tif
   fails 1 "4 pages; choose one" lumetra merge stack.tif=DAPI -o x.png
   fails 1 "no page 5" lumetra merge 'stack.tif[5]=DAPI' -o x.png
-  fails 1 "different numbers of pages" lumetra merge stack.tif=DAPI three.tif=FITC --all-pages -o x.tif
+  fails 1 "different numbers of images" lumetra merge stack.tif=DAPI three.tif=FITC --all-pages -o x.tif
   fails 1 "a stack of 4 pages" lumetra merge stack.tif=DAPI --all-pages -o x.png
   fails 2 "names a page, which --all-pages does not allow" lumetra merge 'stack.tif[1]=DAPI' --all-pages -o x.tif
   [ ! -e x.png ]
@@ -140,6 +161,12 @@ load setup.bash
   for i in $(seq 0 255); do echo "$i $i $i"; done >gray.lut
   lumetra pseudo a.tif -o file.png --lut gray.lut
   cmp named.png file.png
+  lumetra pseudo a.tif -o levels.png --lut gray --levels 30000:31000
+  cmp ranged.png levels.png
+  lumetra pseudo a.tif -o clipped.png --lut gray --levels clip:0.1
+  cmp named.png clipped.png
+  lumetra pseudo a.tif -o whole.png --lut gray --levels auto
+  run ! cmp -s named.png whole.png
   run ! cmp -s named.png ranged.png
   run ! cmp -s named.png reversed.png
   fails 1 "viridis" lumetra pseudo a.tif -o x.png --lut virdis
@@ -153,7 +180,7 @@ load setup.bash
   run ! cmp -s plain.png legend.png
   run ! cmp -s plain.png bar.png
   fails 1 "scale bar" lumetra merge a.tif=DAPI -o x.png --scale-bar 100 --pixel-size 0.5
-  fails 2 "--pixel-size" lumetra merge a.tif=DAPI -o x.png --scale-bar 100
+  fails 1 "--pixel-size" lumetra merge a.tif=DAPI -o x.png --scale-bar 100
 }
 
 @test "bad files are refused by name, in one line, and nothing is written" {
@@ -168,8 +195,7 @@ cut.tif|cut short
 cut-stack.tif|cut short
 cut.png|cut short
 cut.jpg|cut short
-two-samples.tif|two values per pixel
-white-is-zero.tif|stored inverted
+two-samples.tif|has 2 channels
 behind-one.tif|says that it has 9 pages
 LIST
   echo "no picture" >text.png
@@ -215,7 +241,7 @@ LIST
   echo '{"channels":[{"dye":"DAPI","levls":[1,2]}]}' >bad.json
   fails 1 'bad.json: channel 1 has an unknown key "levls"' lumetra merge a.tif --settings bad.json -o x.png
   echo '{"channels":[{"dye":"DAPI"},{"dye":"FITC"}]}' >two.json
-  fails 2 "the settings have 2 channels, and there are 1 file" lumetra merge a.tif --settings two.json -o x.png
+  fails 2 "the settings have 2 channels, and the files have 1" lumetra merge a.tif --settings two.json -o x.png
 }
 
 @test "names may hold spaces, quotes, new lines and any letters, in any locale" {

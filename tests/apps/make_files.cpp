@@ -15,6 +15,9 @@
 
 #include <tiffio.h>
 
+#include <algorithm>
+#include <vector>
+
 using namespace lumetra;
 
 namespace {
@@ -30,6 +33,38 @@ void writeStack(const QString& file, int pages, int seed) {
     TiffWriter writer(file, Existing::replace, 0);
     for (int i = 0; i < pages; ++i)
         writer.add(plane({64, 48}, CV_16UC1, seed + i));
+    writer.commit();
+}
+
+/// The projections of a stack, one pixel after another.
+void writeProjections(const QString& stack) {
+    const ImageFile file(stack);
+    std::vector<cv::Mat> pages;
+    for (int number = 1; number <= file.pages(); ++number)
+        pages.push_back(file.grayPage(number));
+    cv::Mat max = pages[0].clone(), mean = max.clone(), sum = max.clone();
+    for (int y = 0; y < max.rows; ++y)
+        for (int x = 0; x < max.cols; ++x) {
+            int largest = 0, total = 0;
+            for (const cv::Mat& page : pages) {
+                const int value = page.at<ushort>(y, x);
+                largest = std::max(largest, value);
+                total += value;
+            }
+            max.at<ushort>(y, x) = static_cast<ushort>(largest);
+            mean.at<ushort>(y, x) = static_cast<ushort>(total / double(file.pages()) + 0.5);
+            sum.at<ushort>(y, x) = static_cast<ushort>(std::min(total, 65535));
+        }
+    writeImage("max-of-" + stack, max, Existing::replace);
+    writeImage("mean-of-" + stack, mean, Existing::replace);
+    writeImage("sum-of-" + stack, sum, Existing::replace);
+}
+
+/// Pages of unlike sizes.
+void writeUneven(const QString& file) {
+    TiffWriter writer(file, Existing::replace, 0);
+    writer.add(plane({64, 48}, CV_8UC1, 1));
+    writer.add(plane({32, 48}, CV_8UC1, 2));
     writer.commit();
 }
 
@@ -85,6 +120,8 @@ int main(int argc, char** argv) {
     writeImage("colour.png", plane({192, 48}, CV_8UC1, 4).reshape(3), Existing::replace);
     writeImage("colour.jpg", plane({192, 48}, CV_8UC1, 4).reshape(3), Existing::replace);
     writeStack("stack.tif", 4, 10);
+    writeProjections("stack.tif");
+    writeUneven("uneven.tif");
     writeStack("other.tif", 4, 20);
     writeStack("three.tif", 3, 30);
     writeCut("stack.tif", "cut-stack.tif", 60);

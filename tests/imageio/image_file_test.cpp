@@ -23,6 +23,12 @@ protected:
         EXPECT_TRUE(areEqual(ImageFile(file_).page(1), expected)) << what;
     }
 
+    /// What is read of bytes by the plane.
+    cv::Mat planeOf(const QByteArray& bytes) {
+        store(file_, bytes);
+        return ImageFile(file_).plane(1, 1, 1);
+    }
+
     QTemporaryDir folder_;
     QString file_ = folder_.filePath("without an extension");
 };
@@ -89,8 +95,9 @@ QByteArray encodedPng(const PngKind& kind) {
 
 TEST_F(ImageFiles, OfPngAreReadAsByOpenCv) {
     const std::vector<std::pair<int, std::vector<int>>> kinds{
-        {PNG_COLOR_TYPE_GRAY, {1, 2, 4, 8, 16}}, {PNG_COLOR_TYPE_PALETTE, {1, 2, 4, 8}},
-        {PNG_COLOR_TYPE_GRAY_ALPHA, {8, 16}},    {PNG_COLOR_TYPE_RGB, {8, 16}},
+        {PNG_COLOR_TYPE_GRAY, {1, 2, 4, 8, 16}},
+        {PNG_COLOR_TYPE_PALETTE, {1, 2, 4, 8}},
+        {PNG_COLOR_TYPE_RGB, {8, 16}},
         {PNG_COLOR_TYPE_RGB_ALPHA, {8, 16}},
     };
     for (const auto& [colourType, depths] : kinds)
@@ -147,6 +154,60 @@ TEST_F(ImageFiles, OfSimpleFormatsAreReadAsByOpenCv) {
         fromTheTop[i] = static_cast<char>(i == 22 ? -33 : -1);
     expectAsOpenCv(fromTheTop, "BMP from the top down");
     expectAsOpenCv("P2 # a comment\n3 1\n255\n 1 2\t300\n", "PGM with too large a value");
+}
+
+TEST_F(ImageFiles, OfEqualColoursAreGray) {
+    for (const char* extension : {".png", ".jpg", ".bmp", ".ppm", ".tif"})
+        for (const int depth : {CV_8U, CV_16U}) {
+            const bool isDeep = QByteArray(extension) != ".jpg" && QByteArray(extension) != ".bmp";
+            if (depth == CV_16U && !isDeep)
+                continue;
+            const cv::Mat gray = testImage({45, 33}, CV_MAKETYPE(depth, 1));
+            cv::Mat colours;
+            cv::merge(std::vector<cv::Mat>{gray, gray, gray}, colours);
+            const cv::Mat plane = planeOf(encodedByOpenCv(extension, colours));
+            const ImageFile file(file_);
+            EXPECT_EQ(plane.channels(), 1) << extension;
+            EXPECT_LE(cv::norm(plane, gray, cv::NORM_INF), isDeep ? 0 : 24) << extension; // JPEG
+            EXPECT_TRUE(areEqual(file.page(1), plane)) << extension;
+            EXPECT_TRUE(areEqual(file.grayPage(1), plane)) << extension;
+            // One pixel, the last of all, has a colour.
+            colours.ptr(32)[(45 * 3 - 1) * static_cast<int>(colours.elemSize1())] ^= 0x40;
+            if (QByteArray(extension) == ".jpg")
+                continue; // which loses such a thing
+            store(file_, encodedByOpenCv(extension, colours));
+            EXPECT_TRUE(areEqual(ImageFile(file_).page(1), colours)) << extension;
+            EXPECT_THROW(ImageFile(file_).grayPage(1), FileError) << extension;
+            EXPECT_THROW(ImageFile(file_).plane(1, 1, 1), FileError) << extension;
+        }
+}
+
+TEST_F(ImageFiles, OfPngWithAlphaOrAPaletteGivePlanes) {
+    for (const int bits : {8, 16})
+        for (const bool isInterlaced : {false, true}) {
+            const PngKind kind{PNG_COLOR_TYPE_GRAY_ALPHA, bits, isInterlaced, false, {}};
+            const cv::Mat plane = planeOf(encodedPng(kind));
+            cv::Mat expected;
+            cv::extractChannel(readByOpenCv(file_), expected, 0);
+            EXPECT_TRUE(areEqual(plane, expected)) << bits;
+            EXPECT_TRUE(areEqual(ImageFile(file_).page(1), expected)) << bits;
+        }
+    for (const int bits : {1, 2, 4, 8}) {
+        const cv::Mat indices =
+            planeOf(encodedPng({PNG_COLOR_TYPE_PALETTE, bits, false, false, {}}));
+        ASSERT_EQ(indices.type(), CV_8UC1) << bits;
+        const ImageFile file(file_);
+        const std::vector<std::uint32_t>& lut = file.metadata().channels[0].lut;
+        ASSERT_EQ(lut.size(), 256) << bits;
+        const cv::Mat colours = file.page(1);
+        for (int y = 0; y < indices.rows; ++y)
+            for (int x = 0; x < indices.cols; ++x) {
+                const auto& c = colours.at<cv::Vec3b>(y, x);
+                const std::uint32_t colour =
+                    static_cast<std::uint32_t>(c[2] << 16 | c[1] << 8 | c[0]);
+                ASSERT_EQ(lut[indices.at<std::uint8_t>(y, x)], colour) << bits;
+            }
+    }
 }
 
 TEST_F(ImageFiles, OfOtherKindsAreRefusedByName) {

@@ -12,7 +12,10 @@
 #include <QTemporaryDir>
 
 #include <chrono>
+#include <limits>
 #include <map>
+#include <tuple>
+#include <type_traits>
 
 #include <tiffio.h>
 
@@ -232,28 +235,197 @@ TEST_F(TiffFile, ThatWouldBeMisreadIsRefused) {
         const std::string expected = QFile::encodeName(file_).toStdString() + ": page 1 " + reason;
         EXPECT_EQ(refusal(file_).substr(0, expected.size()), expected);
     };
-    const cv::Mat gray = testImage({20, 10}, CV_16UC1);
     Kind kind;
-    kind.photometric = PHOTOMETRIC_MINISWHITE;
-    writeTiff(file_, {gray}, kind);
-    expect("is stored inverted (WhiteIsZero), which is not supported");
     kind.photometric = PHOTOMETRIC_MINISBLACK;
-    writeTiff(file_, {testImage({20, 10}, CV_16UC2)}, kind);
-    expect("has two values per pixel");
-    writeTiff(file_, {testImage({20, 10}, CV_16UC3)}, kind);
-    expect("is gray with 3 values per pixel");
-    writeTiff(file_, {testImage({20, 10}, CV_8UC4)}, kind);
-    expect("is gray with 4 values per pixel");
+    for (const int type : {CV_16UC2, CV_16UC3, CV_8UC4}) {
+        writeTiff(file_, {testImage({20, 10}, type)}, kind);
+        expect(("has " + std::to_string(CV_MAT_CN(type)) + " channels; choose one").c_str());
+    }
     kind.photometric = PHOTOMETRIC_SEPARATED;
     writeTiff(file_, {testImage({20, 10}, CV_16UC4)}, kind);
     expect("has colours of a kind that is not supported");
     kind.photometric = -1;
-    kind.others = {{TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_INT}};
-    writeTiff(file_, {gray}, kind);
-    expect("has pixel values that are not unsigned integers");
-    kind.others = {{TIFFTAG_BITSPERSAMPLE, 32}};
+    kind.others = {{TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_COMPLEXINT}};
+    writeTiff(file_, {testImage({20, 10}, CV_16UC1)}, kind);
+    expect("has pixel values of 16 bits that are complex numbers");
+    kind.others = {{TIFFTAG_BITSPERSAMPLE, 64}};
     writeTiff(file_, {testImage({20, 14}, CV_16UC1)}, kind);
-    expect("has a bit depth of 32");
+    expect("has pixel values of 64 bits that are unsigned integers");
+}
+
+TEST_F(TiffFile, OfSeveralValuesPerPixelHasChannels) {
+    for (const int planes : {PLANARCONFIG_CONTIG, PLANARCONFIG_SEPARATE})
+        for (const int tile : {0, 16})
+            for (const int type : {CV_8UC2, CV_8UC3, CV_8UC4, CV_16UC2, CV_16UC3, CV_16UC4}) {
+                Kind kind{"w", COMPRESSION_LZW, PREDICTOR_NONE, planes, tile};
+                kind.photometric = PHOTOMETRIC_MINISBLACK;
+                const cv::Mat image = testImage({45, 33}, type);
+                writeTiff(file_, {image, image}, kind);
+                const ImageFile file(file_);
+                EXPECT_EQ(file.axes().channels, image.channels());
+                EXPECT_EQ(file.axes().slices, 2);
+                for (int c = 0; c < image.channels(); ++c) {
+                    cv::Mat expected; // the helper stores the first three the other way round
+                    cv::extractChannel(image, expected, image.channels() > 2 && c < 3 ? 2 - c : c);
+                    EXPECT_TRUE(areEqual(file.plane(c + 1, 2, 1), expected)) << type << ' ' << c;
+                    EXPECT_TRUE(areEqual(file.planeOfPage(1, c + 1), expected)) << type;
+                }
+            }
+}
+
+TEST_F(TiffFile, StoredInvertedIsTurned) {
+    Kind kind;
+    kind.photometric = PHOTOMETRIC_MINISWHITE;
+    for (const int type : {CV_8UC1, CV_16UC1}) {
+        const cv::Mat image = testImage({45, 33}, type);
+        writeTiff(file_, {image}, kind);
+        const cv::Mat expected = cv::Scalar(type == CV_8UC1 ? 255 : 65535) - image;
+        EXPECT_TRUE(areEqual(ImageFile(file_).page(1), expected)) << type;
+    }
+}
+
+/// Values of a few bits, packed; the rows begin with a byte of their own.
+QByteArray packed(const cv::Mat& image, int bits) {
+    QByteArray bytes;
+    for (int y = 0; y < image.rows; ++y) {
+        unsigned word = 0;
+        int filled = 0;
+        for (int x = 0; x < image.cols; ++x)
+            for (int bit = bits - 1; bit >= 0; --bit) {
+                word =
+                    word << 1 | (static_cast<unsigned>(image.at<std::uint16_t>(y, x)) >> bit & 1);
+                if (++filled % 8 == 0)
+                    bytes += static_cast<char>(word);
+            }
+        if (filled % 8 != 0)
+            bytes += static_cast<char>(word << (8 - filled % 8));
+    }
+    return bytes;
+}
+
+TEST_F(TiffFile, OfPackedValuesIsUnpacked) {
+    for (const char* mode : {"w", "wb"})
+        for (int bits = 1; bits < 16; ++bits)
+            for (const bool isInverted : {false, true}) {
+                if (bits == 8)
+                    continue;
+                const cv::Mat image = testImage({45, 33}, CV_16UC1) & ((1 << bits) - 1);
+                QByteArray bytes = packed(image, bits);
+                TIFF* tiff = TIFFOpen(QFile::encodeName(file_).constData(), mode);
+                TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, image.cols);
+                TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, image.rows);
+                TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, bits);
+                TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
+                TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC,
+                             isInverted ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK);
+                TIFFWriteEncodedStrip(tiff, 0, bytes.data(), bytes.size());
+                TIFFClose(tiff);
+                cv::Mat expected = image;
+                if (isInverted)
+                    expected = cv::Scalar((1 << bits) - 1) - image;
+                expected.convertTo(expected, bits <= 8 ? CV_8U : CV_16U);
+                EXPECT_TRUE(areEqual(ImageFile(file_).grayPage(1), expected))
+                    << mode << ' ' << bits;
+            }
+}
+
+/// A TIFF file with one value type more, which libtiff compresses.
+template<class Value>
+void expectValues(const QString& file, int format, const char* mode, int compression,
+                  int predictor) {
+    const bool isFloat = format == SAMPLEFORMAT_IEEEFP;
+    const cv::Size size(45, 33);
+    std::vector<Value> values;
+    for (int i = 0; i < size.area(); ++i)
+        values.push_back(static_cast<Value>(isFloat ? i * 0.37 - 100 : i * 2654435761.0));
+    if (isFloat)
+        values[7] = std::numeric_limits<Value>::infinity();
+    TIFF* tiff = TIFFOpen(QFile::encodeName(file).constData(), mode);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, size.width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, size.height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8 * static_cast<int>(sizeof(Value)));
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, format);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression);
+    TIFFSetField(tiff, TIFFTAG_PREDICTOR, predictor);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+    std::vector<Value> written = values; // which libtiff may change
+    TIFFWriteEncodedStrip(tiff, 0, written.data(),
+                          static_cast<tmsize_t>(written.size() * sizeof(Value)));
+    TIFFClose(tiff);
+    const cv::Mat plane = ImageFile(file).plane(1, 1, 1);
+    ASSERT_EQ(plane.size(), size);
+    const bool isWide = std::is_same_v<Value, double> || (sizeof(Value) == 4 && !isFloat);
+    ASSERT_EQ(plane.type(), isWide ? CV_64FC1 : CV_32FC1);
+    cv::Mat wide;
+    plane.convertTo(wide, CV_64F);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        ASSERT_EQ(wide.ptr<double>()[i], static_cast<double>(values[i])) << i << ' ' << mode;
+    EXPECT_THROW(ImageFile(file).page(1), FileError);
+    EXPECT_THROW(ImageFile(file).grayPage(1), FileError);
+}
+
+TEST_F(TiffFile, OfOtherTypesOfValuesKeepsThem) {
+    for (const char* mode : {"w", "wb", "w8"})
+        for (const int compression : {COMPRESSION_NONE, COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE,
+                                      COMPRESSION_PACKBITS, COMPRESSION_ZSTD}) {
+            const bool canPredict =
+                compression != COMPRESSION_NONE && compression != COMPRESSION_PACKBITS;
+            for (const bool isPredicted : {false, true}) {
+                if (isPredicted && !canPredict)
+                    continue;
+                const int whole = isPredicted ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE;
+                // libtiff 4.5 itself writes floats wrong in this way where the byte order is not
+                // its own.
+                if (!isPredicted || QByteArray(mode) != "wb") {
+                    const int real = isPredicted ? PREDICTOR_FLOATINGPOINT : PREDICTOR_NONE;
+                    expectValues<float>(file_, SAMPLEFORMAT_IEEEFP, mode, compression, real);
+                    expectValues<double>(file_, SAMPLEFORMAT_IEEEFP, mode, compression, real);
+                }
+                expectValues<std::uint32_t>(file_, SAMPLEFORMAT_UINT, mode, compression, whole);
+                expectValues<std::int32_t>(file_, SAMPLEFORMAT_INT, mode, compression, whole);
+                expectValues<std::int16_t>(file_, SAMPLEFORMAT_INT, mode, compression, whole);
+                expectValues<std::int8_t>(file_, SAMPLEFORMAT_INT, mode, compression, whole);
+            }
+        }
+}
+
+TEST_F(TiffFile, OfAPaletteGivesItsIndicesAndColours) {
+    Kind kind;
+    kind.photometric = PHOTOMETRIC_PALETTE;
+    const cv::Mat indices = testImage({45, 33}, CV_8UC1);
+    writeTiff(file_, {indices}, kind);
+    const ImageFile file(file_);
+    EXPECT_TRUE(areEqual(file.plane(1, 1, 1), indices));
+    EXPECT_TRUE(areEqual(file.grayPage(1), indices));
+    const std::vector<std::uint32_t>& lut = file.metadata().channels[0].lut;
+    ASSERT_EQ(lut.size(), 256);
+    const auto colour = file.page(1).at<cv::Vec3b>(5, 7);
+    EXPECT_EQ(lut[indices.at<std::uint8_t>(5, 7)],
+              static_cast<std::uint32_t>(colour[2] << 16 | colour[1] << 8 | colour[0]));
+}
+
+TEST_F(TiffFile, TellsThePixelSizeOfMicroscopesNotOfPrinters) {
+    const std::vector<std::tuple<int, double, double>> cases{
+        {RESUNIT_CENTIMETER, 10000 / 0.325, 0.325},
+        {RESUNIT_INCH, 50800, 0.5},
+        {RESUNIT_INCH, 72, 0},
+        {RESUNIT_INCH, 300, 0},
+        {RESUNIT_NONE, 50800, 0},
+        {RESUNIT_INCH, 0, 0},
+    };
+    for (const auto& [unit, resolution, expected] : cases) {
+        TIFF* tiff = TIFFOpen(QFile::encodeName(file_).constData(), "w");
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, unit);
+        TIFFSetField(tiff, TIFFTAG_XRESOLUTION, resolution);
+        std::uint32_t row = 0;
+        TIFFWriteScanline(tiff, &row, 0);
+        TIFFClose(tiff);
+        EXPECT_NEAR(ImageFile(file_).metadata().pixelSizeX.value_or(0), expected, 1e-6);
+    }
 }
 
 TEST_F(TiffFile, OfAnImageJStackBehindOneDirectoryIsRefused) {

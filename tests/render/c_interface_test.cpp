@@ -1,6 +1,7 @@
 #include "render/lumetra_render.h"
 
 #include "render/colormaps.h"
+#include "render/dyes.h"
 #include "render/histogram.h"
 #include "render/renderer.h"
 
@@ -38,6 +39,7 @@ lumetra_channel channelOf(const Channel& channel) {
     c.high = channel.levels ? channel.levels->high : 0;
     c.hidden = !channel.visible;
     c.gamma = channel.gamma;
+    c.blend = static_cast<int32_t>(channel.blend);
     return c;
 }
 
@@ -66,6 +68,9 @@ TEST(CInterface, RendersTheSameBytes) {
         for (const int format : {LUMETRA_BGR, LUMETRA_RGB, LUMETRA_BGRA}) {
             if (keeps16 && format == LUMETRA_BGRA)
                 continue;
+            second.blend = format == LUMETRA_BGR   ? Blend::screen
+                           : format == LUMETRA_RGB ? Blend::darkest
+                                                   : Blend::add;
             std::vector<lumetra_plane> given{planeOf(planes[0]), planeOf(planes[1])};
             const std::vector<lumetra_channel> settings{channelOf(first), channelOf(second)};
             lumetra_image image{sizeof image, nullptr, 0, 0, 0, 0, format};
@@ -145,6 +150,7 @@ TEST(CInterface, RefusesWithAReason) {
         {"its size", [](auto& p, auto&, auto&) { p.struct_size = 0; }},
         {"0 to 255", [](auto&, auto& c, auto&) { c.green = 256; }},
         {"gamma", [](auto&, auto& c, auto&) { c.gamma = -1; }},
+        {"blend", [](auto&, auto& c, auto&) { c.blend = 3; }},
         {"low < high", [](auto&, auto& c, auto&) { c.high = 5; }},
         {"another size", [](auto&, auto&, auto& i) { i.width = 19; }},
         {"another size", [](auto&, auto& c, auto&) { c.has_limits = 0; }}, // 16 bits then
@@ -178,10 +184,13 @@ TEST(CInterface, KnowsDyesColormapsAndLimits) {
     char reason[200];
     EXPECT_EQ(lumetra_find_dye("DAPY", &dye, reason, sizeof reason), LUMETRA_FAILED);
     EXPECT_NE(std::strstr(reason, "\"DAPI\""), nullptr);
+    ASSERT_EQ(lumetra_find_dye("AF488", &dye, nullptr, 0), LUMETRA_OK);
+    EXPECT_STREQ(dye.name, "Alexa 488");
+    const DyeList list;
     std::size_t dyes = 0;
-    while (lumetra_dye_at(dyes, &dye) == LUMETRA_OK)
-        ++dyes;
-    EXPECT_EQ(dyes, 329U);
+    for (; lumetra_dye_at(dyes, &dye) == LUMETRA_OK; ++dyes)
+        ASSERT_EQ(dye.name, list.all().at(dyes).name);
+    EXPECT_EQ(dyes, list.all().size());
 
     std::size_t maps = 0;
     for (; const char* name = lumetra_colormap_name(maps); ++maps) {

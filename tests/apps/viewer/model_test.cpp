@@ -1,5 +1,6 @@
 // The channel model, and what is measured of channels.
 
+#include "apps/common/settings.h"
 #include "tests/apps/viewer/stage.h"
 
 #include <QAbstractItemModelTester>
@@ -22,6 +23,7 @@ private slots:
     void levelsStayInOrder_data();
     void levelsStayInOrder();
     void automaticLevelsAreTakenOnceOrAlways();
+    void levelsOfAnotherBitDepthAreMeasuredAgain();
     void aClickShowsOneChannelAndTheNextAll();
     void aNudgeMovesAsFarAsNumbersGo();
     void dyesAreNamedInAnyCaseOrRefused();
@@ -97,6 +99,23 @@ void ModelTest::automaticLevelsAreTakenOnceOrAlways() {
     QVERIFY((model.channel(0).levels == ContrastLimits{1, 2}));
 
     QVERIFY(!model.adopt({{1, 2}}, eightBitStatistics(1))); // of an image before
+}
+
+void ModelTest::levelsOfAnotherBitDepthAreMeasuredAgain() {
+    Channel deep = channelOf(Qt::red, ContrastLimits{300, 4000});
+    deep.levelsBits = 16;
+    ChannelModel model;
+    const QSignalSpy refused(&model, &ChannelModel::refused);
+    model.setChannels({deep, channelOf(Qt::green, ContrastLimits{7, 8})}); // the other one unknown
+    std::vector<ChannelStatistics> statistics = eightBitStatistics(2);
+    statistics[0].automatic = {5, 99};
+    QVERIFY(model.adopt({{300, 4000}, {7, 8}}, statistics));
+    QVERIFY((model.channel(0).levels == ContrastLimits{5, 99}));
+    QVERIFY((model.channel(1).levels == ContrastLimits{7, 8}));
+    QCOMPARE(refused.size(), 1);
+    QVERIFY(!model.adopt({{5, 99}, {7, 8}}, statistics));
+    QCOMPARE(refused.size(), 1);
+    QVERIFY(settingsJson({model.channels(), std::nullopt}).count("\"bits\": 8") == 2);
 }
 
 void ModelTest::aClickShowsOneChannelAndTheNextAll() {

@@ -1,0 +1,33 @@
+#include "apps/cli/folder_listing.h"
+
+#include <filesystem>
+
+namespace lumetra {
+
+namespace fs = std::filesystem;
+
+// Qt's own listings leave out names that are no text, and say nothing of them.
+FolderListing listFolder(const QString& folder) {
+    FolderListing listing;
+    std::error_code error;
+    fs::directory_iterator entry(fs::u8path(folder.isEmpty() ? "." : folder.toStdString()), error);
+    for (const fs::directory_iterator end; !error && entry != end; entry.increment(error)) {
+        const auto name = nameOf(QByteArray::fromStdString(entry->path().filename().u8string()));
+        std::error_code unknown; // a link that leads nowhere is neither
+        const bool isFolder = entry->is_directory(unknown);
+        if (!name)
+            ++listing.notText;
+        else if (isFolder || entry->is_regular_file(unknown))
+            listing.entries.push_back({*name, isFolder, entry->is_symlink(unknown)});
+    }
+    return listing;
+}
+
+std::optional<QString> nameOf(const QByteArray& bytes) {
+    QString name = QString::fromUtf8(bytes);
+    if (name.toUtf8() != bytes)
+        return std::nullopt;
+    return name;
+}
+
+} // namespace lumetra
