@@ -124,6 +124,7 @@ void selectChannelsOf(std::vector<Field>& fields, const std::vector<Channel>& ch
     if (fields.empty() || !fields.front().isOneFile || !fields.front().problem.isEmpty())
         return;
     std::vector<std::string> names;
+    names.reserve(channels.size());
     for (const Channel& channel : channels)
         names.push_back(channel.name);
     try {
