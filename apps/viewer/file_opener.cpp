@@ -131,6 +131,9 @@ std::vector<ChannelFile> FileOpener::parsed(const QStringList& texts) const {
     for (const QString& text : texts) {
         files.push_back(isChannelSpec(text) ? parseChannelFile(text, model_.dyes())
                                             : parseFile(text));
+        const InputFile& input = files.back();
+        if (input.channels.isNamed() || input.slices.isNamed() || input.frames.isNamed())
+            throw Error(tr("%1: the viewer opens pages, as FILE[3]").arg(text));
         files.back().file = QFileInfo(files.back().file).absoluteFilePath();
     }
     return files;
