@@ -12,10 +12,6 @@
 namespace lumetra {
 namespace {
 
-bool isChannelSpec(const QString& text) {
-    return text.contains(QLatin1Char('=')) && !QFileInfo::exists(text);
-}
-
 /// Whether a word stands in a text without letters beside it: "DIC" is not meant by "indicator".
 bool holdsWord(const QString& text, const QString& word) {
     for (auto at = text.indexOf(word, 0, Qt::CaseInsensitive); at >= 0;
@@ -129,7 +125,7 @@ QStringList FileOpener::withoutSettings(const QStringList& texts) {
 std::vector<ChannelFile> FileOpener::parsed(const QStringList& texts) const {
     std::vector<ChannelFile> files;
     for (const QString& text : texts) {
-        files.push_back(isChannelSpec(text) ? parseChannelFile(text, model_.dyes())
+        files.push_back(isChannelText(text) ? parseChannelFile(text, model_.dyes())
                                             : parseFile(text));
         const InputFile& input = files.back();
         if (input.channels.isNamed() || input.slices.isNamed() || input.frames.isNamed())
