@@ -65,10 +65,11 @@ if(LUMETRA_BUILD_APPS)
   set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${description}\nThis package contains the command lumetra, for images, stacks and data sets.")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
-  # The programs' packages are made where liblumetra-render0 is not installed.
+  # The render library is not installed where packages are made, and its interface may change from one
+  # version to the next, so the programs ask for the one that they were built with.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/render")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
-      "liblumetra-render0 (>= ${PROJECT_VERSION}), fonts-dejavu-core")
+      "liblumetra-render0 (= ${PROJECT_VERSION}), fonts-dejavu-core")
 
   list(APPEND CPACK_COMPONENTS_ALL viewer)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_NAME lumetra-viewer)
@@ -76,7 +77,7 @@ if(LUMETRA_BUILD_APPS)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS
-      "liblumetra-render0 (>= ${PROJECT_VERSION}), fonts-dejavu-core")
+      "liblumetra-render0 (= ${PROJECT_VERSION}), fonts-dejavu-core")
 endif()
 
 # Every package contains the licence and the changes, where and as Debian expects them.
