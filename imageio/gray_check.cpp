@@ -11,7 +11,7 @@ namespace {
 template<class Value>
 bool isGray(const cv::Mat& image) {
     for (int y = 0; y < image.rows; ++y) {
-        const Value* row = image.ptr<Value>(y);
+        const auto* row = image.ptr<Value>(y);
         unsigned differences = 0;
         for (int x = 0; x < image.cols; ++x, row += 3)
             differences |= static_cast<unsigned>((row[0] ^ row[1]) | (row[0] ^ row[2]));

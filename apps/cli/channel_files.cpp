@@ -51,6 +51,9 @@ ChannelFiles::ChannelPlanes ChannelFiles::planesOf(std::shared_ptr<ImageFile> fi
     const int wanted = input.page > 0 ? input.page : pages.number;
     const int channels =
         wanted > 0 ? result.file->components(wanted) : result.file->axes().channels;
+    if (channels > 1 && input.channels.first != input.channels.last)
+        throw Error(QStringLiteral("%1: stands for several channels; choose one of them, as [c1]")
+                        .arg(fileSpec(input)));
     if (channels > 1 && !input.channels.isNamed())
         throw Error(QStringLiteral("%1: has %2 channels; choose one of them, as %1[c1]")
                         .arg(input.file)

@@ -62,17 +62,11 @@ std::vector<InputFile> channelsOf(const ImageFile& file, const InputFile& input)
 }
 
 std::vector<ChannelFile> channelFilesOf(const QString& argument, const DyeList& dyes) {
-    const bool hasDye = isChannelText(argument);
-    const ChannelFile named = hasDye ? parseChannelFile(argument, dyes) : parseFile(argument);
+    if (isChannelText(argument)) // the file is opened when its turn comes, so that a log has it
+        return {parseChannelFile(argument, dyes)};
+    const InputFile named = parseFile(argument);
     const ImageFile file(named.file);
     const std::vector<InputFile> inputs = channelsOf(file, named);
-    if (hasDye && inputs.size() > 1)
-        throw Error(
-            QStringLiteral("%1: has %2; name one of them, as %3[c1]=DYE, or none to take "
-                           "their colours from the file")
-                .arg(named.file, plural(inputs.size(), QStringLiteral("channel")), named.file));
-    if (hasDye)
-        return {{inputs.front(), named.channel}};
     std::vector<ChannelFile> channels;
     for (const InputFile& input : inputs) {
         Channel channel;

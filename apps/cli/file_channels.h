@@ -22,7 +22,8 @@ std::vector<InputFile> channelsOf(const ImageFile& file, const InputFile& input)
 
 /// An argument of `merge` as channels: `FILE=DYE` is one, `FILE` stands for all that it has, in
 /// the dyes and colours that it says.
-/// @throws Error if a file with `=DYE` has several channels, or one without does not say a colour.
+/// @throws UsageError if a file without `=DYE` does not say a colour; FileError if it cannot be
+/// read.
 std::vector<ChannelFile> channelFilesOf(const QString& argument, const DyeList& dyes);
 
 /// Lets the channels of a data set name those of its files, each of which holds them all: by number

@@ -6,12 +6,23 @@
 #include "apps/cli/print.h"
 #include "apps/cli/render_field.h"
 #include "apps/common/error.h"
+#include "imageio/file_error.h"
 #include "imageio/output_conflicts.h"
 
 #include <QFileInfo>
 
 namespace lumetra {
 namespace {
+
+/// The channels of a file; the file itself if it cannot be read, which is told and logged when its
+/// turn comes.
+std::vector<InputFile> channelsIfReadable(const InputFile& input) {
+    try {
+        return channelsOf(ImageFile(input.file), input);
+    } catch (const FileError&) {
+        return {input};
+    }
+}
 
 /// The files and channels of a command line. With settings, the nth channel is the nth of the
 /// settings, in the dye and offset that are written beside its file, if there are any.
@@ -23,8 +34,7 @@ std::vector<ChannelFile> channelFiles(const QStringList& arguments,
     for (const QString& argument : arguments) {
         const bool named = isChannelText(argument);
         if (settings && !named) {
-            const InputFile input = parseFile(argument);
-            for (const InputFile& channel : channelsOf(ImageFile(input.file), input))
+            for (const InputFile& channel : channelsIfReadable(parseFile(argument)))
                 files.push_back({channel, {}});
         } else {
             for (const ChannelFile& channel : channelFilesOf(argument, dyes))
