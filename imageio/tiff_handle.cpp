@@ -34,7 +34,7 @@ int leaveOpen(thandle_t /*handle*/) { return 0; }
 
 toff_t sizeOfFile(thandle_t handle) { return static_cast<toff_t>(fileOf(handle).size()); }
 
-constexpr const char* name = "image"; // for messages, which nobody sees
+constexpr const char* handleName = "image"; // for messages, which nobody sees
 
 } // namespace
 
@@ -53,8 +53,8 @@ TiffHandle openTiff(QFile& file, const char* mode, std::uint64_t mostMemory) {
     constexpr std::uint64_t largest = std::numeric_limits<tmsize_t>::max();
     TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(),
                                         static_cast<tmsize_t>(std::min(mostMemory, largest)));
-    return TiffHandle(TIFFClientOpenExt(name, mode, &file, readFile, writeFile, seekFile, leaveOpen,
-                                        sizeOfFile, nullptr, nullptr, options.get()));
+    return TiffHandle(TIFFClientOpenExt(handleName, mode, &file, readFile, writeFile, seekFile,
+                                        leaveOpen, sizeOfFile, nullptr, nullptr, options.get()));
 }
 
 #else
@@ -62,8 +62,8 @@ TiffHandle openTiff(QFile& file, const char* mode, std::uint64_t mostMemory) {
 TiffHandle openTiff(QFile& file, const char* mode, std::uint64_t /*mostMemory*/) {
     TIFFSetErrorHandler(nullptr);
     TIFFSetWarningHandler(nullptr);
-    return TiffHandle(TIFFClientOpen(name, mode, &file, readFile, writeFile, seekFile, leaveOpen,
-                                     sizeOfFile, nullptr, nullptr));
+    return TiffHandle(TIFFClientOpen(handleName, mode, &file, readFile, writeFile, seekFile,
+                                     leaveOpen, sizeOfFile, nullptr, nullptr));
 }
 
 #endif

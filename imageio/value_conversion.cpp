@@ -16,7 +16,7 @@ FiniteRange rangeOf(const cv::Mat& plane) {
     FiniteRange range;
     double low = std::numeric_limits<double>::infinity(), high = -low;
     for (int y = 0; y < plane.rows; ++y) {
-        const Value* row = plane.ptr<Value>(y);
+        const auto* row = plane.ptr<Value>(y);
         for (int x = 0; x < plane.cols; ++x) {
             const auto value = static_cast<double>(row[x]);
             if (!std::isfinite(value))
@@ -39,7 +39,7 @@ void convert(const cv::Mat& plane, double low, double high, cv::Mat& out) {
     // Halves, so that the difference of the largest and the smallest double is finite.
     const double extent = high / 2 - low / 2;
     for (int y = 0; y < plane.rows; ++y) {
-        const Value* in = plane.ptr<Value>(y);
+        const auto* in = plane.ptr<Value>(y);
         auto* to = out.ptr<std::uint16_t>(y);
         for (int x = 0; x < plane.cols; ++x) {
             const auto value = static_cast<double>(in[x]);

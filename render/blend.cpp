@@ -13,7 +13,7 @@ struct Name {
     const char* text;
     Blend blend;
 };
-constexpr std::array<Name, 3> names{
+constexpr std::array<Name, 3> blendNames{
     {{"add", Blend::add}, {"screen", Blend::screen}, {"darkest", Blend::darkest}}};
 
 template<class Component>
@@ -62,13 +62,13 @@ void blendComponents(Blend blend, const Component* over, Component* under, std::
 } // namespace
 
 std::string blendText(Blend blend) {
-    return std::find_if(names.begin(), names.end(),
+    return std::find_if(blendNames.begin(), blendNames.end(),
                         [&](const Name& name) { return name.blend == blend; })
         ->text;
 }
 
 Blend parseBlend(std::string_view text) {
-    for (const Name& name : names)
+    for (const Name& name : blendNames)
         if (text == name.text)
             return name.blend;
     throw RenderError("\"" + std::string(text) + "\": a blend is add, screen or darkest");
