@@ -43,13 +43,17 @@ lumetra_channel channelOf(const Channel& channel) {
     return c;
 }
 
+std::size_t rowBytes(const cv::Mat& plane) {
+    return static_cast<std::size_t>(plane.cols) * plane.elemSize();
+}
+
 /// The rows of a matrix from the last to the first, in memory that begins at an odd address.
 struct UpsideDown {
     explicit UpsideDown(const cv::Mat& plane)
-        : step(static_cast<ptrdiff_t>(plane.cols * plane.elemSize()) + 3),
+        : step(static_cast<ptrdiff_t>(rowBytes(plane)) + 3),
           bytes(static_cast<std::size_t>(step * plane.rows) + 1) {
         for (int y = 0; y < plane.rows; ++y)
-            std::memcpy(row(plane.rows, y), plane.ptr(y), plane.cols * plane.elemSize());
+            std::memcpy(row(plane.rows, y), plane.ptr(y), rowBytes(plane));
     }
     unsigned char* row(int rows, int y) { return bytes.data() + 1 + (rows - 1 - y) * step; }
 
@@ -100,8 +104,7 @@ TEST(CInterface, RendersTheSameBytes) {
             ASSERT_EQ(lumetra_render(given.data(), settings.data(), 2, &image, nullptr, 0),
                       LUMETRA_OK);
             for (int y = 0; y < rows.rows; ++y)
-                ASSERT_EQ(std::memcmp(out.row(rows.rows, y), expected.ptr(y),
-                                      expected.cols * expected.elemSize()),
+                ASSERT_EQ(std::memcmp(out.row(rows.rows, y), expected.ptr(y), rowBytes(expected)),
                           0);
         }
     }

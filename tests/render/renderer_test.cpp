@@ -210,10 +210,10 @@ TEST(ApplyColormap, FollowsGammaBetweenTheLimits) {
 
 TEST(ImageColouring, IsTheLibrarys) {
     const Colormap colours = oklabColormap();
-    QVector<QColor> slots;
+    QVector<QColor> palette;
     for (int i = 0; i < 255; ++i) {
         const Colour c = colours[static_cast<std::size_t>(std::lround(i * 255 / 254.0))];
-        slots << QColor(c.red, c.green, c.blue);
+        palette << QColor(c.red, c.green, c.blue);
     }
     for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
         cv::Mat image = noisePlane({3 * 61, 40}, CV_MAKETYPE(CV_MAT_DEPTH(type), 1), type);
@@ -224,7 +224,7 @@ TEST(ImageColouring, IsTheLibrarys) {
             tintImage(image, {29, 255, 7}, dominant, result);
             EXPECT_TRUE(areEqual(result, expected)) << type;
         }
-        Lumetra::Pseudo(image, expected, slots);
+        Lumetra::Pseudo(image, expected, palette);
         colourImage(image, colours, result);
         EXPECT_TRUE(areEqual(result, expected)) << type;
     }
