@@ -1,26 +1,17 @@
 #include "render/framing.h"
 
+#include "render/parsed_number.h"
 #include "render/render_error.h"
 #include "render/shrink.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <string>
 
 namespace lumetra {
 namespace {
-
-/// The number that a text is as a whole.
-template<class Number>
-std::optional<Number> parsed(std::string_view text) {
-    Number number{};
-    const char* const end = text.data() + text.size();
-    const auto [last, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
-}
 
 std::optional<int> parsedSide(std::string_view text) {
     const auto side = parsed<int>(text);

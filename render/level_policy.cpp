@@ -1,5 +1,6 @@
 #include "render/level_policy.h"
 
+#include "render/parsed_number.h"
 #include "render/render_error.h"
 
 #include <algorithm>
@@ -12,15 +13,6 @@ namespace {
 constexpr std::string_view clipPrefix = "clip:";
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
-/// The number that a text is as a whole.
-template<class Number>
-std::optional<Number> parsed(std::string_view text) {
-    Number number{};
-    const char* const end = text.data() + text.size();
-    const auto [last, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
-}
 
 /// The shortest text that stands for this number.
 std::string shortest(double number) {
