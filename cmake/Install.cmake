@@ -48,7 +48,8 @@ install(TARGETS LumetraRender EXPORT LumetraRenderTargets
   ARCHIVE COMPONENT render-development)
 install(DIRECTORY render DESTINATION ${render_include_dir} COMPONENT render-development
   FILES_MATCHING PATTERN *.h PATTERN colormap_knots.h EXCLUDE PATTERN dye_names.h EXCLUDE
-  PATTERN dye_published.h EXCLUDE PATTERN lumetra_render.h EXCLUDE)
+  PATTERN dye_published.h EXCLUDE PATTERN parsed_number.h EXCLUDE
+  PATTERN lumetra_render.h EXCLUDE)
 install(FILES render/lumetra_render.h render/lumetra_render.hpp DESTINATION ${render_include_dir}
   COMPONENT render-development)
 install(EXPORT LumetraRenderTargets NAMESPACE Lumetra:: DESTINATION ${render_package_dir}
