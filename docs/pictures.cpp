@@ -115,7 +115,8 @@ QImage levels(const cv::Mat& gray) {
 
 /// A 16-bit channel as 8 bits for display.
 cv::Mat toDisplay8(const cv::Mat& gray) {
-    return lumetra::stretched(gray, {lumetra::LevelPolicy::Method::clip, 0, {}}, 1);
+    const lumetra::LevelPolicy wholeRange{lumetra::LevelPolicy::Method::clip, 0, {}};
+    return lumetra::stretched(gray, lumetra::componentLimits(gray, wholeRange), 1);
 }
 
 cv::Mat readGray(const std::string& file) {

@@ -23,6 +23,15 @@ inline bool operator==(ContrastLimits a, ContrastLimits b) {
 }
 inline bool operator!=(ContrastLimits a, ContrastLimits b) { return !(a == b); }
 
+/// The same of pixel values of any type, such as floating-point ones: finite, `low` below `high`.
+struct ValueLimits {
+    double low = 0;
+    double high = 1;
+};
+
+inline bool operator==(ValueLimits a, ValueLimits b) { return a.low == b.low && a.high == b.high; }
+inline bool operator!=(ValueLimits a, ValueLimits b) { return !(a == b); }
+
 /// The display settings of one channel. All of it is plain data: kept in settings files, edited by
 /// panels, compared.
 struct Channel {
@@ -35,12 +44,15 @@ struct Channel {
     bool visible = true;
     Blend blend = Blend::add; ///< How it is laid over the visible channels before it.
     int levelsBits = 0; ///< The bit depth that `levels` were found at, 8 or 16; 0 if not known.
+    /// Of a channel whose pixel values are neither 8- nor 16-bit unsigned: the contrast limits, as
+    /// which its plane was brought to 16 bits, so that `levels` are 0 and 65535.
+    std::optional<ValueLimits> valueLimits{};
 };
 
 inline bool operator==(const Channel& a, const Channel& b) {
     return a.name == b.name && a.dye == b.dye && a.colour == b.colour && a.offset == b.offset &&
-           a.levels == b.levels && a.levelsBits == b.levelsBits && a.gamma == b.gamma &&
-           a.visible == b.visible && a.blend == b.blend;
+           a.levels == b.levels && a.levelsBits == b.levelsBits && a.valueLimits == b.valueLimits &&
+           a.gamma == b.gamma && a.visible == b.visible && a.blend == b.blend;
 }
 inline bool operator!=(const Channel& a, const Channel& b) { return !(a == b); }
 

@@ -68,6 +68,13 @@ double Framing::columnsInPixel(cv::Size image) const {
     return static_cast<double>(crop ? crop->width : image.width) / columns;
 }
 
+bool Framing::keepsShape(cv::Size image) const {
+    const cv::Size target = sizeOf(image);
+    const cv::Size cut = crop ? crop->size() : image;
+    const double rows = static_cast<double>(cut.height) * target.width / cut.width;
+    return std::abs(rows - target.height) <= 1;
+}
+
 void Framing::apply(const cv::Mat& image, cv::Mat& result) const {
     const cv::Size target = sizeOf(image.size());
     const cv::Mat part = crop ? image(*crop) : image;

@@ -34,6 +34,10 @@ struct LUMETRA_RENDER_EXPORT Framing {
     /// @throws RenderError as `sizeOf`.
     double columnsInPixel(cv::Size image) const;
 
+    /// Whether pixels stay as wide as they are high, but for what rounding to whole rows does.
+    /// @throws RenderError as `sizeOf`.
+    bool keepsShape(cv::Size image) const;
+
     /// Brings an image to this: the crop's pixels as they are, or the means of the areas that they
     /// cover (`shrink`).
     /// @param image   CV_8U or CV_16U, of any channels.

@@ -28,19 +28,32 @@ LevelColours slotColours(const Colormap& colormap) {
 
 } // namespace
 
-cv::Mat stretched(const cv::Mat& image, const LevelPolicy& policy, double gamma) {
+std::vector<ContrastLimits> componentLimits(const cv::Mat& image, const LevelPolicy& policy) {
     if (policy.method == LevelPolicy::Method::none)
-        return image;
-    std::vector<cv::Mat> planes;
-    cv::split(image, planes);
-    for (cv::Mat& plane : planes) {
+        return {};
+    std::vector<ContrastLimits> limits;
+    for (int i = 0; i < image.channels(); ++i) {
+        cv::Mat plane;
+        cv::extractChannel(image, plane, i);
         Histogram histogram;
         histogram.add(plane);
+        limits.push_back(levelsOf(histogram, policy).value());
+    }
+    return limits;
+}
+
+cv::Mat stretched(const cv::Mat& image, const std::vector<ContrastLimits>& limits, double gamma) {
+    if (limits.empty())
+        return image;
+    CV_Assert(limits.size() == static_cast<std::size_t>(image.channels()));
+    std::vector<cv::Mat> planes;
+    cv::split(image, planes);
+    for (std::size_t i = 0; i < planes.size(); ++i) {
         IntensityLut lut;
-        lut.set(histogram.bitDepth(), *levelsOf(histogram, policy), gamma);
+        lut.set(image.depth() == CV_8U ? 8 : 16, limits[i], gamma);
         cv::Mat display8;
-        lut.apply(plane, display8);
-        plane = display8;
+        lut.apply(planes[i], display8);
+        planes[i] = display8;
     }
     cv::Mat result;
     cv::merge(planes, result);

@@ -6,14 +6,24 @@
 
 #include <opencv2/core/mat.hpp>
 
+#include <vector>
+
 namespace lumetra {
+
+/// The contrast limits that each component of an image has by a policy, blue first; none at all
+/// where pixel values stay as they are.
+///
+/// @param image   8 or 16 bits, 1 or 3 channels.
+/// @param policy  Limits that it fixes are whole numbers from 0 to 65535.
+LUMETRA_RENDER_EXPORT std::vector<ContrastLimits> componentLimits(const cv::Mat& image,
+                                                                  const LevelPolicy& policy);
 
 /// Brings each component of an image to 8 bits through contrast limits of its own.
 ///
 /// @param image   8 or 16 bits, 1 or 3 channels.
-/// @param policy  `none` gives the image itself.
-LUMETRA_RENDER_EXPORT cv::Mat stretched(const cv::Mat& image, const LevelPolicy& policy,
-                                        double gamma);
+/// @param limits  One for each; none gives the image itself.
+LUMETRA_RENDER_EXPORT cv::Mat stretched(const cv::Mat& image,
+                                        const std::vector<ContrastLimits>& limits, double gamma);
 
 /// Multiplies an image by a colour, channel by channel, as `Lumetra::Dye` without automatic levels.
 ///

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace lumetra {
 namespace {
@@ -14,10 +15,14 @@ constexpr std::string_view clipPrefix = "clip:";
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
-/// The shortest text that stands for this number.
+/// The shortest text that stands for this number, without an exponent where it has few digits.
 std::string shortest(double number) {
+    constexpr double manyDigits = 1e9;
     std::array<char, 32> text{};
-    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    const bool isPlain = number == std::floor(number) && std::abs(number) < manyDigits;
+    const auto [end, error] =
+        std::to_chars(text.data(), text.data() + text.size(), number,
+                      isPlain ? std::chars_format::fixed : std::chars_format::general);
     return {text.data(), end};
 }
 
@@ -29,32 +34,35 @@ double parsePercent(std::string_view text) {
     return *percent;
 }
 
+ValueLimits parseLimits(std::string_view text) {
+    const std::size_t colon = text.find(':');
+    const auto low = parsed<double>(text.substr(0, colon));
+    const auto high = parsed<double>(text.substr(colon + 1));
+    if (!low || !high || !std::isfinite(*low) || !std::isfinite(*high) || *low >= *high)
+        throw RenderError(quoted(text) + " is not a range LOW:HIGH of two numbers, LOW below HIGH");
+    return {*low, *high};
+}
+
+bool isWhole16(double value) { return value >= 0 && value <= 65535 && value == std::floor(value); }
+
 } // namespace
+
+std::optional<ContrastLimits> LevelPolicy::known() const {
+    if (method != Method::fixed || !isWhole16(limits.low) || !isWhole16(limits.high))
+        return std::nullopt;
+    return ContrastLimits{static_cast<int>(limits.low), static_cast<int>(limits.high)};
+}
 
 std::string LevelPolicy::text() const {
     switch (method) {
     case Method::none:
         return "none";
     case Method::fixed:
-        return std::to_string(limits.low) + ":" + std::to_string(limits.high);
+        return shortest(limits.low) + ":" + shortest(limits.high);
     case Method::clip:
         break;
     }
     return percent == 0 ? "auto" : std::string(clipPrefix) + shortest(percent);
-}
-
-ContrastLimits parseLimits(std::string_view text) {
-    constexpr std::size_t mostDigits = 5;
-    const std::size_t colon = text.find(':');
-    const auto number = [&](std::string_view digits) {
-        return digits.size() <= mostDigits ? parsed<unsigned short>(digits) : std::nullopt;
-    };
-    const auto low = number(text.substr(0, colon));
-    const auto high =
-        colon < text.size() ? number(text.substr(colon + 1)) : std::optional<unsigned short>();
-    if (!low || !high || *low >= *high)
-        throw RenderError(quoted(text) + " is not a range LOW:HIGH within 0:65535");
-    return {*low, *high};
 }
 
 LevelPolicy parseLevelPolicy(std::string_view text) {

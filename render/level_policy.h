@@ -17,31 +17,31 @@ struct LUMETRA_RENDER_EXPORT LevelPolicy {
         none   ///< Pixel values stay as they are, in their bit depth.
     };
     Method method = Method::clip;
-    double percent = 0.1;  ///< Of `clip`, from 0 to below 50; 0 takes smallest and largest value.
-    ContrastLimits limits; ///< Of `fixed`.
+    double percent = 0.1; ///< Of `clip`, from 0 to below 50; 0 takes smallest and largest value.
+    ValueLimits limits;   ///< Of `fixed`, in pixel values of whatever type.
 
     /// The policy of limits that are known.
-    static LevelPolicy fixedTo(ContrastLimits limits) { return {Method::fixed, 0, limits}; }
+    static LevelPolicy fixedTo(ValueLimits limits) { return {Method::fixed, 0, limits}; }
+    static LevelPolicy fixedTo(ContrastLimits limits) {
+        return fixedTo(
+            ValueLimits{static_cast<double>(limits.low), static_cast<double>(limits.high)});
+    }
 
     /// Whether the limits depend on images.
     bool isMeasured() const { return method == Method::clip; }
 
-    /// The limits that are known before there is an image.
-    std::optional<ContrastLimits> known() const {
-        return method == Method::fixed ? std::optional(limits) : std::nullopt;
-    }
+    /// The limits that are known before there is an image; none where they are not whole numbers
+    /// from 0 to 65535, which fit images of 8 or 16 bits alone.
+    std::optional<ContrastLimits> known() const;
 
     /// As `parseLevelPolicy` understands it.
     std::string text() const;
 };
 
-/// Understands `auto` (smallest and largest pixel value), `clip:PERCENT`, `LOW:HIGH` and `none`.
+/// Understands `auto` (smallest and largest pixel value), `clip:PERCENT`, `LOW:HIGH` (finite
+/// numbers, LOW below HIGH) and `none`.
 /// @throws RenderError for anything else.
 LUMETRA_RENDER_EXPORT LevelPolicy parseLevelPolicy(std::string_view text);
-
-/// Understands `LOW:HIGH`, 0 to 65535, LOW below HIGH.
-/// @throws RenderError for anything else.
-LUMETRA_RENDER_EXPORT ContrastLimits parseLimits(std::string_view text);
 
 /// The contrast limits of pixel values so distributed; none if they stay as they are.
 ///

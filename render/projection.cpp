@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 
 namespace lumetra {
@@ -22,16 +23,14 @@ constexpr std::array<Name, 3> names{{{"max", ProjectionMethod::max},
 /// The most planes whose sum, and half their number to round, fits 32 bits.
 int mostPlanesOfMean(int depth) { return depth == CV_8U ? 1 << 24 : 1 << 16; }
 
+bool isFloatingPoint(int type) { return CV_MAT_DEPTH(type) >= CV_32F; }
+
 int accumulatorType(ProjectionMethod method, int planeType) {
-    switch (method) {
-    case ProjectionMethod::max:
-        break;
-    case ProjectionMethod::mean:
-        return CV_32SC1;
-    case ProjectionMethod::sum:
-        return CV_16UC1;
-    }
-    return planeType;
+    if (method == ProjectionMethod::max)
+        return planeType;
+    if (isFloatingPoint(planeType))
+        return CV_64FC1;
+    return method == ProjectionMethod::mean ? CV_32SC1 : CV_16UC1;
 }
 
 template<class Value>
@@ -40,8 +39,15 @@ void takeLarger(const Value* values, Value* largest, std::size_t count) {
         largest[i] = std::max(values[i], largest[i]);
 }
 
+/// What is not a number is as low as can be.
 template<class Value>
-void addExactly(const Value* values, std::uint32_t* sums, std::size_t count) {
+void takeLargerNumber(const Value* values, Value* largest, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        largest[i] = largest[i] >= values[i] || std::isnan(values[i]) ? largest[i] : values[i];
+}
+
+template<class Value, class Sum>
+void addExactly(const Value* values, Sum* sums, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
         sums[i] += values[i];
 }
@@ -56,7 +62,7 @@ void addClamped(const Value* values, std::uint16_t* sums, std::size_t count) {
 }
 
 template<class Value>
-void addPlane(ProjectionMethod method, const cv::Mat& plane, cv::Mat& accumulator) {
+void addIntegers(ProjectionMethod method, const cv::Mat& plane, cv::Mat& accumulator) {
     const auto columns = static_cast<std::size_t>(plane.cols);
     for (int y = 0; y < plane.rows; ++y) {
         const auto* const values = plane.ptr<Value>(y);
@@ -74,6 +80,30 @@ void addPlane(ProjectionMethod method, const cv::Mat& plane, cv::Mat& accumulato
     }
 }
 
+template<class Value>
+void addFloats(ProjectionMethod method, const cv::Mat& plane, cv::Mat& accumulator) {
+    const auto columns = static_cast<std::size_t>(plane.cols);
+    for (int y = 0; y < plane.rows; ++y) {
+        if (method == ProjectionMethod::max)
+            takeLargerNumber(plane.ptr<Value>(y), accumulator.ptr<Value>(y), columns);
+        else
+            addExactly(plane.ptr<Value>(y), accumulator.ptr<double>(y), columns);
+    }
+}
+
+void addPlane(ProjectionMethod method, const cv::Mat& plane, cv::Mat& accumulator) {
+    switch (plane.depth()) {
+    case CV_8U:
+        return addIntegers<unsigned char>(method, plane, accumulator);
+    case CV_16U:
+        return addIntegers<std::uint16_t>(method, plane, accumulator);
+    case CV_32F:
+        return addFloats<float>(method, plane, accumulator);
+    default:
+        return addFloats<double>(method, plane, accumulator);
+    }
+}
+
 /// The quotients are exact: below 65,536 and, where they are no whole numbers, further from one
 /// than a double rounds.
 template<class Value>
@@ -82,6 +112,14 @@ void divide(const std::uint32_t* sums, int planes, Value* means, std::size_t cou
     const double divisor = planes;
     for (std::size_t i = 0; i < count; ++i)
         means[i] = static_cast<Value>(static_cast<std::int32_t>((sums[i] + half) / divisor));
+}
+
+cv::Mat quotients(const cv::Mat& sums, double divisor) {
+    cv::Mat quotients(sums.size(), CV_64FC1);
+    for (int y = 0; y < sums.rows; ++y)
+        std::transform(sums.ptr<double>(y), sums.ptr<double>(y) + sums.cols,
+                       quotients.ptr<double>(y), [&](double sum) { return sum / divisor; });
+    return quotients;
 }
 
 template<class Value>
@@ -109,21 +147,24 @@ ProjectionMethod parseProjection(std::string_view text) {
 }
 
 void Projection::add(const cv::Mat& plane) {
-    CV_Assert(plane.dims <= 2 && (plane.type() == CV_8UC1 || plane.type() == CV_16UC1));
+    CV_Assert(plane.dims <= 2 && (plane.type() == CV_8UC1 || plane.type() == CV_16UC1 ||
+                                  plane.type() == CV_32FC1 || plane.type() == CV_64FC1));
     if (planes_ == 0) {
         type_ = plane.type();
-        accumulator_ = cv::Mat::zeros(plane.size(), accumulatorType(method_, type_));
+        if (method_ == ProjectionMethod::max)
+            plane.copyTo(accumulator_);
+        else
+            accumulator_ = cv::Mat::zeros(plane.size(), accumulatorType(method_, type_));
     }
     if (plane.size() != accumulator_.size())
         throw RenderError("the planes have different sizes");
     if (plane.type() != type_)
         throw RenderError("the planes have different bit depths");
-    if (method_ == ProjectionMethod::mean && planes_ == mostPlanesOfMean(plane.depth()))
+    if (method_ == ProjectionMethod::mean && !isFloatingPoint(type_) &&
+        planes_ == mostPlanesOfMean(plane.depth()))
         throw RenderError("there are too many planes for a mean");
-    if (plane.depth() == CV_8U)
-        addPlane<unsigned char>(method_, plane, accumulator_);
-    else
-        addPlane<std::uint16_t>(method_, plane, accumulator_);
+    if (planes_ > 0 || method_ != ProjectionMethod::max)
+        addPlane(method_, plane, accumulator_);
     ++planes_;
 }
 
@@ -132,6 +173,8 @@ cv::Mat Projection::result() const {
         throw RenderError("there are no planes to project");
     if (method_ != ProjectionMethod::mean)
         return accumulator_.clone();
+    if (isFloatingPoint(type_))
+        return quotients(accumulator_, planes_);
     return type_ == CV_8UC1 ? meanOf<unsigned char>(accumulator_, planes_, type_)
                             : meanOf<std::uint16_t>(accumulator_, planes_, type_);
 }

@@ -9,6 +9,7 @@
 #include "apps/cli/render_field.h"
 #include "apps/cli/signals.h"
 #include "apps/cli/workers.h"
+#include "apps/common/annotation.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "imageio/output_conflicts.h"
@@ -56,12 +57,19 @@ void shareLevels(Batch& batch, const BatchOptions& options) {
         return;
     std::vector<Channel> shared;
     for (std::size_t i = 0; i < channels.size(); ++i) {
-        if (channels[i].levels.isMeasured())
-            channels[i].levels =
-                LevelPolicy::fixedTo(*levelsOf(levels.histograms[i], channels[i].levels));
-        shared.push_back(channels[i].channelWithKnownLevels());
+        channels[i].levels = settledLevels(channels[i].levels, levels.channels[i]);
+        shared.push_back(channels[i].channel);
+        setLimits(shared.back(), channels[i].levels, levels.channels[i]);
     }
     reportLevels(options.image.output, shared);
+}
+
+/// The channels that files tell: "channels DAPI, FITC".
+QString channelList(const std::vector<ChannelSpec>& channels) {
+    QStringList names;
+    for (const auto& [channel, levels] : channels)
+        names << channelLabel(channel);
+    return QStringLiteral("channels ") + names.join(QStringLiteral(", "));
 }
 
 /// Looks at the outputs before there is any work, so that no field is logged as failed that was not
@@ -82,12 +90,19 @@ void requireFreeOutputs(const std::vector<Field>& fields) {
 Batch prepare(const BatchOptions& options) {
     Batch batch;
     const DyeList dyes = dyesWith(options.channel.customDyes);
-    const std::vector<Channel> channels =
+    std::vector<Channel> channels =
         namedChannels(options.dataSet.channels, settingsOf(options.channel, dyes), dyes);
-    batch.rendering = renderSpec(channels, options.image, options.channel);
+    const bool areNamed = !channels.empty();
+    if (areNamed) // what is wrong with the options is told before there is any work
+        batch.rendering = renderSpec(channels, options.image, options.channel);
+    const bool isProjected = options.image.pages.project.has_value();
+    batch.fields = requestedFields(options.dataSet, isProjected, dyes, channels);
+    if (!areNamed && !batch.fields.empty()) {
+        batch.rendering = renderSpec(channels, options.image, options.channel);
+        say(options, channelList(batch.rendering.channels));
+    }
     if (options.resume)
         batch.rendering.existing = Existing::replace;
-    batch.fields = requestedFields(options.dataSet, channels);
     nameOutputs(batch.fields, options.image.output.file);
     for (const Field& field : batch.fields)
         checkImageOutput(field.job.output);

@@ -42,17 +42,15 @@ QJsonObject channelEntry(const Channel& channel, const QString& method) {
 }
 
 /// What of a line decides on the bytes of the image. A single merge knows no names of fields and
-/// channels; limits that were measured follow from the inputs.
+/// channels; contrast limits follow from the method and the inputs.
 QJsonObject causes(QJsonObject line) {
     for (const QString& key : {fieldKey, outcomeKey, bytesKey, timeKey})
         line.remove(key);
     QJsonArray channels;
     for (const QJsonValue channel : line[channelsKey].toArray()) {
         QJsonObject settings = channel.toObject();
-        settings.remove(QStringLiteral("name"));
-        settings.remove(QStringLiteral("bits"));
-        if (isMeasuredMethod(settings[methodKey].toString()))
-            settings.remove(QStringLiteral("levels"));
+        for (const char* key : {"name", "bits", "levels", "range"})
+            settings.remove(QLatin1String(key));
         channels << settings;
     }
     line[channelsKey] = channels;
@@ -119,12 +117,13 @@ bool isMeasuredMethod(const QString& method) {
 QJsonObject workOf(const Field& field, const RenderSpec& rendering) {
     QJsonArray inputs, channels;
     for (std::size_t i = 0; i < field.job.inputs.size(); ++i) {
-        const InputFile& input = field.job.inputs[i];
-        const QFileInfo info(input.file);
-        inputs << QJsonObject{
-            {"file", input.file},
-            {"bytes", static_cast<double>(info.size())},
-            {"modified", static_cast<double>(info.lastModified().toMSecsSinceEpoch())}};
+        for (const QString& file : inputNames(field.job.inputs[i])) {
+            const QFileInfo info(file);
+            inputs << QJsonObject{
+                {"file", file},
+                {"bytes", static_cast<double>(info.size())},
+                {"modified", static_cast<double>(info.lastModified().toMSecsSinceEpoch())}};
+        }
         channels << channelEntry(rendering.channels[i].channelWithKnownLevels(),
                                  toQt(rendering.channels[i].levels.text()));
     }

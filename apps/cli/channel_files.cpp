@@ -45,10 +45,9 @@ QString choices(const ImageFile& file, int slices, int frames) {
 } // namespace
 
 ChannelFiles::ChannelPlanes ChannelFiles::planesOf(std::shared_ptr<ImageFile> file,
-                                                   const InputFile& input,
-                                                   const PageSelection& pages) {
-    ChannelPlanes result{std::move(file), std::max(input.channels.first, 1), {}, {}};
-    const int wanted = input.page > 0 ? input.page : pages.number;
+                                                   const InputFile& input) const {
+    ChannelPlanes result{std::move(file), input, std::max(input.channels.first, 1)};
+    const int wanted = input.page > 0 ? input.page : pages_.number;
     const int channels =
         wanted > 0 ? result.file->components(wanted) : result.file->axes().channels;
     if (channels > 1 && input.channels.first != input.channels.last)
@@ -58,7 +57,7 @@ ChannelFiles::ChannelPlanes ChannelFiles::planesOf(std::shared_ptr<ImageFile> fi
         throw Error(QStringLiteral("%1: has %2 channels; choose one of them, as %1[c1]")
                         .arg(input.file)
                         .arg(channels));
-    if (pages.all && wanted > 0)
+    if (pages_.all && wanted > 0)
         throw UsageError(QStringLiteral("%1: names a page, which --all-pages does not allow")
                              .arg(fileSpec(input)));
     if (wanted > 0) {
@@ -73,79 +72,100 @@ ChannelFiles::ChannelPlanes ChannelFiles::planesOf(std::shared_ptr<ImageFile> fi
         std::vector<Plane> stack;
         for (int slice = slices.first; slice <= slices.last; ++slice)
             stack.push_back({slice, frame, known ? 0 : slice});
-        if (pages.project)
+        if (pages_.project)
             result.images.push_back(stack);
-        for (std::size_t i = 0; !pages.project && i < stack.size(); ++i)
+        for (std::size_t i = 0; !pages_.project && i < stack.size(); ++i)
             result.images.push_back({stack[i]});
     }
-    if (!pages.all && result.images.size() > 1)
-        throw Error(choices(*result.file, pages.project ? 1 : slices.last - slices.first + 1,
+    if (!pages_.all && result.images.size() > 1)
+        throw Error(choices(*result.file, pages_.project ? 1 : slices.last - slices.first + 1,
                             frames.last - frames.first + 1));
     return result;
 }
 
 ChannelFiles::ChannelFiles(const std::vector<InputFile>& inputs, const PageSelection& pages)
-    : projection_(pages.project.value_or(ProjectionMethod::max)) {
+    : pages_(pages) {
     for (const InputFile& input : inputs) {
+        if (!input.sliceFiles.isEmpty() && !pages.project)
+            throw UsageError(
+                QStringLiteral("%1 stands for z-slices in %2: give --project max, mean "
+                               "or sum")
+                    .arg(input.file, plural(static_cast<std::size_t>(input.sliceFiles.size()),
+                                            QStringLiteral("file"))));
+        const QString name = input.sliceFiles.value(0, input.file);
         const auto known =
             std::find_if(channels_.begin(), channels_.end(), [&](const ChannelPlanes& channel) {
-                return channel.file->file() == input.file;
+                return channel.file->file() == name;
             });
         channels_.push_back(planesOf(
-            known != channels_.end() ? known->file : std::make_shared<ImageFile>(input.file), input,
-            pages));
+            known != channels_.end() ? known->file : std::make_shared<ImageFile>(name), input));
         const ChannelPlanes &first = channels_.front(), &last = channels_.back();
         if (last.images.size() != first.images.size())
             throw Error(QStringLiteral("the files give different numbers of images: %1 gives %2, "
                                        "%3 gives %4")
                             .arg(first.file->file())
                             .arg(first.images.size())
-                            .arg(input.file)
+                            .arg(name)
                             .arg(last.images.size()));
     }
     images_ = static_cast<int>(channels_.front().images.size());
 }
 
-cv::Mat ChannelFiles::rawPlane(const ChannelPlanes& channel, const Plane& plane) {
+cv::Mat ChannelFiles::plane(const ChannelPlanes& channel, const Plane& plane) {
     return plane.page > 0 ? channel.file->planeOfPage(plane.page, channel.channel)
                           : channel.file->plane(channel.channel, plane.slice, plane.frame);
 }
 
-FiniteRange ChannelFiles::finiteRangeOf(const ChannelPlanes& channel) {
-    FiniteRange range;
-    for (const std::vector<Plane>& image : channel.images)
-        for (const Plane& plane : image) {
-            throwIfInterrupted();
-            range.add(finiteRange(rawPlane(channel, plane)));
+void ChannelFiles::addPlanes(const ChannelPlanes& channel, int i, Projection& projection) {
+    for (const Plane& part : channel.images.at(static_cast<std::size_t>(i))) {
+        throwIfInterrupted();
+        try {
+            projection.add(plane(channel, part));
+        } catch (const RenderError& error) {
+            throw Error(QStringLiteral("%1: cannot be projected: %2")
+                            .arg(channel.file->file(), toQt(error.what())));
         }
+    }
+}
+
+cv::Mat ChannelFiles::raw(std::size_t channel, int i) {
+    const ChannelPlanes& planes = channels_[channel];
+    const std::vector<Plane>& image = planes.images[static_cast<std::size_t>(i)];
+    const QStringList& files = planes.input.sliceFiles;
+    if (image.size() == 1 && files.size() <= 1)
+        return plane(planes, image.front());
+    Projection projection(pages_.project.value_or(ProjectionMethod::max));
+    addPlanes(planes, i, projection);
+    for (int k = 1; k < static_cast<int>(files.size()); ++k) {
+        const ChannelPlanes slice = planesOf(std::make_shared<ImageFile>(files[k]), planes.input);
+        if (slice.images.size() != planes.images.size())
+            throw Error(QStringLiteral("%1 and %2 have different numbers of time points")
+                            .arg(files[0], files[k]));
+        addPlanes(slice, i, projection);
+    }
+    return projection.result();
+}
+
+FiniteRange ChannelFiles::finiteRangeOf(std::size_t channel) {
+    FiniteRange range;
+    for (int i = 0; i < images_; ++i) {
+        throwIfInterrupted();
+        range.add(finiteRange(raw(channel, i)));
+    }
     return range;
 }
 
-cv::Mat ChannelFiles::displayPlane(ChannelPlanes& channel, const Plane& plane) {
-    cv::Mat raw = rawPlane(channel, plane);
-    if (!needsConversion(raw))
-        return raw;
-    if (!channel.range)
-        channel.range = finiteRangeOf(channel);
-    return toDisplay16(raw, channel.range->low, channel.range->high);
-}
-
 cv::Mat ChannelFiles::gray(std::size_t channel, int i) {
-    ChannelPlanes& planes = channels_[channel];
-    const std::vector<Plane>& image = planes.images[static_cast<std::size_t>(i)];
-    if (image.size() == 1)
-        return displayPlane(planes, image.front());
-    Projection projection(projection_);
-    for (const Plane& plane : image) {
-        throwIfInterrupted();
-        try {
-            projection.add(displayPlane(planes, plane));
-        } catch (const RenderError& error) {
-            throw Error(QStringLiteral("%1: cannot be projected: %2")
-                            .arg(planes.file->file(), toQt(error.what())));
-        }
-    }
-    return projection.result();
+    cv::Mat values = raw(channel, i);
+    auto& [file, input, number, images, range, type] = channels_[channel];
+    if (type.value_or(values.type()) != values.type())
+        throw Error(QStringLiteral("%1: has planes of different bit depths").arg(input.file));
+    type = values.type();
+    if (!needsConversion(values))
+        return values;
+    if (!range)
+        range = images_ == 1 ? finiteRange(values) : finiteRangeOf(channel);
+    return toDisplay16(values, range->low, range->high);
 }
 
 cv::Mat ChannelFiles::any(std::size_t channel, int i) {
@@ -154,7 +174,8 @@ cv::Mat ChannelFiles::any(std::size_t channel, int i) {
     const Plane& first = image.front();
     const int page =
         first.page > 0 ? first.page : planes.file->pageOf(planes.channel, first.slice, first.frame);
-    if (image.size() > 1 || page == 0 || planes.file->components(page) > 1)
+    if (image.size() > 1 || planes.input.sliceFiles.size() > 1 || page == 0 ||
+        planes.file->components(page) > 1)
         return gray(channel, i);
     try {
         return planes.file->page(page);
@@ -174,7 +195,7 @@ void ChannelFiles::planes(int i, std::vector<cv::Mat>& planes) {
     }
 }
 
-void ChannelFiles::setRange(std::size_t channel, ContrastLimits limits) {
+void ChannelFiles::setRange(std::size_t channel, ValueLimits limits) {
     FiniteRange& range = channels_[channel].range.emplace();
     range.low = limits.low;
     range.high = limits.high;

@@ -24,7 +24,8 @@ public:
     /// @throws Error, FileError if a file cannot be read, has several z-slices, time points or
     /// pages
     ///         and none is named, or if files give different numbers of images where all are meant;
-    ///         UsageError if a page is named beside all of them.
+    ///         UsageError if a page is named beside all of them, or if z-slices have files of their
+    ///         own and are not projected.
     ChannelFiles(const std::vector<InputFile>& inputs, const PageSelection& pages);
 
     /// How many images they give.
@@ -32,10 +33,17 @@ public:
     std::size_t channels() const { return channels_.size(); }
     const ImageFile& file(std::size_t channel) const { return *channels_[channel].file; }
 
-    /// The plane of a channel for image `i`, counted from 0: CV_8UC1 or CV_16UC1. A projection is
-    /// made each time. Floats, and integers of other than 8 and 16 bits, unsigned, are brought to
-    /// 16 bits from the range that all of the channel's images have, or `setRange` says.
-    /// @throws Error with the file's name if it cannot be read, or has colours.
+    /// The plane of a channel for image `i`, counted from 0, in the type of the file; of several
+    /// planes, their projection, which is made each time.
+    /// @throws Error with the file's name if it cannot be read, has colours, or planes do not fit
+    ///         each other.
+    cv::Mat raw(std::size_t channel, int i);
+
+    /// The same as CV_8UC1 or CV_16UC1: floats, and integers of other than 8 and 16 bits, unsigned,
+    /// are brought to 16 bits from the range that all of the channel's images have, or `setRange`
+    /// says.
+    /// @throws Error as `raw`, and if images of the channel have different bit depths, which no
+    ///         contrast limits would fit.
     cv::Mat gray(std::size_t channel, int i);
 
     /// As `gray`, but of one channel or three where it is a page.
@@ -51,7 +59,7 @@ public:
     }
 
     /// Sets such a range, for values that need one.
-    void setRange(std::size_t channel, ContrastLimits limits);
+    void setRange(std::size_t channel, ValueLimits limits);
 
 private:
     struct Plane {
@@ -59,20 +67,21 @@ private:
         int page = 0; ///< Where the axes are not known, or the user names a page.
     };
     struct ChannelPlanes {
-        std::shared_ptr<ImageFile> file;
+        std::shared_ptr<ImageFile> file; ///< The first one, where z-slices have files of their own.
+        InputFile input;
         int channel = 1;
-        std::vector<std::vector<Plane>> images; ///< Several planes are projected.
-        std::optional<FiniteRange> range;       ///< Of values that are brought to 16 bits.
+        std::vector<std::vector<Plane>> images{}; ///< Several planes are projected.
+        std::optional<FiniteRange> range{};       ///< Of values that are brought to 16 bits.
+        std::optional<int> type{};                ///< Of the planes.
     };
 
-    static ChannelPlanes planesOf(std::shared_ptr<ImageFile> file, const InputFile& input,
-                                  const PageSelection& pages);
-    static cv::Mat rawPlane(const ChannelPlanes& channel, const Plane& plane);
-    static cv::Mat displayPlane(ChannelPlanes& channel, const Plane& plane);
-    static FiniteRange finiteRangeOf(const ChannelPlanes& channel);
+    ChannelPlanes planesOf(std::shared_ptr<ImageFile> file, const InputFile& input) const;
+    static cv::Mat plane(const ChannelPlanes& channel, const Plane& plane);
+    static void addPlanes(const ChannelPlanes& channel, int i, Projection& projection);
+    FiniteRange finiteRangeOf(std::size_t channel);
 
     std::vector<ChannelPlanes> channels_;
-    ProjectionMethod projection_ = ProjectionMethod::max;
+    PageSelection pages_;
     int images_ = 1;
 };
 

@@ -3,6 +3,7 @@
 #include "apps/cli/file_channels.h"
 #include "apps/cli/folder_listing.h"
 #include "apps/cli/natural_order.h"
+#include "apps/cli/slice_files.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "apps/common/text.h"
@@ -43,28 +44,44 @@ FileNames listedFiles(const QString& list) {
     return files;
 }
 
-/// What tells a field from the others: the texts of its placeholders, in their order.
-QStringList textsOf(const Placeholders& placeholders, const QStringList& names) {
-    QStringList texts;
-    for (const QString& name : names)
-        if (name != channelPlaceholder)
-            texts << placeholders[name];
-    return texts;
-}
+/// The files of one channel of one field, by the texts of their z; one of no text where z-slices
+/// have no files of their own.
+using SliceFiles = std::map<QString, QString, NaturalOrder>;
 
-/// Gives a field the file of one of its channels.
-/// @throws UsageError if it has another one.
-void setInput(Field& field, std::size_t number, const QString& file) {
-    QString& known = field.job.inputs[number].file;
+/// A field with the files that were found for it.
+struct FoundField {
+    Field field;
+    std::vector<SliceFiles> files; ///< Of each channel.
+};
+
+/// Gives a field a file of one of its channels.
+/// @throws UsageError if it has another one for this.
+void setInput(FoundField& found, std::size_t number, const QString& slice, const QString& file) {
+    QString& known = found.files[number][slice];
+    const QString& field = found.field.name;
     if (!known.isEmpty() && known != file)
         throw UsageError(
             QStringLiteral("%1 and %2 are both %3: give {*} or {**} a name, such as {site}, where "
                            "it tells fields apart")
                 .arg(std::min(known, file), std::max(known, file),
-                     field.name.isEmpty()
-                         ? QStringLiteral("the same channel of the same field")
-                         : QStringLiteral("the same channel of field %1").arg(field.name)));
+                     field.isEmpty() ? QStringLiteral("the same channel of the same field")
+                                     : QStringLiteral("the same channel of field %1").arg(field)));
     known = file;
+}
+
+/// The files of a channel as an image reads them.
+InputFile inputOf(const SliceFiles& files, const QString& patternOfSlices) {
+    InputFile input;
+    if (files.empty())
+        return input;
+    if (files.begin()->first.isEmpty()) {
+        input.file = files.begin()->second;
+        return input;
+    }
+    input.file = patternOfSlices;
+    for (const auto& [slice, file] : files)
+        input.sliceFiles << file;
+    return input;
 }
 
 void findProblem(Field& field, const std::vector<Channel>& channels, const Pattern& pattern) {
@@ -82,41 +99,79 @@ Pattern patternOf(const DataSetOptions& options, const std::vector<Channel>& cha
     QMap<QString, QStringList> choices;
     for (const Channel& channel : channels)
         choices[channelPlaceholder] << toQt(channel.name);
-    Pattern pattern(options.pattern, choices);
-    return pattern;
+    return Pattern(options.pattern, choices);
 }
 
 std::vector<Field> sortedIntoFields(const QStringList& files, const Pattern& pattern,
-                                    const std::vector<Channel>& channels) {
+                                    bool isProjected, const std::vector<Channel>& channels) {
     std::map<QString, std::size_t> numberOfName;
     for (const Channel& channel : channels)
         numberOfName.emplace(toQt(channel.name), numberOfName.size());
     const bool hasChannels = pattern.names().contains(channelPlaceholder);
-    std::map<QStringList, Field, NaturalOrder> fieldOfTexts;
+    std::map<QStringList, FoundField, NaturalOrder> fieldOfTexts;
     for (const QString& file : files) {
         Placeholders placeholders;
         if (!pattern.match(file, placeholders))
             continue;
         const QString channel = placeholders.take(channelPlaceholder);
-        const QStringList texts = textsOf(placeholders, pattern.names());
-        Field& field = fieldOfTexts[texts];
-        if (field.job.inputs.empty()) {
-            field.name = texts.join(QLatin1Char('/'));
-            field.placeholders = placeholders;
-            field.job.inputs.resize(channels.size());
-            field.isOneFile = !hasChannels;
+        const QString slice = isProjected ? placeholders.take(slicePlaceholder()) : QString();
+        QStringList texts; // what tells the field from the others
+        for (const QString& name : pattern.names())
+            if (placeholders.contains(name))
+                texts << placeholders[name];
+        FoundField& found = fieldOfTexts[texts];
+        if (found.files.empty()) {
+            found.field.name = texts.join(QLatin1Char('/'));
+            found.field.placeholders = placeholders;
+            found.field.isOneFile = !hasChannels;
+            found.files.resize(channels.size());
         }
         if (hasChannels)
-            setInput(field, numberOfName[channel], file);
+            setInput(found, numberOfName[channel], slice, file);
         for (std::size_t number = 0; !hasChannels && number < channels.size(); ++number)
-            setInput(field, number, file);
+            setInput(found, number, slice, file);
     }
     std::vector<Field> fields;
-    for (auto& [texts, field] : fieldOfTexts) {
-        findProblem(field, channels, pattern);
-        fields.push_back(std::move(field));
+    for (auto& [texts, found] : fieldOfTexts) {
+        Placeholders placeholders = found.field.placeholders;
+        for (std::size_t number = 0; number < channels.size(); ++number) {
+            if (hasChannels)
+                placeholders[channelPlaceholder] = toQt(channels[number].name);
+            found.field.job.inputs.push_back(
+                inputOf(found.files[number], pattern.narrowed(placeholders)));
+        }
+        findProblem(found.field, channels, pattern);
+        fields.push_back(std::move(found.field));
     }
     return fields;
+}
+
+/// The channels of the first file that matches, each with a name of its own: the one that the file
+/// has for it, or its number.
+/// @throws Error if it does not tell the dye or colour of each.
+std::vector<Channel> channelsOfFirst(const QStringList& files, const Pattern& pattern,
+                                     const DyeList& dyes) {
+    Placeholders placeholders;
+    const auto isOther = [&](const QString& file) { return !pattern.match(file, placeholders); };
+    QStringList matching = files;
+    matching.erase(std::remove_if(matching.begin(), matching.end(), isOther), matching.end());
+    if (matching.isEmpty())
+        return {};
+    const ImageFile file(*std::min_element(matching.begin(), matching.end(), NaturalOrder()));
+    std::vector<Channel> channels;
+    std::set<std::string> names;
+    for (int number = 1; number <= file.axes().channels; ++number) {
+        Channel channel;
+        if (!describeChannel(file, number, dyes, channel))
+            throw UsageError(QStringLiteral("%1 does not say the dye or colour of channel %2: give "
+                                            "--channel NAME=DYE for each, by name or number")
+                                 .arg(file.file())
+                                 .arg(number));
+        if (channel.name.empty() || !names.insert(channel.name).second)
+            channel.name = std::to_string(number);
+        channels.push_back(channel);
+    }
+    return channels;
 }
 
 /// Where each file holds its channels, those of the first one tell which are meant.
@@ -139,15 +194,19 @@ void selectChannelsOf(std::vector<Field>& fields, const std::vector<Channel>& ch
 
 } // namespace
 
-std::vector<Field> requestedFields(const DataSetOptions& options,
-                                   const std::vector<Channel>& channels) {
+std::vector<Field> requestedFields(const DataSetOptions& options, bool isProjected,
+                                   const DyeList& dyes, std::vector<Channel>& channels) {
     const Pattern pattern = patternOf(options, channels);
+    if (channels.empty() && pattern.names().contains(channelPlaceholder))
+        throw UsageError(QStringLiteral("there are no channels: give --channel NAME=DYE for each"));
     const bool isListed = !options.filesFrom.isEmpty();
     const FileNames files = isListed ? listedFiles(options.filesFrom) : pattern.files();
     if (files.notText > 0)
         printError(QStringLiteral("%1 left out, since the name is not UTF-8")
                        .arg(plural(files.notText, QStringLiteral("file"))));
-    std::vector<Field> fields = sortedIntoFields(files.names, pattern, channels);
+    if (channels.empty())
+        channels = channelsOfFirst(files.names, pattern, dyes);
+    std::vector<Field> fields = sortedIntoFields(files.names, pattern, isProjected, channels);
     selectChannelsOf(fields, channels);
     if (fields.empty()) {
         const QString reason = isListed ? pattern.whyNot(files.names) : pattern.whyNot();
@@ -193,11 +252,11 @@ void nameOutputs(std::vector<Field>& fields, const QString& outputPattern) {
         other = field.name;
     }
     for (const Field& field : fields)
-        for (const InputFile& input : field.job.inputs) {
-            const QString identity = fileId(input.file);
-            if (!input.file.isEmpty() && fieldOfOutput.contains(identity))
+        for (const QString& input : inputNames(field.job)) {
+            const QString identity = fileId(input);
+            if (!input.isEmpty() && fieldOfOutput.contains(identity))
                 throw UsageError(QStringLiteral("%1 is an input and also the output of field %2")
-                                     .arg(input.file, fieldOfOutput[identity]));
+                                     .arg(input, fieldOfOutput[identity]));
         }
 }
 
@@ -243,13 +302,12 @@ std::vector<Channel> namedChannels(const QStringList& texts,
                     QStringLiteral("the settings have no channel \"%1\"").arg(toQt(channel.name)));
             channel.levels = known->levels;
             channel.levelsBits = known->levelsBits;
+            channel.valueLimits = known->valueLimits;
             channel.gamma = known->gamma;
             channel.visible = known->visible;
         }
         channels.push_back(channel);
     }
-    if (channels.empty())
-        throw UsageError(QStringLiteral("there are no channels: give --channel NAME=DYE for each"));
     std::set<std::string> names;
     for (const Channel& channel : channels) {
         if (channel.name.empty())

@@ -24,11 +24,14 @@ struct Field {
 /// The fields that options ask for, in the natural order of their names: s2 before s10. Those with
 /// a channel missing have a problem. Prints a message if there are none, with a file that comes
 /// near, and how many files were left out since their names are not UTF-8.
-/// @param channels  With names.
+/// @param isProjected  Whether files that differ in `{z}` alone are z-slices of one field.
+/// @param channels     With names. Where there are none, and the pattern has no `{channel}`, they
+///                     become those that the first file tells.
 /// @throws UsageError if pattern and channels do not fit, or two files are one channel of one
-///         field; Error if the list of files cannot be read.
-std::vector<Field> requestedFields(const DataSetOptions& options,
-                                   const std::vector<Channel>& channels);
+///         field; Error if the list of files cannot be read, or the first file does not tell its
+///         channels.
+std::vector<Field> requestedFields(const DataSetOptions& options, bool isProjected,
+                                   const DyeList& dyes, std::vector<Channel>& channels);
 
 /// The names of all images that are read.
 QStringList inputNames(const std::vector<Field>& fields);
@@ -51,8 +54,8 @@ std::vector<Field> shardOf(const std::vector<Field>& fields, const QString& shar
 Channel parseNamedChannel(const QString& text, const DyeList& dyes);
 
 /// The channels of a data set: those named on the command line, those of the settings, or those of
-/// the settings that are named.
-/// @throws UsageError if there are none, two have one name, or one is not in the settings.
+/// the settings that are named; none if nobody names any.
+/// @throws UsageError if two have one name, or one is not in the settings.
 std::vector<Channel> namedChannels(const QStringList& texts,
                                    const std::optional<Settings>& settings, const DyeList& dyes);
 

@@ -1,14 +1,17 @@
 // lumetra dye: one image in the colour of a dye.
 
 #include "apps/cli/commands.h"
-#include "apps/cli/figure.h"
 #include "apps/cli/file_renderer.h"
 #include "apps/cli/fonts.h"
 #include "apps/cli/print.h"
 #include "apps/cli/signals.h"
+#include "apps/cli/slice_files.h"
 #include "apps/common/channel_spec.h"
+#include "apps/common/command_line.h"
 #include "apps/common/error.h"
 #include "apps/common/image_size.h"
+#include "apps/common/messages.h"
+#include "apps/common/text.h"
 #include "imageio/output_conflicts.h"
 #include "render/image_colouring.h"
 
@@ -25,23 +28,36 @@ int dyeRgb(const DyeOptions& options, const ChannelFile& input, ChannelFiles& fi
     const QString& output = options.image.output.file;
     const auto fonts = fontsFor(rendering);
     checkOutput(output, {input.file}, rendering.existing);
-    cv::Mat tinted;
-    writeImages(output, rendering, files.images(), [&](int i) -> const cv::Mat& {
+    const LevelPolicy& levels = rendering.channels[0].levels;
+    if (levels.method == LevelPolicy::Method::fixed && !levels.known())
+        throw UsageError(
+            QStringLiteral("the contrast limits of an RGB image are whole numbers from "
+                           "0 to 65535, not %1")
+                .arg(toQt(levels.text())));
+    Figure tinted;
+    std::vector<ContrastLimits> limits;
+    writeImages(output, rendering, files.images(), [&](int i) -> const Figure& {
         throwIfInterrupted();
-        const auto& [channel, levels] = rendering.channels[0];
-        const cv::Mat image = stretched(files.any(0, i), levels, channel.gamma);
-        tintImage(image, channel.colour, options.dominant, tinted);
+        const Channel& channel = rendering.channels[0].channel;
+        const cv::Mat image = files.any(0, i);
+        limits = componentLimits(image, levels);
+        tintImage(stretched(image, limits, channel.gamma), channel.colour, options.dominant,
+                  tinted.image);
         finish(tinted, {channel}, rendering);
         return tinted;
     });
-    reportImage(options.image.output, sizeText(tinted));
+    reportImage(options.image.output, sizeText(tinted.image));
+    if (levels.isMeasured() && files.images() == 1 && !options.image.output.quiet)
+        printError(QStringLiteral("levels: red %1, green %2, blue %3")
+                       .arg(levelsText(limits[2]), levelsText(limits[1]), levelsText(limits[0])));
     return done;
 }
 
 } // namespace
 
 int runDye(const DyeOptions& options) {
-    const ChannelFile input = parseChannelFile(options.file, dyesWith(options.channel.customDyes));
+    ChannelFile input = parseChannelFile(options.file, dyesWith(options.channel.customDyes));
+    findSliceFiles(input);
     checkImageOutput(options.image.output.file);
     ChannelFiles files({input}, options.image.pages);
     if (files.any(0, 0).channels() > 1)

@@ -27,19 +27,26 @@ cv::Mat panelOf(Renderer& renderer, const std::vector<cv::Mat>& planes,
 
 } // namespace
 
-void finish(cv::Mat& image, const std::vector<Channel>& channels, const RenderSpec& rendering) {
+void finish(Figure& figure, const std::vector<Channel>& channels, const RenderSpec& rendering) {
+    const cv::Size size = figure.image.size();
+    const double columns = rendering.framing.columnsInPixel(size);
     Annotation annotation = rendering.annotation;
     if (annotation.scaleBar)
-        annotation.scaleBar->pixelSize *= rendering.framing.columnsInPixel(image.size());
-    frame(image, rendering.framing);
-    annotate(image, channels, annotation);
+        annotation.scaleBar->pixelSize *= columns;
+    figure.pixelSize = rendering.pixelSize;
+    if (!rendering.framing.keepsShape(size))
+        figure.pixelSize.reset();
+    else if (figure.pixelSize)
+        *figure.pixelSize *= columns;
+    frame(figure.image, rendering.framing);
+    annotate(figure.image, channels, annotation);
 }
 
 void renderFigure(Renderer& renderer, const std::vector<cv::Mat>& planes,
                   const std::vector<Channel>& channels, const RenderSpec& rendering,
-                  cv::Mat& image) {
-    renderer.render(planes, channels, image);
-    finish(image, channels, rendering);
+                  Figure& figure) {
+    renderer.render(planes, channels, figure.image);
+    finish(figure, channels, rendering);
     if (!rendering.panels)
         return;
     std::vector<cv::Mat> panels;
@@ -47,11 +54,11 @@ void renderFigure(Renderer& renderer, const std::vector<cv::Mat>& planes,
         if (channels[i].visible)
             panels.push_back(panelOf(renderer, planes, channels, i, rendering));
     if (!rendering.annotation.legend)
-        drawName(image, QStringLiteral("Merge"), {255, 255, 255});
-    panels.push_back(image);
+        drawName(figure.image, QStringLiteral("Merge"), {255, 255, 255});
+    panels.push_back(figure.image);
     cv::Mat row;
-    setInRow(panels, panelGap(image.cols), row);
-    image = row;
+    setInRow(panels, panelGap(figure.image.cols), row);
+    figure.image = row;
 }
 
 } // namespace lumetra

@@ -10,11 +10,17 @@
 
 namespace lumetra {
 
+/// An image as it is written.
+struct Figure {
+    cv::Mat image;
+    std::optional<double> pixelSize{}; ///< In µm; empty if it is not known, or no single one.
+};
+
 /// Cuts and shrinks an image, then draws onto it what is to be seen: a scale bar has its length in
-/// the pixels that are left.
+/// the pixels that are left. Sets the figure's pixel size.
 /// @param channels  Of the image, for a legend.
 /// @throws RenderError if it cannot be cut or shrunk so; Error as `annotate`.
-void finish(cv::Mat& image, const std::vector<Channel>& channels, const RenderSpec& rendering);
+void finish(Figure& figure, const std::vector<Channel>& channels, const RenderSpec& rendering);
 
 /// Renders channels to one finished image; with panels, each visible channel and then all of them,
 /// side by side. Panels have the names of their channels in place of a legend; a legend that is
@@ -23,6 +29,6 @@ void finish(cv::Mat& image, const std::vector<Channel>& channels, const RenderSp
 /// @throws RenderError as `Renderer::render`, and as `finish`.
 void renderFigure(Renderer& renderer, const std::vector<cv::Mat>& planes,
                   const std::vector<Channel>& channels, const RenderSpec& rendering,
-                  cv::Mat& image);
+                  Figure& figure);
 
 } // namespace lumetra

@@ -1,5 +1,6 @@
 #include "apps/cli/file_channels.h"
 
+#include "apps/cli/slice_files.h"
 #include "apps/common/error.h"
 #include "apps/common/text.h"
 
@@ -8,11 +9,6 @@
 
 namespace lumetra {
 namespace {
-
-Colour toColour(std::uint32_t rgb) {
-    return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8),
-            static_cast<std::uint8_t>(rgb)};
-}
 
 /// How many channels a file has where this page is meant, or none is.
 int channelCount(const ImageFile& file, const InputFile& input) {
@@ -62,10 +58,14 @@ std::vector<InputFile> channelsOf(const ImageFile& file, const InputFile& input)
 }
 
 std::vector<ChannelFile> channelFilesOf(const QString& argument, const DyeList& dyes) {
-    if (isChannelText(argument)) // the file is opened when its turn comes, so that a log has it
-        return {parseChannelFile(argument, dyes)};
-    const InputFile named = parseFile(argument);
-    const ImageFile file(named.file);
+    if (isChannelText(argument)) { // the file is opened when its turn comes, so that a log has it
+        ChannelFile channel = parseChannelFile(argument, dyes);
+        findSliceFiles(channel);
+        return {channel};
+    }
+    InputFile named = parseFile(argument);
+    findSliceFiles(named);
+    const ImageFile file(named.sliceFiles.value(0, named.file));
     const std::vector<InputFile> inputs = channelsOf(file, named);
     std::vector<ChannelFile> channels;
     for (const InputFile& input : inputs) {
@@ -81,7 +81,7 @@ std::vector<ChannelFile> channelFilesOf(const QString& argument, const DyeList& 
 }
 
 void selectChannels(std::vector<InputFile>& inputs, const std::vector<std::string>& names) {
-    const ImageFile file(inputs.front().file);
+    const ImageFile file(inputs.front().sliceFiles.value(0, inputs.front().file));
     const int count = file.axes().channels;
     if (count == 1 && inputs.size() == 1)
         return;

@@ -1,6 +1,6 @@
 #include "apps/cli/file_renderer.h"
 
-#include "apps/cli/figure.h"
+#include "apps/cli/channel_levels.h"
 #include "apps/cli/signals.h"
 #include "apps/common/error.h"
 #include "apps/common/image_size.h"
@@ -28,77 +28,26 @@ namespace {
 
 } // namespace
 
-/// Values that had to be brought to 16 bits are so under the limits that the user gave, if any.
-void FileRenderer::convert(ChannelFiles& files) {
-    for (std::size_t number = 0; number < rendering_.channels.size(); ++number) {
-        const LevelPolicy& policy = rendering_.channels[number].levels;
-        const auto& range = files.convertedRange(number);
-        if (!range)
-            continue;
-        const QString& name = files.file(number).file();
-        if (policy.method == LevelPolicy::Method::none)
-            throw Error(QStringLiteral("%1: has values that are neither 8- nor 16-bit unsigned: "
-                                       "give contrast limits (--levels)")
-                            .arg(name));
-        if (range->notFinite > 0)
-            printError(QStringLiteral("%1: %2 that are infinite or not a number are shown as black")
-                           .arg(name, plural(range->notFinite, QStringLiteral("pixel value"))));
-        if (!policy.known())
-            continue;
-        files.setRange(number, *policy.known());
-        if (files.images() == 1)
-            planes_[number] = files.gray(number, 0);
-    }
-}
-
-std::vector<Channel> FileRenderer::channelsWithLevels(ChannelFiles& files) {
+std::vector<Channel> FileRenderer::channelsWithLimits(ChannelFiles& files) {
     std::vector<Channel> channels;
-    for (std::size_t number = 0; number < rendering_.channels.size(); ++number) {
-        const auto& [channel, policy] = rendering_.channels[number];
-        Histogram histogram;
-        // The planes of a single image are there already.
-        for (int i = 0; policy.isMeasured() && i < files.images(); ++i) {
-            throwIfInterrupted();
-            histogram.add(files.images() == 1 ? planes_[number] : files.gray(number, i));
-        }
-        channels.push_back(channel);
-        const bool isConverted = files.convertedRange(number) && policy.known();
-        channels.back().levels =
-            isConverted ? ContrastLimits{0, 65535} : levelsOf(histogram, policy);
-        if (policy.isMeasured())
-            channels.back().levelsBits = histogram.bitDepth();
-    }
+    for (std::size_t number = 0; number < rendering_.channels.size(); ++number)
+        channels.push_back(channelWithLimits(files, number, rendering_.channels[number],
+                                             planes_[number], rendering_.settings));
     return channels;
-}
-
-/// Reads the planes of an image, and refuses those that limits of settings would not fit.
-void FileRenderer::readPlanes(ChannelFiles& files, int image, const RenderJob& job) {
-    files.planes(image, planes_);
-    for (std::size_t i = 0; i < planes_.size(); ++i) {
-        const auto& [channel, policy] = rendering_.channels[i];
-        const int bits = planes_[i].depth() == CV_8U ? 8 : 16;
-        if (policy.method == LevelPolicy::Method::fixed && channel.levelsBits > 0 &&
-            channel.levelsBits != bits)
-            throw Error(QStringLiteral("%1 has %2 bits, and the contrast limits of channel %3 in "
-                                       "%4 were measured at %5 bits; give --levels")
-                            .arg(job.inputs[i].file, QString::number(bits), QString::number(i + 1),
-                                 rendering_.settings, QString::number(channel.levelsBits)));
-    }
 }
 
 RenderedFile FileRenderer::render(const RenderJob& job) {
     checkOutput(job.output, inputNames(job), rendering_.existing);
     ChannelFiles files(job.inputs, rendering_.pages);
-    readPlanes(files, 0, job);
-    convert(files);
-    const std::vector<Channel> channels = channelsWithLevels(files);
+    files.planes(0, planes_);
+    const std::vector<Channel> channels = channelsWithLimits(files);
     const RenderSpec rendering = withPixelSize(rendering_, files.file(0));
     try {
-        const auto draw = [&](int i) -> const cv::Mat& {
+        const auto draw = [&](int i) -> const Figure& {
             if (files.images() > 1)
-                readPlanes(files, i, job);
-            renderFigure(renderer_, planes_, channels, rendering, image_);
-            return image_;
+                files.planes(i, planes_);
+            renderFigure(renderer_, planes_, channels, rendering, figure_);
+            return figure_;
         };
         writeImages(job.output, rendering, files.images(), draw);
     } catch (...) {
@@ -106,7 +55,7 @@ RenderedFile FileRenderer::render(const RenderJob& job) {
         throw;
     }
     planes_.clear();
-    return {sizeText(image_), channels};
+    return {sizeText(figure_.image), channels};
 }
 
 RenderSpec withPixelSize(RenderSpec rendering, const ImageFile& file) {
@@ -118,22 +67,24 @@ RenderSpec withPixelSize(RenderSpec rendering, const ImageFile& file) {
             QStringLiteral("%1: does not say its pixel size; give --pixel-size").arg(file.file()));
     if (bar)
         bar->pixelSize = *rendering.pixelSize;
-    if (rendering.framing.size) // whose pixels are larger
-        rendering.pixelSize.reset();
     return rendering;
+}
+
+QStringList inputNames(const InputFile& input) {
+    return input.sliceFiles.isEmpty() ? QStringList{input.file} : input.sliceFiles;
 }
 
 QStringList inputNames(const RenderJob& job) {
     QStringList names;
     for (const InputFile& input : job.inputs)
-        names << input.file;
+        names << inputNames(input);
     return names;
 }
 
 void writeImages(const QString& output, const RenderSpec& rendering, int count,
-                 const std::function<const cv::Mat&(int)>& draw) {
+                 const std::function<const Figure&(int)>& draw) {
     QDir().mkpath(QFileInfo(output).path()); // what goes wrong, writing tells
-    const auto drawn = [&](int i) -> const cv::Mat& {
+    const auto drawn = [&](int i) -> const Figure& {
         try {
             return draw(i);
         } catch (const cv::Exception&) {
@@ -143,9 +94,9 @@ void writeImages(const QString& output, const RenderSpec& rendering, int count,
         }
     };
     if (count == 1) {
-        const cv::Mat& image = drawn(0);
+        const Figure& figure = drawn(0);
         throwIfInterrupted();
-        return writeImage(output, image, rendering.existing, rendering.pixelSize);
+        return writeImage(output, figure.image, rendering.existing, figure.pixelSize);
     }
     if (outputFormat(output) != OutputFormat::tiff)
         throw Error(QStringLiteral("%1: a stack of %2 pages is written as .tif or .tiff")
@@ -153,14 +104,14 @@ void writeImages(const QString& output, const RenderSpec& rendering, int count,
                         .arg(count));
     std::unique_ptr<TiffWriter> writer;
     for (int i = 0; i < count; ++i) {
-        const cv::Mat& page = drawn(i);
+        const Figure& page = drawn(i);
         if (!writer)
             writer = std::make_unique<TiffWriter>(output, rendering.existing,
-                                                  page.total() * page.elemSize() *
+                                                  page.image.total() * page.image.elemSize() *
                                                       static_cast<std::size_t>(count),
-                                                  rendering.pixelSize);
+                                                  page.pixelSize);
         throwIfInterrupted();
-        writer->add(page);
+        writer->add(page.image);
     }
     throwIfInterrupted();
     writer->commit();

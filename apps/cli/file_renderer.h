@@ -2,6 +2,7 @@
 #pragma once
 
 #include "apps/cli/channel_files.h"
+#include "apps/cli/figure.h"
 #include "apps/cli/render_spec.h"
 #include "render/renderer.h"
 
@@ -37,17 +38,16 @@ public:
     RenderedFile render(const RenderJob& job);
 
 private:
-    void convert(ChannelFiles& files);
-    std::vector<Channel> channelsWithLevels(ChannelFiles& files);
-    void readPlanes(ChannelFiles& files, int image, const RenderJob& job);
+    std::vector<Channel> channelsWithLimits(ChannelFiles& files);
 
     const RenderSpec& rendering_;
     Renderer renderer_;
     std::vector<cv::Mat> planes_;
-    cv::Mat image_;
+    Figure figure_;
 };
 
 /// The names of the files that are read.
+QStringList inputNames(const InputFile& input);
 QStringList inputNames(const RenderJob& job);
 
 /// How images of a file are rendered, whose pixel size counts where the user gave none.
@@ -58,6 +58,6 @@ RenderSpec withPixelSize(RenderSpec rendering, const ImageFile& file);
 /// folder.
 /// @throws Error with the file's name; Interrupted.
 void writeImages(const QString& output, const RenderSpec& rendering, int count,
-                 const std::function<const cv::Mat&(int)>& draw);
+                 const std::function<const Figure&(int)>& draw);
 
 } // namespace lumetra

@@ -1,5 +1,7 @@
 #include "apps/cli/gallery.h"
 
+#include "apps/cli/channel_levels.h"
+
 #include "apps/common/annotation.h"
 #include "apps/common/error.h"
 #include "apps/common/text.h"
@@ -57,12 +59,12 @@ void sortByName(std::vector<Tile>& tiles) {
     });
 }
 
-QString levelsText(const Channel& channel, const QString& method) {
+QString limitsText(const Channel& channel, const QString& method) {
     QString text = QStringLiteral("pixel values as they are");
-    if (channel.levels)
-        text = QStringLiteral("contrast limits %1 to %2")
-                   .arg(channel.levels->low)
-                   .arg(channel.levels->high);
+    if (const QString limits = levelsText(channel); !limits.isEmpty())
+        text =
+            QStringLiteral("contrast limits %1 to %2")
+                .arg(limits.section(QLatin1Char(':'), 0, 0), limits.section(QLatin1Char(':'), 1));
     else if (isMeasuredMethod(method))
         text = QStringLiteral("contrast limits of each image (%1)").arg(method);
     if (channel.gamma != 1)
@@ -75,7 +77,7 @@ std::vector<Channel> withoutMeasuredLevels(const LoggedImage& image) {
     std::vector<Channel> channels = image.channels;
     for (std::size_t i = 0; i < channels.size(); ++i)
         if (isMeasuredMethod(image.methods.value(static_cast<int>(i))))
-            channels[i].levels.reset();
+            channels[i].levels.reset(), channels[i].valueLimits.reset();
     return channels;
 }
 
@@ -136,7 +138,7 @@ std::vector<LegendEntry> legendOf(const std::vector<Channel>& channels,
     legend.reserve(channels.size());
     for (const Channel& channel : channels) {
         legend.push_back({toQt(channel.name), channelLabel(channel), channel.colour,
-                          levelsText(channel, methods.value(static_cast<int>(legend.size())))});
+                          limitsText(channel, methods.value(static_cast<int>(legend.size())))});
     }
     return legend;
 }

@@ -23,9 +23,11 @@ QString methodText(const std::vector<ChannelSpec>& channels) {
 Settings settingsWith(const std::vector<ChannelSpec>& channels, const DataSetLevels& measured) {
     Settings settings;
     for (std::size_t i = 0; i < channels.size(); ++i) {
-        settings.channels.push_back(channels[i].channel);
-        settings.channels[i].levels = levelsOf(measured.histograms[i], channels[i].levels);
-        settings.channels[i].levelsBits = measured.histograms[i].bitDepth();
+        const ChannelValues& values = measured.channels[i];
+        Channel channel = channels[i].channel;
+        setLimits(channel, settledLevels(channels[i].levels, values), values);
+        channel.levelsBits = values.range ? 0 : values.histogram.bitDepth();
+        settings.channels.push_back(channel);
     }
     settings.measured = Measurement{methodText(channels), measured.files};
     return settings;
@@ -36,14 +38,16 @@ Settings settingsWith(const std::vector<ChannelSpec>& channels, const DataSetLev
 int runLevels(const LevelsOptions& options) {
     DataSetOptions dataSet = options.dataSet;
     usePatternOfFolder(dataSet, options.output.quiet);
-    const std::vector<Channel> channels =
-        namedChannels(options.dataSet.channels, std::nullopt, dyesWith(options.customDyes));
-    const std::vector<ChannelSpec> shown = channelSpecs(channels, options.contrast, {}, false);
+    const DyeList dyes = dyesWith(options.customDyes);
+    std::vector<Channel> channels = namedChannels(options.dataSet.channels, std::nullopt, dyes);
+    static_cast<void>(channelSpecs(channels, options.contrast, {}, false)); // before any work
     const QString& output = options.output.file;
     checkOutput(output, {}, existingOf(options.output));
-    std::vector<Field> fields = requestedFields(dataSet, channels);
+    const bool isProjected = options.pages.project.has_value();
+    std::vector<Field> fields = requestedFields(dataSet, isProjected, dyes, channels);
     if (fields.empty())
         return nothingMatched;
+    const std::vector<ChannelSpec> shown = channelSpecs(channels, options.contrast, {}, false);
     checkOutputConflicts({output, options.dataSet.progress},
                          inputNames(fields) << options.customDyes << options.dataSet.filesFrom);
 

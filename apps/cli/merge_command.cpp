@@ -5,6 +5,7 @@
 #include "apps/cli/fonts.h"
 #include "apps/cli/print.h"
 #include "apps/cli/render_field.h"
+#include "apps/cli/slice_files.h"
 #include "apps/common/error.h"
 #include "imageio/file_error.h"
 #include "imageio/output_conflicts.h"
@@ -18,7 +19,7 @@ namespace {
 /// turn comes.
 std::vector<InputFile> channelsIfReadable(const InputFile& input) {
     try {
-        return channelsOf(ImageFile(input.file), input);
+        return channelsOf(ImageFile(input.sliceFiles.value(0, input.file)), input);
     } catch (const FileError&) {
         return {input};
     }
@@ -34,7 +35,9 @@ std::vector<ChannelFile> channelFiles(const QStringList& arguments,
     for (const QString& argument : arguments) {
         const bool named = isChannelText(argument);
         if (settings && !named) {
-            for (const InputFile& channel : channelsIfReadable(parseFile(argument)))
+            InputFile input = parseFile(argument);
+            findSliceFiles(input);
+            for (const InputFile& channel : channelsIfReadable(input))
                 files.push_back({channel, {}});
         } else {
             for (const ChannelFile& channel : channelFilesOf(argument, dyes))

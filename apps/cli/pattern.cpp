@@ -222,6 +222,20 @@ QString Pattern::partlyFilled(const Placeholders& placeholders) const {
     return name;
 }
 
+QString Pattern::narrowed(const Placeholders& placeholders) const {
+    QString pattern;
+    for (const Piece& piece : pieces_) {
+        if (!piece.isPlaceholder || !placeholders.contains(piece.text)) {
+            pattern += piece.source;
+            continue;
+        }
+        QString text = placeholders[piece.text];
+        text.replace(QLatin1Char('{'), QLatin1String("{{"));
+        pattern += text.replace(QLatin1Char('}'), QLatin1String("}}"));
+    }
+    return pattern;
+}
+
 void Pattern::addFile(const QString& path, FileNames& found) const {
     Placeholders placeholders;
     if (match(path, placeholders))

@@ -50,6 +50,9 @@ public:
     /// The name with these texts where they are there, and the placeholders elsewhere.
     QString partlyFilled(const Placeholders& placeholders) const;
 
+    /// The pattern of the names that have these texts.
+    QString narrowed(const Placeholders& placeholders) const;
+
     /// All files that are there and match, each once, in no order. Each folder is listed once.
     FileNames files() const;
 

@@ -1,8 +1,8 @@
 #include "apps/cli/print.h"
 
+#include "apps/cli/channel_levels.h"
 #include "apps/cli/options.h"
 #include "apps/common/annotation.h"
-#include "apps/common/command_line.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "imageio/atomic_file.h"
@@ -33,10 +33,9 @@ QString currentErrorText() {
 void reportLevels(const OutputOptions& output, const std::vector<Channel>& channels) {
     QStringList texts;
     for (std::size_t i = 0; i < channels.size(); ++i)
-        if (const auto& limits = channels[i].levels)
+        if (const QString limits = levelsText(channels[i]); !limits.isEmpty())
             texts << QStringLiteral("%1 %2 %3")
-                         .arg(QString::number(i + 1), channelLabel(channels[i]),
-                              levelsText(*limits));
+                         .arg(QString::number(i + 1), channelLabel(channels[i]), limits);
     if (!output.quiet && !texts.isEmpty())
         printError(QStringLiteral("levels: ") + texts.join(QStringLiteral(", ")));
 }

@@ -96,6 +96,13 @@ void Progress::writeFile(const char* state) {
     file_.flush();
 }
 
+void Progress::restart() {
+    const std::lock_guard lock(mutex_);
+    done_ = failed_ = 0;
+    timer_.restart();
+    shownAt_ = 0;
+}
+
 void Progress::fieldDone() {
     const std::lock_guard lock(mutex_);
     ++done_;

@@ -24,6 +24,9 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    /// Starts anew, for another pass over the same fields.
+    void restart();
+
     void fieldDone();
 
     void fieldFailed();

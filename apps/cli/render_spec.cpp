@@ -30,6 +30,8 @@ void requireOneOrEach(const Values& values, std::size_t channels, const char* op
 }
 
 LevelPolicy ownLevels(const Channel& channel) {
+    if (channel.valueLimits)
+        return LevelPolicy::fixedTo(*channel.valueLimits);
     return channel.levels ? LevelPolicy::fixedTo(*channel.levels)
                           : LevelPolicy{LevelPolicy::Method::none, 0, {}};
 }
@@ -110,6 +112,7 @@ std::vector<ChannelSpec> channelSpecs(const std::vector<Channel>& channels,
         if (!contrast.levels.isEmpty()) {
             one.levels = parsed(valueOf(contrast.levels, i), parseLevelPolicy);
             one.channel.levelsBits = 0; // the user's limits are for whatever the file holds
+            one.channel.valueLimits.reset();
         } else if (fromSettings)
             one.levels = ownLevels(one.channel);
         if (one.levels.method == LevelPolicy::Method::none && one.channel.gamma != 1)

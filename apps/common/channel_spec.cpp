@@ -107,8 +107,8 @@ ChannelFile parseFile(const QString& text) {
         QRegularExpression::DotMatchesEverythingOption);
     const auto match = form.match(text);
     if (!match.hasMatch() || QFileInfo::exists(text))
-        return {{text, 0, {}, {}, {}}, {}};
-    ChannelFile result{{match.captured(1), 0, {}, {}, {}}, {}};
+        return {{text, 0, {}, {}, {}, {}}, {}};
+    ChannelFile result{{match.captured(1), 0, {}, {}, {}, {}}, {}};
     const QString selector = match.captured(2);
     if (selector[0].isDigit()) {
         result.page = counted(text, selector);

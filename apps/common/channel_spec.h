@@ -5,6 +5,7 @@
 #include "render/dyes.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace lumetra {
 
@@ -17,9 +18,10 @@ struct AxisRange {
 
 /// A file, one page of it, or some of its channels, z-slices and time points.
 struct InputFile {
-    QString file;
+    QString file; ///< Or the pattern of its z-slices, `cells_z{z}.tif`, that `sliceFiles` are of.
     int page = 0; ///< Counted from 1; 0 where none was named.
     AxisRange channels{}, slices{}, frames{};
+    QStringList sliceFiles{}; ///< The files of z-slices in their order, where each has its own.
 };
 
 /// A file as one channel of an image.

@@ -27,7 +27,9 @@ QJsonObject toObject(const Channel& channel) {
         object["name"] = toQt(channel.name);
     if (channel.blend != Blend::add)
         object["blend"] = toQt(blendText(channel.blend));
-    if (channel.levels) {
+    if (channel.valueLimits) {
+        object["range"] = QJsonArray{channel.valueLimits->low, channel.valueLimits->high};
+    } else if (channel.levels) {
         object["levels"] = QJsonArray{channel.levels->low, channel.levels->high};
         if (channel.levelsBits > 0)
             object["bits"] = channel.levelsBits;
@@ -65,6 +67,14 @@ struct Entry {
             refuse(QStringLiteral("a list of two numbers"));
         return {Entry{where, array[0]}.integer(least, most),
                 Entry{where, array[1]}.integer(least, most)};
+    }
+    ValueLimits range() const {
+        constexpr double none = std::numeric_limits<double>::quiet_NaN();
+        const QJsonArray array = value.toArray();
+        const ValueLimits limits{array[0].toDouble(none), array[1].toDouble(none)};
+        if (array.size() != 2 || !(limits.low < limits.high))
+            refuse(QStringLiteral("a list of two numbers, the smaller one first"));
+        return limits;
     }
     Colour colour() const {
         const auto parsed = parseHex(toUtf8(string()));
@@ -127,6 +137,8 @@ Channel toChannel(const QJsonValue& value, int number, const DyeList& dyes) {
                 entry.twoIntegers(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
         else if (key == QLatin1String("levels"))
             channel.levels = entry.levels();
+        else if (key == QLatin1String("range"))
+            channel.valueLimits = entry.range(), channel.levels = ContrastLimits{0, 65535};
         else if (key == QLatin1String("bits"))
             channel.levelsBits = entry.bitDepth();
         else if (key == QLatin1String("gamma"))

@@ -15,6 +15,12 @@ inline QString toQt(const std::string& text) { return QString::fromStdString(tex
 inline QString toQt(const char* text) { return QString::fromUtf8(text); }
 inline std::string toUtf8(const QString& text) { return text.toStdString(); }
 
+/// The colour 0xRRGGBB.
+inline Colour toColour(std::uint32_t rgb) {
+    return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8),
+            static_cast<std::uint8_t>(rgb)};
+}
+
 inline QColor toQt(Colour colour) { return {colour.red, colour.green, colour.blue}; }
 inline Colour toColour(const QColor& colour) {
     return {static_cast<std::uint8_t>(colour.red()), static_cast<std::uint8_t>(colour.green()),

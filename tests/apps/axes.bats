@@ -74,6 +74,62 @@ levels=(--levels 500:50000)
   [[ $stderr == *"1 pixel value that"* ]]
 }
 
+@test "limits of floats are numbers with decimals, and the same for a whole data set" {
+  lumetra merge float.tif=DAPI -o measured.png --levels clip:1 --log log.jsonl 2>said.txt
+  [[ $(cat said.txt) =~ "1 DAPI "([0-9.]+:[0-9.]+) ]]
+  lumetra merge float.tif=DAPI -o given.png --levels "${BASH_REMATCH[1]}" --quiet
+  cmp measured.png given.png
+  grep -q "\"range\":\[${BASH_REMATCH[1]/:/,}\]" log.jsonl
+  lumetra pseudo float.tif -o pseudo.png --levels -1000:1000 --quiet # 0.1 to 60: about the middle
+  [[ $(lumetra info pseudo.png) == *"pixel values 31 to 152"* ]]
+  fails 1 "has 16 bits: its contrast limits are whole numbers" lumetra merge int.tif=DAPI -o x.png --levels 0.5:3
+
+  for kind in int float; do
+    lumetra batch "plate-${kind}_{field}.tif" --channel a=DAPI -o "$kind/{field}.png" --quiet --levels clip:2
+    lumetra levels "plate-${kind}_{field}.tif" --channel a=DAPI -o $kind.json --quiet --levels clip:2
+    lumetra batch "plate-${kind}_{field}.tif" --settings $kind.json -o "$kind-set/{field}.png" --quiet
+    diff -r $kind $kind-set
+  done
+  /usr/bin/python3 -c 'import json
+low, high = json.load(open("int.json"))["channels"][0]["levels"]
+limits = json.load(open("float.json"))["channels"][0]["range"]
+step = 65535 / 10 / 65535 * 4  # of 16 bits over the whole range, and the rounding of limits
+assert abs(limits[0] - (low / 4 - 100)) < step and abs(limits[1] - (high / 4 - 100)) < step, limits'
+  lumetra merge plate-float_dark.tif=DAPI -o dark.png --quiet \
+    --levels "$(/usr/bin/python3 -c 'import json; print(*json.load(open("float.json"))["channels"][0]["range"], sep=":")')"
+  cmp dark.png float/dark.png
+  fails 1 "were measured of values of another type" lumetra merge int.tif -o x.png --settings float.json
+  fails 1 "were measured at 16 bits" lumetra merge float.tif -o x.png --settings int.json
+}
+
+@test "z-slices with files of their own are projected, in a batch and by name" {
+  for t in 1 2; do
+    lumetra merge t${t}_c1.tif=DAPI t${t}_c2.tif=FITC+3-2 -o "pages/t$t.png" --project mean --quiet
+    lumetra merge "slice_t${t}_c1_z{z}.tif=DAPI" "slice_t${t}_c2_z{z}.tif=FITC+3-2" -o "named/t$t.png" --project mean --quiet
+  done
+  diff -r pages named
+  channels="--channel c1=DAPI --channel c2=FITC+3-2 --levels-over field --quiet --project mean"
+  lumetra batch 'slice_{t}_{channel}_z{z:#}.tif' $channels -o 'out/{t}.png' --log log.jsonl
+  diff -r pages out
+  [ "$(grep -o slice_t1_c1_z log.jsonl | wc -l)" = 3 ]
+  lumetra batch 'slice_{t}_{channel}_z{z:#}.tif' $channels -o 'lines/{t}.png' --dry-run >lines.sh
+  bash lines.sh
+  diff -r pages lines
+  fails 2 "stands for z-slices in 3 files: give --project" lumetra merge 'slice_t1_c1_z{z}.tif=DAPI' -o x.png
+  fails 1 "no file matches none_z{z}.tif" lumetra merge 'none_z{z}.tif=DAPI' -o x.png --project max
+  # A slice that comes later is part of the image.
+  cp slice_t1_c1_z2.tif slice_t1_c1_z11.tif
+  run --separate-stderr lumetra batch 'slice_{t}_{channel}_z{z:#}.tif' ${channels/--quiet/} -o 'out/{t}.png' --log log.jsonl --resume
+  [[ $stderr == *"1 skipped"* ]]
+}
+
+@test "the LUT that a file has is its palette" {
+  lumetra pseudo palette.tif --lut own -o own.tif --quiet
+  lumetra dye palette-rgb.tif=#ffffff --levels none -o rgb.tif --quiet
+  cmp own.tif rgb.tif
+  fails 1 "no LUT of its own" lumetra pseudo int.tif --lut own -o x.png
+}
+
 @test "a plate of files that hold their channels gives what one of single files does" {
   mkdir files stacks
   for t in 1 2; do
@@ -87,5 +143,12 @@ levels=(--levels 500:50000)
   diff -r out1 out2
   lumetra batch 'stacks/{field}.ome.tif' --channel DAPI=DAPI --channel FITC=FITC+3-2 --pixel-size 1 --quiet -o 'out3/{field}.png'
   diff -r out1 out3
-  fails 1 'none of them "Cy5"' lumetra batch 'stacks/{field}.ome.tif' --channel Cy5=Cy5 -o 'out4/{field}.png'
+  for t in 1 2; do cp both-ij_t$t.tif stacks/f$t.ij.tif; done
+  lumetra batch 'stacks/{field}.ij.tif' $channels -o 'out4/{field}.png'
+  diff -r out1 out4
+  # Their own channels, with nothing said.
+  lumetra batch 'stacks/{field}.ome.tif' --pixel-size 1 --quiet -o 'out5/{field}.png'
+  lumetra batch 'files/{field}_{channel}.tif' --channel 1=DAPI --channel 2=FITC --pixel-size 1 --quiet -o 'out6/{field}.png'
+  diff -r out5 out6
+  fails 1 'none of them "Cy5"' lumetra batch 'stacks/{field}.ome.tif' --channel Cy5=Cy5 -o 'out7/{field}.png'
 }

@@ -93,7 +93,8 @@ load setup.bash
   fails 2 "has an unmatched brace" lumetra batch 'plate/{field' --channel a=DAPI -o '{field}.png'
   fails 1 'none of them "a"' lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel b=FITC -o '{field}.png'
   fails 2 "channel \"a\" is given twice" lumetra batch 'plate/{field}.tif' --channel a=DAPI --channel a=FITC -o '{field}.png'
-  fails 2 "no channels" lumetra batch 'plate/{field}.tif' -o '{field}.png'
+  fails 2 "no channels" lumetra batch 'plate/{field}_{channel}.tif' -o '{field}.png'
+  fails 2 "f00_actin.tif does not say the dye or colour of channel 1" lumetra batch 'plate/{field}.tif' -o '{field}.png'
   fails 2 "is an input and also the output" lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI -o 'plate/{field}_dapi.tif' --overwrite --quiet
   for option in --log --progress; do
     fails 1 "plate/f03_dapi.tif: is also an input" plate -o '{field}.png' --quiet $option plate/f03_dapi.tif

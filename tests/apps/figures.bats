@@ -73,10 +73,13 @@ has_size() {
 }
 
 @test "a scale bar has its length in the pixels that are left" {
-  lumetra dye colour.png=#ffffff --levels none --crop 0,0,60,48 --resize 30x48 -o tiny.png
-  lumetra dye colour.png=#ffffff --levels none --crop 0,0,60,48 --resize 30x48 -o bar.png --scale-bar 8 --pixel-size 1
+  lumetra dye colour.png=#ffffff --levels none --crop 0,0,60,48 --resize 50% -o tiny.png
+  lumetra dye colour.png=#ffffff --levels none --crop 0,0,60,48 --resize 30x24 -o bar.png --scale-bar 8 --pixel-size 1
   lumetra dye tiny.png=#ffffff --levels none --resize 100% -o expected.png --scale-bar 8 --pixel-size 2
-  cmp bar.png expected.png
+  cmp bar.png expected.png # the pixel size included
+  [[ $(lumetra info bar.png) == *"2 µm per pixel"* ]]
+  lumetra dye colour.png=#ffffff --levels none --resize 20x48 -o narrow.png --pixel-size 1
+  [[ $(lumetra info narrow.png) != *"per pixel"* ]]
   fails 1 "would be 8 pixels long in an image 16" lumetra dye a.tif=DAPI -o x.png --resize 25% --scale-bar 32 --pixel-size 1
 }
 

@@ -122,10 +122,14 @@ TEST(LevelPolicy, IsUnderstood) {
     };
     for (const Case& c :
          {Case{"auto", "auto"}, Case{"clip:0", "auto"}, Case{"clip:0.5", "clip:0.5"},
-          Case{"7:65535", "7:65535"}, Case{"none", "none"}})
+          Case{"7:65535", "7:65535"}, Case{"-0.25:1e-3", "-0.25:0.001"},
+          Case{"0:100000", "0:100000"}, Case{"none", "none"}})
         EXPECT_EQ(parseLevelPolicy(c.written).text(), c.text);
+    EXPECT_EQ(parseLevelPolicy("7:65535").known(), (ContrastLimits{7, 65535}));
+    for (const char* text : {"auto", "none", "0:65536", "-1:5", "0.5:2"})
+        EXPECT_FALSE(parseLevelPolicy(text).known()) << text;
     for (const char* text : {"", "clip", "clip:50", "clip:-1", "clip:nan", "clip:x", "5:5", "9:3",
-                             "0:65536", ":", "1:2:3", "-1:5", "AUTO"})
+                             ":", "1:2:3", "1:inf", "nan:1", "AUTO"})
         EXPECT_THROW(parseLevelPolicy(text), RenderError) << text;
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 namespace lumetra {
 namespace {
@@ -39,6 +40,29 @@ cv::Mat plainProjection(ProjectionMethod method, const std::vector<cv::Mat>& pla
                 result.at<ushort>(y, x) = static_cast<ushort>(value);
         }
     return result;
+}
+
+TEST(Projection, OfFloatsIsNeitherRoundedNorClamped) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const int type : {CV_32FC1, CV_64FC1}) {
+        std::vector<cv::Mat> planes;
+        for (const auto& values : {cv::Vec3f(-5, nan, 1e6F), cv::Vec3f(-7.5F, 2, 1e6F)})
+            cv::Mat(cv::Matx13f(values[0], values[1], values[2]))
+                .convertTo(planes.emplace_back(), type);
+        const auto projected = [&](ProjectionMethod method) {
+            Projection projection(method);
+            for (const cv::Mat& plane : planes)
+                projection.add(plane);
+            cv::Mat result;
+            projection.result().convertTo(result, CV_64F);
+            return result;
+        };
+        const cv::Mat largest = projected(ProjectionMethod::max);
+        EXPECT_EQ(largest.at<double>(0), -5);
+        EXPECT_EQ(largest.at<double>(1), 2);
+        EXPECT_EQ(projected(ProjectionMethod::mean).at<double>(0), -6.25);
+        EXPECT_EQ(projected(ProjectionMethod::sum).at<double>(2), 2e6);
+    }
 }
 
 TEST(Projection, EqualsThePlainLoop) {
