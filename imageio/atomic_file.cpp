@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QUuid>
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -64,10 +65,13 @@ std::error_code moveToFreeName(const fs::path& part, const QString& target) {
     return error;
 }
 
-/// Why a device took no more. Of a write that a full disk cut short only the next one tells why.
+/// Why a device took no more. Of a write that a full disk cut short only the next one tells why,
+/// unless there is room again by then.
 QString whyFull(QFileDevice& device) {
-    device.flush();
-    return device.errorString();
+    const bool hasRoomNow = device.flush();
+    const QString unknown = QFile().errorString();
+    return hasRoomNow && device.errorString() == unknown ? qt_error_string(ENOSPC)
+                                                         : device.errorString();
 }
 
 /// Writes to an open device. What the device says of a failure tells more than what the writer

@@ -8,11 +8,13 @@
 
 namespace lumetra {
 
-/// What the private tag 33629 of an STK file says.
+/// What the private tags of an STK file say: 33629, and 33628 of the pixel size.
 struct StkPlanes {
     int count = 1;
     /// They are z-slices; else they are time points.
     bool areSlices = true;
+    /// The sides of a pixel in µm, where tag 33628 tells them.
+    std::optional<double> pixelSizeX{}, pixelSizeY{};
 };
 
 /// Nothing if the directory has no such tag.

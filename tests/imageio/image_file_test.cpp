@@ -149,6 +149,10 @@ TEST_F(ImageFiles, OfSimpleFormatsAreReadAsByOpenCv) {
     QByteArray palette = encodedByOpenCv(".bmp", testImage({45, 33}, CV_8UC1));
     palette[54 + 4 * 100] = 3; // one colour that is not gray
     expectAsOpenCv(palette, "BMP with a palette");
+    for (const int bits : {1, 4}) { // rows of 45 pixels in fewer bytes, the rest left over
+        palette[28] = static_cast<char>(bits);
+        expectAsOpenCv(palette, "BMP of " + std::to_string(bits) + " bits");
+    }
     QByteArray fromTheTop = encodedByOpenCv(".bmp", testImage({45, 33}, CV_8UC3));
     for (int i = 22; i < 26; ++i) // the height, negative
         fromTheTop[i] = static_cast<char>(i == 22 ? -33 : -1);

@@ -233,12 +233,16 @@ class Files(unittest.TestCase):
         counts = pack(f"{len(strips)}I", *(count for _, count in strips))
         uic2 = b"".join(pack("6I", distance, 1, 2450000, 1000 * i * times, 0, 0)
                         for i in range(len(array)))  # fmt: skip
-        blocks = offsets + counts + uic2
+        # 0.65 x 1.3 µm per pixel: pairs of what a number is and where, two fractions, the unit.
+        uic1_at = data + len(offsets) + len(counts) + len(uic2)
+        uic1 = pack("8I", 3, 1, 4, uic1_at + 32, 5, uic1_at + 40, 6, uic1_at + 48)
+        uic1 += pack("4I", 65, 100, 13, 10) + pack("I2s", 2, b"um")
+        blocks = offsets + counts + uic2 + uic1
         entries = [(256, 3, 1, WIDTH), (257, 3, 1, HEIGHT), (258, 3, 1, 8 * array.itemsize),
                    (259, 3, 1, 1), (262, 3, 1, 1), (273, 4, len(strips), data),
                    (277, 3, 1, 1), (278, 3, 1, rows),
                    (279, 4, len(strips), data + len(offsets)),
-                   (33629, 5, planes, data + len(offsets) + len(counts))]  # fmt: skip
+                   (33628, 4, 4, uic1_at), (33629, 5, planes, data + len(offsets) + len(counts))]  # fmt: skip
         directory = pack("H", len(entries))
         for tag, kind, count, value in entries:
             inside = pack("HH", value, 0) if kind == 3 else pack("I", value)
@@ -254,7 +258,9 @@ class Files(unittest.TestCase):
             for distance, times, axis in ((1, 0, "Z"), (1, 1, "Z"), (0, 1, "T"), (0, 0, "Z")):
                 with self.subTest(dtype=dtype, order=order, axis=axis):
                     self.write_stk(array, order, distance, times)
-                    self.assertTrue(self.expect(array, axis + "YX")["known"])
+                    told = self.expect(array, axis + "YX")
+                    self.assertTrue(told["known"])
+                    self.assertEqual(told["pixelSize"], [0.65, 1.3])
             for claimed in (6, 1000, 2**31, 2**32 - 1):
                 self.write_stk(array, order, 1, 0, claimed)
                 with self.assertRaisesRegex(AssertionError, "STK file|can be reached"):
