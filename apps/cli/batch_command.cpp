@@ -90,7 +90,7 @@ Batch prepare(const BatchOptions& options) {
     batch.fields = requestedFields(options.dataSet, channels);
     nameOutputs(batch.fields, options.image.output.file);
     for (const Field& field : batch.fields)
-        checkImageOutput(field.job.output);
+        checkImageOutput(field.job.output, options.image.output.compression);
     if (batch.fields.empty())
         return batch;
 

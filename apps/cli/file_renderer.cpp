@@ -145,7 +145,8 @@ void writeImages(const QString& output, const RenderSpec& rendering, int count,
     if (count == 1) {
         const cv::Mat& image = drawn(0);
         throwIfInterrupted();
-        return writeImage(output, image, rendering.existing, rendering.pixelSize);
+        return writeImage(output, image, rendering.existing, rendering.pixelSize,
+                          rendering.compression);
     }
     if (outputFormat(output) != OutputFormat::tiff)
         throw Error(QStringLiteral("%1: a stack of %2 pages is written as .tif or .tiff")
@@ -158,7 +159,7 @@ void writeImages(const QString& output, const RenderSpec& rendering, int count,
             writer = std::make_unique<TiffWriter>(output, rendering.existing,
                                                   page.total() * page.elemSize() *
                                                       static_cast<std::size_t>(count),
-                                                  rendering.pixelSize);
+                                                  rendering.pixelSize, rendering.compression);
         throwIfInterrupted();
         writer->add(page);
     }

@@ -48,7 +48,7 @@ std::optional<ContrastLimits> lutRange(const LevelPolicy& policy, ChannelFiles& 
 int runPseudo(const PseudoOptions& options) {
     const ChannelFile input = parseFile(options.file);
     const QString& output = options.image.output.file;
-    checkImageOutput(output);
+    checkImageOutput(output, options.image.output.compression);
     const Colormap lut = lutOf(options);
     RenderSpec rendering = renderSpec({Channel()}, options.image, {});
     const auto fonts = fontsFor(rendering);

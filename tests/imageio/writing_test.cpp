@@ -18,6 +18,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <tiffio.h>
 
 namespace lumetra {
 namespace {
@@ -49,6 +50,36 @@ TEST_F(Writing, GivesFilesThatOthersReadAsTheyWere) {
                 EXPECT_TRUE(areEqual(ImageFile(path(name)).page(1), image)) << name << type << size;
             }
         }
+}
+
+TEST_F(Writing, CompressesTiffFilesAsAsked) {
+    for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3})
+        for (const cv::Size size : {cv::Size(1, 1), cv::Size(701, 503), cv::Size(50000, 2)}) {
+            const cv::Mat image = testImage(size, type), before = image.clone();
+            for (const auto& [name, scheme] :
+                 {std::pair("none", COMPRESSION_NONE), std::pair("lzw", COMPRESSION_LZW),
+                  std::pair("deflate", COMPRESSION_ADOBE_DEFLATE),
+                  std::pair("zstd", COMPRESSION_ZSTD)}) {
+                const auto compression = tiffCompressionNamed(name);
+                ASSERT_TRUE(compression);
+                EXPECT_EQ(tiffCompressionName(*compression), name);
+                if (!TIFFIsCODECConfigured(static_cast<std::uint16_t>(scheme))) {
+                    EXPECT_THROW(writeImage(path("a.tif"), image, Existing::keep, {}, *compression),
+                                 FileError);
+                    continue;
+                }
+                writeImage(path("a.tif"), image, Existing::replace, {}, *compression);
+                EXPECT_TRUE(areEqual(ImageFile(path("a.tif")).page(1), image)) << name << size;
+                EXPECT_TRUE(areEqual(readByOpenCv(path("a.tif")), image)) << name << size;
+                TIFF* tiff = TIFFOpen(QFile::encodeName(path("a.tif")).constData(), "r");
+                std::uint16_t stored = 0;
+                TIFFGetField(tiff, TIFFTAG_COMPRESSION, &stored);
+                TIFFClose(tiff);
+                EXPECT_EQ(stored, scheme) << name;
+            }
+            EXPECT_TRUE(areEqual(image, before)); // differences are made in a copy
+        }
+    EXPECT_FALSE(tiffCompressionNamed("LZW"));
 }
 
 TEST_F(Writing, TakesNamesOfAllLettersAndLengths) {
