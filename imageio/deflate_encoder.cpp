@@ -81,12 +81,12 @@ struct Symbol {
     unsigned symbol, extra, extraCount;
 };
 
-/// The length of a match, 3 to 258 (RFC 1951, section 3.2.5).
+/// The length of a match of at least seven bytes (RFC 1951, section 3.2.5).
 Symbol lengthSymbol(unsigned length) {
     if (length == longestRun)
         return {symbolCount - 1, 0, 0};
-    const unsigned above = length - 3; // from 8 on its three highest bits are in the symbol
-    const unsigned extraCount = above < 8 ? 0 : 29 - qCountLeadingZeroBits(above);
+    const unsigned above = length - 3; // whose three highest bits are in the symbol
+    const unsigned extraCount = 29 - qCountLeadingZeroBits(above);
     return {firstLength + 4 * extraCount + (above >> extraCount), above & ((1U << extraCount) - 1),
             extraCount};
 }

@@ -72,10 +72,12 @@ TEST_F(Writing, CompressesTiffFilesAsAsked) {
                 EXPECT_TRUE(areEqual(ImageFile(path("a.tif")).page(1), image)) << name << size;
                 EXPECT_TRUE(areEqual(readByOpenCv(path("a.tif")), image)) << name << size;
                 TIFF* tiff = TIFFOpen(QFile::encodeName(path("a.tif")).constData(), "r");
-                std::uint16_t stored = 0;
+                std::uint16_t stored = 0, predictor = PREDICTOR_NONE;
                 TIFFGetField(tiff, TIFFTAG_COMPRESSION, &stored);
+                TIFFGetField(tiff, TIFFTAG_PREDICTOR, &predictor);
                 TIFFClose(tiff);
                 EXPECT_EQ(stored, scheme) << name;
+                EXPECT_EQ(predictor == PREDICTOR_HORIZONTAL, scheme != COMPRESSION_NONE) << name;
             }
             EXPECT_TRUE(areEqual(image, before)); // differences are made in a copy
         }
