@@ -231,7 +231,8 @@ TEST_F(PngFiles, OfEveryKindAndSizeAreReadAsTheyWere) {
                 image(cv::Rect(0, 0, 1, 1)) = cv::Scalar(1, 2, 3);   // a colour, not gray
                 const QByteArray bytes = encoded(image);
                 EXPECT_TRUE(areEqual(readBack(bytes), image)) << content.name << type << size;
-                const cv::Mat raw(1, bytes.size(), CV_8U, const_cast<char*>(bytes.data()));
+                const cv::Mat raw(1, static_cast<int>(bytes.size()), CV_8U,
+                                  const_cast<char*>(bytes.data()));
                 EXPECT_TRUE(areEqual(cv::imdecode(raw, cv::IMREAD_UNCHANGED), image))
                     << content.name << type << size;
                 if (size.width > 100) {
