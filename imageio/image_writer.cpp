@@ -1,7 +1,6 @@
 #include "imageio/image_writer.h"
 
 #include "imageio/jpeg_encoder.h"
-#include "imageio/output_format.h"
 #include "imageio/png_encoder.h"
 #include "imageio/tiff_writer.h"
 
@@ -10,7 +9,7 @@
 namespace lumetra {
 
 void writeImage(const QString& file, const cv::Mat& image, Existing existing,
-                std::optional<double> pixelSize) {
+                std::optional<double> pixelSize, TiffCompression compression) {
     CV_Assert(!image.empty() && (image.channels() == 1 || image.channels() == 3));
     CV_Assert(image.depth() == CV_8U || image.depth() == CV_16U);
     switch (outputFormat(file)) {
@@ -19,7 +18,7 @@ void writeImage(const QString& file, const cv::Mat& image, Existing existing,
     case OutputFormat::jpeg:
         return writeFile(file, existing, [&](QIODevice& out) { encodeJpeg(image, out); });
     case OutputFormat::tiff:
-        TiffWriter writer(file, existing, image.total() * image.elemSize(), pixelSize);
+        TiffWriter writer(file, existing, image.total() * image.elemSize(), pixelSize, compression);
         writer.add(image);
         return writer.commit();
     }

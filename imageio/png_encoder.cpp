@@ -1,81 +1,224 @@
 #include "imageio/png_encoder.h"
 
 #include "imageio/atomic_file.h"
-#include "imageio/png_guard.h"
+#include "imageio/deflate_encoder.h"
+#include "imageio/reason.h"
 
-#include <QSysInfo>
+#include <QtEndian>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
 
-#include <zlib.h>
+#include <libdeflate.h>
+
+// A PNG file (RFC 2083) is a signature and chunks: length of the content, type, content, CRC-32 of
+// the two. IHDR tells the size, pHYs the size of a pixel; IDAT chunks hold the pixels, and IEND is
+// empty.
+//
+// The content of all IDAT chunks is one zlib stream (RFC 1950): two bytes of header, a DEFLATE
+// stream, the Adler-32 of what it holds. That is row after row: the number of a filter, then the
+// filtered bytes. Filter 1, Sub, stands for each byte's difference to that of the pixel before,
+// modulo 256. Pixels are gray, or red, green and blue; values of 16 bits have the high byte first.
+//
+// Differences of pixels are small numbers, which have short codes, and 0 where nothing is.
 
 namespace lumetra {
 namespace {
 
-/// As PNG has it; 0 for none, and for what its 31 bits do not hold.
-png_uint_32 pixelsPerMetre(std::optional<double> micrometres) {
-    const double perMetre = micrometres ? std::round(1e6 / *micrometres) : 0;
-    return perMetre >= 1 && perMetre <= PNG_UINT_31_MAX ? static_cast<png_uint_32>(perMetre) : 0;
+using Bytes = std::vector<std::uint8_t>;
+
+void appendNumber(Bytes& bytes, std::uint32_t number) {
+    std::array<std::uint8_t, 4> bigEndian{};
+    qToBigEndian(number, bigEndian.data());
+    bytes.insert(bytes.end(), bigEndian.begin(), bigEndian.end());
 }
 
-class PngEncoder {
-public:
-    explicit PngEncoder(QIODevice& device)
-        : device_(device), png_(png_create_write_struct(PNG_LIBPNG_VER_STRING, &errors_,
-                                                        PngErrors::fail, PngErrors::passOver)),
-          info_(png_ ? png_create_info_struct(png_) : nullptr) {
-        if (!info_) {
-            png_destroy_write_struct(&png_, nullptr);
-            throw std::bad_alloc();
-        }
-        png_set_write_fn(
-            png_, &device_,
-            [](png_structp png, png_bytep bytes, std::size_t count) {
-                auto* to = static_cast<QIODevice*>(png_get_io_ptr(png));
-                if (!writeAll(*to, reinterpret_cast<const char*>(bytes),
-                              static_cast<qint64>(count)))
-                    png_error(png, "the file takes no more");
-            },
-            [](png_structp) {});
-    }
-    ~PngEncoder() { png_destroy_write_struct(&png_, &info_); }
-    PngEncoder(const PngEncoder&) = delete;
-    PngEncoder& operator=(const PngEncoder&) = delete;
+/// As PNG has it; 0 for none, and for what its 31 bits do not hold.
+std::uint32_t pixelsPerMetre(std::optional<double> micrometres) {
+    constexpr double most = std::numeric_limits<std::int32_t>::max();
+    const double perMetre = micrometres ? std::round(1e6 / *micrometres) : 0;
+    return perMetre >= 1 && perMetre <= most ? static_cast<std::uint32_t>(perMetre) : 0;
+}
 
-    void write(const cv::Mat& image, std::optional<double> pixelSize) {
-        guarded(png_, errors_, "cannot be written", [&] {
-            const bool isColour = image.channels() == 3;
-            png_set_filter(png_, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
-            png_set_compression_level(png_, Z_BEST_SPEED);
-            png_set_compression_strategy(png_, Z_RLE);
-            png_set_IHDR(png_, info_, static_cast<png_uint_32>(image.cols),
-                         static_cast<png_uint_32>(image.rows), image.depth() == CV_8U ? 8 : 16,
-                         isColour ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
-                         PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-            if (const auto perMetre = pixelsPerMetre(pixelSize); perMetre > 0)
-                png_set_pHYs(png_, info_, perMetre, perMetre, PNG_RESOLUTION_METER);
-            png_write_info(png_, info_);
-            if (isColour)
-                png_set_bgr(png_);
-            if (image.depth() == CV_16U && QSysInfo::ByteOrder == QSysInfo::LittleEndian)
-                png_set_swap(png_);
-            for (int y = 0; y < image.rows; ++y)
-                png_write_row(png_, image.ptr(y));
-            png_write_end(png_, info_);
-        });
+void writeOut(QIODevice& device, const Bytes& bytes) {
+    if (!writeAll(device, reinterpret_cast<const char*>(bytes.data()),
+                  static_cast<qint64>(bytes.size())))
+        throw Reason("cannot be written (the file takes no more)");
+}
+
+/// A chunk, or one after another of the same type.
+class Chunk {
+public:
+    explicit Chunk(const char* type) : bytes_(start) { std::copy_n(type, 4, bytes_.begin() + 4); }
+
+    /// Content can be appended to it.
+    Bytes& bytes() { return bytes_; }
+
+    /// Writes the chunk; what is appended then is for another one.
+    void writeTo(QIODevice& device) {
+        qToBigEndian(static_cast<quint32>(bytes_.size() - start), bytes_.data());
+        appendNumber(bytes_, libdeflate_crc32(0, bytes_.data() + 4, bytes_.size() - 4));
+        writeOut(device, bytes_);
+        bytes_.resize(start);
     }
 
 private:
-    QIODevice& device_;
-    PngErrors errors_;
-    png_structp png_;
-    png_infop info_;
+    static constexpr std::size_t start = 8; ///< Length and type.
+    Bytes bytes_;
 };
+
+/// Differences of the bytes of two values, each modulo 256, in the order that PNG has them in.
+std::uint8_t storedDifference(std::uint8_t value, std::uint8_t before) {
+    return static_cast<std::uint8_t>(value - before);
+}
+
+std::uint16_t storedDifference(std::uint16_t value, std::uint16_t before) {
+    constexpr unsigned highBits = 0x8080;
+    const unsigned ofLowBits = (value | highBits) - (before & ~highBits);
+    const unsigned difference = ofLowBits ^ (~(value ^ before) & highBits); // no byte borrows
+    return qToBigEndian(static_cast<std::uint16_t>(difference));
+}
+
+/// Filters pixels that have another one before them.
+template<class Value, std::size_t channels>
+void filterSub(const Value* in, std::size_t pixels, std::uint8_t* out) {
+    constexpr std::size_t atOnce = 1024;
+    std::array<Value, atOnce * channels> filtered; // which is aligned
+    for (std::size_t left = pixels; left > 0;) {
+        const std::size_t count = std::min(left, atOnce);
+        for (std::size_t x = 0; x < count; ++x)
+            for (std::size_t c = 0; c < channels; ++c) {
+                const Value* value = in + x * channels + (channels - 1 - c);
+                filtered[x * channels + c] = storedDifference(value[0], *(value - channels));
+            }
+        std::memcpy(out, filtered.data(), count * channels * sizeof(Value));
+        in += count * channels;
+        out += count * channels * sizeof(Value);
+        left -= count;
+    }
+}
+
+/// The zlib stream of an image, in chunks of one DEFLATE block each.
+template<class Value, std::size_t channels>
+class ImageData {
+public:
+    ImageData(const cv::Mat& image, QIODevice& device)
+        : image_(image), device_(device), block_(DeflateEncoder::largestBlock) {}
+
+    void write() {
+        constexpr std::array<std::uint8_t, 2> header{0x78, 0x01}; // window of 32 KiB, fastest
+        chunk_.bytes().insert(chunk_.bytes().end(), header.begin(), header.end());
+        for (int y = 0; y < image_.rows; ++y)
+            addRow(image_.ptr<Value>(y));
+        writeBlock(true);
+    }
+
+private:
+    static constexpr std::size_t pixelBytes = channels * sizeof(Value);
+
+    void addRow(const Value* row) {
+        constexpr std::uint8_t sub = 1;
+        const std::array<Value, 2 * channels> start = startOf(row);
+        makeRoom(1 + pixelBytes);
+        block_[size_++] = sub;
+        addPixels(start.data() + channels, 1);
+        const auto width = static_cast<std::size_t>(image_.cols);
+        for (std::size_t x = 1; x < width;) {
+            makeRoom(pixelBytes);
+            const std::size_t room = (DeflateEncoder::largestBlock - size_) / pixelBytes;
+            const std::size_t pixels = std::min(room, width - x);
+            addPixels(row + x * channels, pixels);
+            x += pixels;
+        }
+    }
+
+    /// The first pixel of a row behind a black one, which the filter takes to be there.
+    static std::array<Value, 2 * channels> startOf(const Value* row) {
+        std::array<Value, 2 * channels> start{};
+        std::copy_n(row, channels, start.begin() + channels);
+        return start;
+    }
+
+    void addPixels(const Value* pixels, std::size_t count) {
+        filterSub<Value, channels>(pixels, count, block_.data() + size_);
+        size_ += count * pixelBytes;
+    }
+
+    void makeRoom(std::size_t bytes) {
+        if (size_ + bytes > DeflateEncoder::largestBlock)
+            writeBlock(false);
+    }
+
+    void writeBlock(bool isLast) {
+        adler_ = libdeflate_adler32(adler_, block_.data(), size_);
+        deflate_.encode(block_.data(), size_, isLast, chunk_.bytes());
+        if (isLast)
+            appendNumber(chunk_.bytes(), adler_);
+        chunk_.writeTo(device_);
+        size_ = 0;
+    }
+
+    const cv::Mat& image_;
+    QIODevice& device_;
+    Bytes block_;
+    std::size_t size_ = 0; ///< Of what the block holds so far.
+    Chunk chunk_{"IDAT"};
+    DeflateEncoder deflate_;
+    std::uint32_t adler_ = 1;
+};
+
+template<class Value>
+void writeImageData(const cv::Mat& image, QIODevice& device) {
+    if (image.channels() == 3)
+        ImageData<Value, 3>(image, device).write();
+    else
+        ImageData<Value, 1>(image, device).write();
+}
+
+void checkSides(const cv::Mat& image) {
+    constexpr int most = 1000000; // which nearly every reader takes, as libpng does
+    if (std::max(image.cols, image.rows) > most)
+        throw Reason("cannot be written (as PNG it has more than a million pixels a side)");
+}
+
+void writeHeader(const cv::Mat& image, QIODevice& device) {
+    constexpr std::uint8_t gray = 0, rgb = 2;
+    const std::uint8_t bits = image.depth() == CV_8U ? 8 : 16;
+    Chunk header("IHDR");
+    appendNumber(header.bytes(), static_cast<std::uint32_t>(image.cols));
+    appendNumber(header.bytes(), static_cast<std::uint32_t>(image.rows));
+    header.bytes().push_back(bits);
+    header.bytes().push_back(image.channels() == 3 ? rgb : gray);
+    header.bytes().resize(header.bytes().size() + 3); // of compression, filters and order the only
+    header.writeTo(device);
+}
+
+void writePixelSize(std::uint32_t perMetre, QIODevice& device) {
+    constexpr std::uint8_t metre = 1;
+    Chunk size("pHYs");
+    appendNumber(size.bytes(), perMetre);
+    appendNumber(size.bytes(), perMetre);
+    size.bytes().push_back(metre);
+    size.writeTo(device);
+}
 
 } // namespace
 
 void encodePng(const cv::Mat& image, QIODevice& device, std::optional<double> pixelSize) {
-    PngEncoder(device).write(image, pixelSize);
+    checkSides(image);
+    writeOut(device, {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'});
+    writeHeader(image, device);
+    if (const std::uint32_t perMetre = pixelsPerMetre(pixelSize); perMetre > 0)
+        writePixelSize(perMetre, device);
+    if (image.depth() == CV_8U)
+        writeImageData<std::uint8_t>(image, device);
+    else
+        writeImageData<std::uint16_t>(image, device);
+    Chunk("IEND").writeTo(device);
 }
 
 } // namespace lumetra

@@ -26,6 +26,21 @@ void copyRow(const Value* in, int pixels, int channels, Value* out) {
     }
 }
 
+/// As libtiff has it.
+int schemeOf(TiffCompression compression) {
+    switch (compression) {
+    case TiffCompression::none:
+        return COMPRESSION_NONE;
+    case TiffCompression::lzw:
+        return COMPRESSION_LZW;
+    case TiffCompression::deflate:
+        return COMPRESSION_ADOBE_DEFLATE;
+    case TiffCompression::zstd:
+        return COMPRESSION_ZSTD;
+    }
+    return COMPRESSION_NONE;
+}
+
 } // namespace
 
 struct TiffWriter::Output {
@@ -40,19 +55,25 @@ struct TiffWriter::Output {
     void set(std::uint32_t tag, Value value) {
         TIFFSetField(tiff.get(), tag, value);
     }
-    void describe(const cv::Mat& page);
+    void describe(const cv::Mat& page, std::size_t rowsPerStrip);
+    void copyRows(const cv::Mat& rows);
 
     AtomicFile file;
     QFile io; ///< The same file: libtiff reads back a little of what it has written.
     TiffHandle tiff;
-    std::vector<std::uint8_t> row;
+    std::vector<std::uint8_t> strip;
     std::optional<double> pixelSize; ///< In µm.
+    TiffCompression compression = TiffCompression::lzw;
 };
 
 TiffWriter::TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes,
-                       std::optional<double> pixelSize)
+                       std::optional<double> pixelSize, TiffCompression compression)
     : output_(std::make_unique<Output>(file, existing)) {
     output_->pixelSize = pixelSize;
+    output_->compression = compression;
+    if (!TIFFIsCODECConfigured(static_cast<std::uint16_t>(schemeOf(compression))))
+        output_->file.fail(QStringLiteral("this build of libtiff does not have the compression ") +
+                           tiffCompressionName(compression));
     constexpr std::uint64_t smallForm = 4000000000; // compression may not help
     Output& out = *output_;
     if (!out.io.open(out.file.device().handle(), QIODevice::ReadWrite | QIODevice::Unbuffered))
@@ -64,7 +85,7 @@ TiffWriter::TiffWriter(const QString& file, Existing existing, std::uint64_t exp
 
 TiffWriter::~TiffWriter() = default;
 
-void TiffWriter::Output::describe(const cv::Mat& page) {
+void TiffWriter::Output::describe(const cv::Mat& page, std::size_t rowsPerStrip) {
     const bool isColour = page.channels() == 3;
     set(TIFFTAG_IMAGEWIDTH, page.cols);
     set(TIFFTAG_IMAGELENGTH, page.rows);
@@ -72,32 +93,49 @@ void TiffWriter::Output::describe(const cv::Mat& page) {
     set(TIFFTAG_BITSPERSAMPLE, page.depth() == CV_8U ? 8 : 16);
     set(TIFFTAG_PHOTOMETRIC, isColour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
     set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    set(TIFFTAG_COMPRESSION, COMPRESSION_LZW);
-    set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    set(TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rowsPerStrip));
+    set(TIFFTAG_COMPRESSION, schemeOf(compression));
+    if (compression != TiffCompression::none)
+        set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    constexpr int fastest = 1; // what a longer search finds in noise is not worth its time
+    if (compression == TiffCompression::deflate)
+        set(TIFFTAG_ZIPQUALITY, fastest);
+    if (compression == TiffCompression::zstd)
+        set(TIFFTAG_ZSTD_LEVEL, fastest);
     if (pixelSize) {
         constexpr double micrometresInCentimetre = 10000;
         set(TIFFTAG_RESOLUTIONUNIT, RESUNIT_CENTIMETER);
         set(TIFFTAG_XRESOLUTION, micrometresInCentimetre / *pixelSize);
         set(TIFFTAG_YRESOLUTION, micrometresInCentimetre / *pixelSize);
     }
-    constexpr std::size_t stripBytes = 1 << 18; // so that readers can take it piece by piece
-    const auto rows = std::max<std::size_t>(1, stripBytes / std::max<std::size_t>(1, row.size()));
-    set(TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rows));
+}
+
+void TiffWriter::Output::copyRows(const cv::Mat& rows) {
+    const std::size_t rowBytes = rows.elemSize() * static_cast<std::size_t>(rows.cols);
+    strip.resize(rowBytes * static_cast<std::size_t>(rows.rows));
+    std::uint8_t* out = strip.data();
+    for (int y = 0; y < rows.rows; ++y, out += rowBytes)
+        if (rows.depth() == CV_8U)
+            copyRow(rows.ptr<std::uint8_t>(y), rows.cols, rows.channels(), out);
+        else
+            copyRow(rows.ptr<std::uint16_t>(y), rows.cols, rows.channels(),
+                    reinterpret_cast<std::uint16_t*>(out));
 }
 
 void TiffWriter::add(const cv::Mat& page) {
     CV_Assert(page.channels() == 1 || page.channels() == 3);
     CV_Assert(page.depth() == CV_8U || page.depth() == CV_16U);
+    constexpr std::size_t stripBytes = 1 << 18; // so that readers can take it piece by piece
+    const std::size_t rowBytes = page.elemSize() * static_cast<std::size_t>(page.cols);
+    const auto rowsPerStrip =
+        static_cast<int>(std::max<std::size_t>(1, stripBytes / std::max<std::size_t>(1, rowBytes)));
     Output& out = *output_;
-    out.row.resize(static_cast<std::size_t>(page.cols) * page.elemSize());
-    out.describe(page);
-    for (int y = 0; y < page.rows; ++y) {
-        if (page.depth() == CV_8U)
-            copyRow(page.ptr<std::uint8_t>(y), page.cols, page.channels(), out.row.data());
-        else
-            copyRow(page.ptr<std::uint16_t>(y), page.cols, page.channels(),
-                    reinterpret_cast<std::uint16_t*>(out.row.data()));
-        if (TIFFWriteScanline(out.tiff.get(), out.row.data(), static_cast<std::uint32_t>(y)) < 0)
+    out.describe(page, static_cast<std::size_t>(rowsPerStrip));
+    std::uint32_t number = 0;
+    for (int y = 0; y < page.rows; y += rowsPerStrip) {
+        out.copyRows(page.rowRange(y, y + std::min(rowsPerStrip, page.rows - y)));
+        if (TIFFWriteEncodedStrip(out.tiff.get(), number++, out.strip.data(),
+                                  static_cast<tmsize_t>(out.strip.size())) < 0)
             out.fail();
     }
     if (!TIFFWriteDirectory(out.tiff.get()))

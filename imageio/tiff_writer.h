@@ -2,6 +2,7 @@
 #pragma once
 
 #include "imageio/atomic_file.h"
+#include "imageio/output_format.h"
 
 #include <opencv2/core/mat.hpp>
 
@@ -13,7 +14,8 @@
 
 namespace lumetra {
 
-/// Writes a TIFF file page by page: LZW with horizontal differences, in strips of about 256 KiB.
+/// Writes a TIFF file page by page, in strips of about 256 KiB; compressed ones hold the horizontal
+/// differences of pixels.
 /// It is seen under its name only after `commit`; without it nothing is left.
 ///
 /// All members throw FileError with the file's name.
@@ -23,8 +25,10 @@ public:
     /// @param expectedBytes  About how many bytes the pixels of all pages have; beyond four
     ///                       gigabytes the file is a BigTIFF.
     /// @param pixelSize      The side of a pixel in µm, if it is to be told.
+    /// @param compression    LZW is what nearly all programs read.
     TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes,
-               std::optional<double> pixelSize = {});
+               std::optional<double> pixelSize = {},
+               TiffCompression compression = TiffCompression::lzw);
     ~TiffWriter();
     TiffWriter(const TiffWriter&) = delete;
     TiffWriter& operator=(const TiffWriter&) = delete;

@@ -105,7 +105,7 @@ Batch prepare(const BatchOptions& options) {
         batch.rendering.existing = Existing::replace;
     nameOutputs(batch.fields, options.image.output.file);
     for (const Field& field : batch.fields)
-        checkImageOutput(field.job.output);
+        checkImageOutput(field.job.output, options.image.output.compression);
     if (batch.fields.empty())
         return batch;
 

@@ -140,6 +140,8 @@ QJsonObject workOf(const Field& field, const RenderSpec& rendering) {
         options["panels"] = rendering.panels == PanelColours::gray ? "gray" : "colour";
     if (const auto& bar = rendering.annotation.scaleBar)
         options["scale bar"] = QJsonArray{bar->micrometres, bar->pixelSize};
+    if (rendering.compression != TiffCompression::lzw)
+        options["compression"] = tiffCompressionName(rendering.compression);
     return {{fieldKey, field.name},  {"inputs", inputs},   {outputKey, field.job.output},
             {channelsKey, channels}, {"options", options}, {"version", LUMETRA_VERSION}};
 }

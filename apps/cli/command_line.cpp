@@ -8,6 +8,7 @@
 #include "apps/cli/workers.h"
 #include "apps/common/error.h"
 #include "apps/common/lut_file.h"
+#include "imageio/output_format.h"
 #include "render/channel.h"
 
 #include <limits>
@@ -220,9 +221,20 @@ void addOutput(CLI::App& command, OutputOptions& options, const std::string& mea
     addQuiet(command, options.quiet);
 }
 
+void addCompression(CLI::App& command, QString& compression) {
+    Section{command, "Output"}
+        .addText("--compression", "METHOD", compression,
+                 "Compression of TIFF files: lzw, which nearly all programs read (default), none, "
+                 "deflate or zstd, for programs that you know to read them")
+        ->check(require(
+            [](const std::string& name) { return tiffCompressionNamed(text(name)).has_value(); },
+            "none, lzw, deflate or zstd"));
+}
+
 void addImageOutput(CLI::App& command, OutputOptions& options) {
     addOutput(command, options,
               "Image to write: .png, .tif or .jpg; - writes PNG to standard output");
+    addCompression(command, options.compression);
 }
 
 void addLog(CLI::App& command, QString& log, const std::string& meaning) {
@@ -354,6 +366,7 @@ void declare(CLI::App& command, BatchOptions& options) {
     addDataSet(command, options.dataSet);
     addOutput(command, options.image.output,
               "Output name with the placeholders of PATTERN: 'out/{field}.png'; creates folders");
+    addCompression(command, options.image.output.compression);
     addLog(command, options.log,
            "Append a line of JSON for each field: inputs, output, outcome, milliseconds");
     addChannelFiles(command, options.channel);

@@ -58,7 +58,7 @@ int dyeRgb(const DyeOptions& options, const ChannelFile& input, ChannelFiles& fi
 int runDye(const DyeOptions& options) {
     ChannelFile input = parseChannelFile(options.file, dyesWith(options.channel.customDyes));
     findSliceFiles(input);
-    checkImageOutput(options.image.output.file);
+    checkImageOutput(options.image.output.file, options.image.output.compression);
     ChannelFiles files({input}, options.image.pages);
     if (files.any(0, 0).channels() > 1)
         return dyeRgb(options, input, files);

@@ -96,7 +96,8 @@ void writeImages(const QString& output, const RenderSpec& rendering, int count,
     if (count == 1) {
         const Figure& figure = drawn(0);
         throwIfInterrupted();
-        return writeImage(output, figure.image, rendering.existing, figure.pixelSize);
+        return writeImage(output, figure.image, rendering.existing, figure.pixelSize,
+                          rendering.compression);
     }
     if (outputFormat(output) != OutputFormat::tiff)
         throw Error(QStringLiteral("%1: a stack of %2 pages is written as .tif or .tiff")
@@ -109,7 +110,7 @@ void writeImages(const QString& output, const RenderSpec& rendering, int count,
             writer = std::make_unique<TiffWriter>(output, rendering.existing,
                                                   page.image.total() * page.image.elemSize() *
                                                       static_cast<std::size_t>(count),
-                                                  page.pixelSize);
+                                                  page.pixelSize, rendering.compression);
         throwIfInterrupted();
         writer->add(page.image);
     }

@@ -73,7 +73,7 @@ int runMerge(const MergeOptions& options) {
         job.inputs.push_back(file);
         channels.push_back(file.channel);
     }
-    checkImageOutput(output);
+    checkImageOutput(output, options.image.output.compression);
     RenderSpec rendering = renderSpec(channels, options.image, options.channel);
     rendering.panels = panelsOf(options);
     const auto fonts = fontsFor(rendering);

@@ -24,6 +24,8 @@ QStringList sharedArguments(const RenderSpec& rendering, const BatchOptions& opt
         arguments << "--resize" << options.image.framing.resize;
     if (rendering.existing == Existing::replace)
         arguments << "--overwrite";
+    if (!options.image.output.compression.isEmpty())
+        arguments << "--compression" << options.image.output.compression;
     if (options.image.output.quiet)
         arguments << "--quiet";
     return arguments;

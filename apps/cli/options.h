@@ -36,6 +36,7 @@ struct OutputOptions {
     QString file; ///< A name, for a whole data set a pattern; `-` is the standard output.
     bool overwrite = false;
     bool quiet = false;
+    QString compression; ///< Of TIFF files: `none`, `lzw`, `deflate` or `zstd`.
 };
 
 /// Options of every command that renders images.
@@ -104,7 +105,7 @@ struct LevelsOptions {
     ContrastOptions contrast;
     PageSelection pages;
     QString customDyes;
-    OutputOptions output{QStringLiteral("-"), true, false};
+    OutputOptions output{QStringLiteral("-"), true, false, {}};
 };
 
 struct BatchOptions {

@@ -11,8 +11,11 @@
 
 namespace lumetra {
 
-void checkImageOutput(const QString& output) {
-    static_cast<void>(outputFormat(output));
+void checkImageOutput(const QString& output, const QString& compression) {
+    if (outputFormat(output) != OutputFormat::tiff && !compression.isEmpty())
+        throw UsageError(QStringLiteral("--compression is for TIFF files (.tif or .tiff), and the "
+                                        "output is ") +
+                         output);
     if (isStandardOutput(output) && writesToTerminal())
         throw UsageError(QStringLiteral("-o - would write PNG onto the terminal: redirect it to a "
                                         "file or a pipe, or name a file"));

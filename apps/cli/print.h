@@ -12,9 +12,10 @@ namespace lumetra {
 struct OutputOptions;
 
 /// To be called before any work for an image.
-/// @throws FileError if images are not written in the format of this name; UsageError if the image
-///         would be written onto a terminal.
-void checkImageOutput(const QString& output);
+/// @param compression  What `--compression` asks for; empty if it was not given.
+/// @throws FileError if images are not written in the format of this name; UsageError if they are
+///         not compressed as the user asks for, or would be written onto a terminal.
+void checkImageOutput(const QString& output, const QString& compression);
 
 /// Writes text to the standard output.
 /// @throws Error if nobody takes it.

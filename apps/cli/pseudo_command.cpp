@@ -67,7 +67,7 @@ int runPseudo(const PseudoOptions& options) {
     InputFile input = parseFile(options.file);
     findSliceFiles(input);
     const QString& output = options.image.output.file;
-    checkImageOutput(output);
+    checkImageOutput(output, options.image.output.compression);
     if (options.lut != ownLut)
         static_cast<void>(namedLut(options.lut)); // before any work
     RenderSpec rendering = renderSpec({Channel()}, options.image, {});

@@ -152,7 +152,8 @@ RenderSpec renderSpec(const std::vector<Channel>& channels, const ImageOptions& 
             pixelSize,
             existingOf(image.output),
             std::nullopt,
-            options.settings};
+            options.settings,
+            tiffCompressionNamed(image.output.compression).value_or(TiffCompression::lzw)};
 }
 
 } // namespace lumetra

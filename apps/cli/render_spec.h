@@ -5,6 +5,7 @@
 #include "apps/common/annotation.h"
 #include "apps/common/settings.h"
 #include "imageio/atomic_file.h"
+#include "imageio/output_format.h"
 #include "render/channel.h"
 #include "render/framing.h"
 #include "render/level_policy.h"
@@ -37,6 +38,7 @@ struct RenderSpec {
     Existing existing = Existing::keep; ///< What becomes of outputs that are there.
     std::optional<PanelColours> panels; ///< Whether each channel is shown beside all, and how.
     QString settings;                   ///< The file that channels are from; may be empty.
+    TiffCompression compression = TiffCompression::lzw; ///< Of outputs that are TIFF files.
 };
 
 /// Whether contrast limits of any of the channels are to be measured.

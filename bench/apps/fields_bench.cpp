@@ -1,9 +1,10 @@
 // Beside the command: a data set to work on, the bare reading and writing of its files, and a plain
 // program on OpenCV for the same job.
 
+#include "bench/camera_plane.h"
+
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
-#include <opencv2/imgproc.hpp>
 
 #include <atomic>
 #include <cstdio>
@@ -23,21 +24,6 @@ std::string input(const std::string& folder, int field, const char* channel) {
     return folder + "/f" + std::to_string(1000 + field) + '_' + channel + ".tif";
 }
 
-/// A dim background with spots and the noise of a camera, 12 bits of 16.
-cv::Mat cameraPlane(int seed) {
-    cv::RNG random(static_cast<uint64>(seed) + 1);
-    cv::Mat light(side, side, CV_32F, cv::Scalar(200));
-    for (int spot = 0; spot < 150; ++spot)
-        cv::circle(light, {random.uniform(0, side), random.uniform(0, side)},
-                   random.uniform(10, 60), cv::Scalar(random.uniform(500, 3500)), cv::FILLED);
-    cv::GaussianBlur(light, light, {}, 5);
-    cv::Mat noise(side, side, CV_32F);
-    random.fill(noise, cv::RNG::NORMAL, 0, 15);
-    cv::Mat plane;
-    cv::Mat(light + noise).convertTo(plane, CV_16U);
-    return plane;
-}
-
 /// Every file is one of few, under names of its own: what is read lies in the system's memory, so
 /// that the disk is not what is measured.
 void makeFields(const std::string& folder, int count) {
@@ -47,7 +33,7 @@ void makeFields(const std::string& folder, int count) {
         for (const char* channel : {"dapi", "actin"}) {
             const std::string file = input(folder, field, channel);
             if (field < distinct)
-                cv::imwrite(file, cameraPlane(2 * field + (channel[0] == 'a')), uncompressed);
+                cv::imwrite(file, cameraPlane(side, 2 * field + (channel[0] == 'a')), uncompressed);
             else
                 std::filesystem::create_hard_link(input(folder, field % distinct, channel), file);
         }
@@ -71,14 +57,7 @@ constexpr int asItIs = cv::IMREAD_ANYDEPTH | cv::IMREAD_GRAYSCALE;
 
 /// What one would write: levels to 8 bits, a colour for each, the sum.
 cv::Mat plainPicture(const cv::Mat& dapi, const cv::Mat& actin) {
-    const auto tinted = [](const cv::Mat& plane, const cv::Scalar& colour) {
-        cv::Mat eightBits, colours;
-        plane.convertTo(eightBits, CV_8U, 255.0 / 3000, -200 * 255.0 / 3000);
-        cv::cvtColor(eightBits, colours, cv::COLOR_GRAY2BGR);
-        cv::multiply(colours, colour, colours, 1 / 255.0);
-        return colours;
-    };
-    return tinted(dapi, {255, 107, 0}) + tinted(actin, {0, 255, 29});
+    return tinted(dapi, 200, 3200, {255, 107, 0}) + tinted(actin, 200, 3200, {0, 255, 29});
 }
 
 /// What is done with each field.

@@ -47,6 +47,34 @@ load setup.bash
   [ ! -e x.png ]
 }
 
+@test "TIFF files are compressed as asked, other files are refused it" {
+  for command in 'merge a.tif=DAPI c.tif=FITC --levels none' 'dye a.tif=DAPI' 'pseudo a.tif'; do
+    lumetra $command -o default.tif --overwrite --quiet
+    for method in none lzw deflate zstd; do
+      lumetra $command -o $method.tif --compression $method --overwrite --quiet
+      lumetra info $method.tif --json | grep -v '"file"' >$method.json
+      cmp $method.json none.json
+    done
+    cmp default.tif lzw.tif
+    run ! cmp -s lzw.tif deflate.tif
+    run ! cmp -s zstd.tif deflate.tif
+  done
+  lumetra merge stack.tif=DAPI --all-pages -o pages.tif --compression none
+  [ "$(stat -c %s pages.tif)" -gt $((3 * 64 * 48)) ]
+
+  for output in x.png x.jpg -; do
+    fails 2 "--compression is for TIFF files" lumetra merge a.tif=DAPI -o $output --compression lzw
+  done
+  fails 2 "'LZW' is not none, lzw, deflate or zstd" lumetra merge a.tif=DAPI -o x.tif --compression LZW
+  fails 2 "--compression is for TIFF files" plate -o 'out/{field}.png' --compression none
+  [ ! -e out ]
+  plate -o 'out/{field}.tif' --compression none --log log --quiet
+  plate -o 'out/{field}.tif' --compression none --dry-run --quiet >lines
+  [ "$(grep -c -- '--compression none' lines)" = "$(wc -l <lines)" ]
+  [ -z "$(plate -o 'out/{field}.tif' --compression none --log log --resume --dry-run)" ]
+  [ -n "$(plate -o 'out/{field}.tif' --compression zstd --log log --resume --dry-run)" ]
+}
+
 @test "dyes are found by name and wavelength" {
   run lumetra dyes ALEXA --emission 520
   [[ ${lines[1]} == *"Alexa 488" ]]

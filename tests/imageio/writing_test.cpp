@@ -18,6 +18,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <tiffio.h>
 
 namespace lumetra {
 namespace {
@@ -33,22 +34,54 @@ protected:
     QTemporaryDir folder_;
 };
 
-TEST_F(Writing, GivesTheBytesOfOpenCvsEncoders) {
+TEST_F(Writing, GivesFilesThatOthersReadAsTheyWere) {
     for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3})
         for (const cv::Size size : {cv::Size(1, 1), cv::Size(45, 33), cv::Size(700, 300)}) {
             const cv::Mat whole = testImage(size + cv::Size(3, 0), type);
             const cv::Mat image = whole(cv::Rect({1, 0}, size)); // its rows lie apart
-            writeImage(path("a.png"), image, Existing::replace);
-            EXPECT_EQ(contentOf(path("a.png")), encodedByOpenCv(".png", image)) << type << size;
             if (image.depth() == CV_8U) {
                 writeImage(path("a.JPEG"), image, Existing::replace);
                 EXPECT_EQ(contentOf(path("a.JPEG")), encodedByOpenCv(".jpg", image))
                     << type << size;
             }
-            writeImage(path("a.tif"), image, Existing::replace);
-            EXPECT_TRUE(areEqual(readByOpenCv(path("a.tif")), image)) << type << size;
-            EXPECT_TRUE(areEqual(ImageFile(path("a.tif")).page(1), image)) << type << size;
+            for (const char* name : {"a.tif", "a.png"}) {
+                writeImage(path(name), image, Existing::replace);
+                EXPECT_TRUE(areEqual(readByOpenCv(path(name)), image)) << name << type << size;
+                EXPECT_TRUE(areEqual(ImageFile(path(name)).page(1), image)) << name << type << size;
+            }
         }
+}
+
+TEST_F(Writing, CompressesTiffFilesAsAsked) {
+    for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3})
+        for (const cv::Size size : {cv::Size(1, 1), cv::Size(701, 503), cv::Size(50000, 2)}) {
+            const cv::Mat image = testImage(size, type), before = image.clone();
+            for (const auto& [name, scheme] :
+                 {std::pair("none", COMPRESSION_NONE), std::pair("lzw", COMPRESSION_LZW),
+                  std::pair("deflate", COMPRESSION_ADOBE_DEFLATE),
+                  std::pair("zstd", COMPRESSION_ZSTD)}) {
+                const auto compression = tiffCompressionNamed(name);
+                ASSERT_TRUE(compression);
+                EXPECT_EQ(tiffCompressionName(*compression), name);
+                if (!TIFFIsCODECConfigured(static_cast<std::uint16_t>(scheme))) {
+                    EXPECT_THROW(writeImage(path("a.tif"), image, Existing::keep, {}, *compression),
+                                 FileError);
+                    continue;
+                }
+                writeImage(path("a.tif"), image, Existing::replace, {}, *compression);
+                EXPECT_TRUE(areEqual(ImageFile(path("a.tif")).page(1), image)) << name << size;
+                EXPECT_TRUE(areEqual(readByOpenCv(path("a.tif")), image)) << name << size;
+                TIFF* tiff = TIFFOpen(QFile::encodeName(path("a.tif")).constData(), "r");
+                std::uint16_t stored = 0, predictor = PREDICTOR_NONE;
+                TIFFGetField(tiff, TIFFTAG_COMPRESSION, &stored);
+                TIFFGetField(tiff, TIFFTAG_PREDICTOR, &predictor);
+                TIFFClose(tiff);
+                EXPECT_EQ(stored, scheme) << name;
+                EXPECT_EQ(predictor == PREDICTOR_HORIZONTAL, scheme != COMPRESSION_NONE) << name;
+            }
+            EXPECT_TRUE(areEqual(image, before)); // differences are made in a copy
+        }
+    EXPECT_FALSE(tiffCompressionNamed("LZW"));
 }
 
 TEST_F(Writing, TakesNamesOfAllLettersAndLengths) {
