@@ -35,12 +35,13 @@ struct Channel {
     bool visible = true;
     Blend blend = Blend::add; ///< How it is laid over the visible channels before it.
     int levelsBits = 0; ///< The bit depth that `levels` were found at, 8 or 16; 0 if not known.
+    std::optional<Colormap> colormap = {}; ///< In place of the colour; what it makes has 8 bits.
 };
 
 inline bool operator==(const Channel& a, const Channel& b) {
     return a.name == b.name && a.dye == b.dye && a.colour == b.colour && a.offset == b.offset &&
            a.levels == b.levels && a.levelsBits == b.levelsBits && a.gamma == b.gamma &&
-           a.visible == b.visible && a.blend == b.blend;
+           a.visible == b.visible && a.blend == b.blend && a.colormap == b.colormap;
 }
 inline bool operator!=(const Channel& a, const Channel& b) { return !(a == b); }
 
