@@ -112,7 +112,7 @@ TEST(Blend, EqualsThePlainLoop) {
         }
     std::vector<Channel> plain(3);
     plain[0].colour = {255, 255, 200};
-    plain[1].colour = {255, 100, 255};
+    plain[1].colour = {255, 100, 0};
     plain[2].colour = {60, 255, 255};
     std::vector<Channel> lowestMapped = plain, secondMapped = plain;
     lowestMapped[0].colormap = secondMapped[1].colormap = findColormap("viridis");

@@ -248,6 +248,37 @@ TEST(Render, KeepsItsMemory) {
     EXPECT_EQ(image.data, pixels);
 }
 
+TEST(Render, DoesNotDependOnWhatWasRenderedBefore) {
+    struct Case {
+        int type;
+        const char* colormap;
+        double gamma;
+        PixelFormat format;
+    };
+    const std::vector<Case> cases{
+        {CV_8UC1, nullptr, 0.5, PixelFormat::bgr}, {CV_16UC1, nullptr, 0.5, PixelFormat::bgr},
+        {CV_8UC1, "viridis", 1, PixelFormat::bgr}, {CV_16UC1, "viridis", 1, PixelFormat::bgr},
+        {CV_16UC1, "magma", 1, PixelFormat::bgr},  {CV_16UC1, "viridis", 0.5, PixelFormat::bgr},
+        {CV_16UC1, "viridis", 1, PixelFormat::rgb}};
+    const auto render = [](Renderer& renderer, const Case& c) {
+        Channel channel = channelOf(red, {}, ContrastLimits{20, 30000});
+        channel.gamma = c.gamma;
+        if (c.colormap)
+            channel.colormap = findColormap(c.colormap);
+        cv::Mat image;
+        renderer.render({noisePlane({50, 20}, c.type, 1)}, {channel}, image, c.format);
+        return image;
+    };
+    for (std::size_t before = 0; before < cases.size(); ++before) {
+        for (std::size_t i = 0; i < cases.size(); ++i) {
+            Renderer used, fresh;
+            render(used, cases[before]);
+            EXPECT_TRUE(areEqual(render(used, cases[i]), render(fresh, cases[i])))
+                << i << " after " << before;
+        }
+    }
+}
+
 TEST(Render, RefusesWhatHasNoPicture) {
     Renderer renderer;
     cv::Mat image;
