@@ -47,9 +47,9 @@ install(TARGETS LumetraRender EXPORT LumetraRenderTargets
   LIBRARY COMPONENT render NAMELINK_COMPONENT render-development
   ARCHIVE COMPONENT render-development)
 install(DIRECTORY render DESTINATION ${render_include_dir} COMPONENT render-development
-  FILES_MATCHING PATTERN *.h PATTERN colormap_knots.h EXCLUDE PATTERN dye_names.h EXCLUDE
-  PATTERN dye_published.h EXCLUDE PATTERN parsed_number.h EXCLUDE
-  PATTERN lumetra_render.h EXCLUDE)
+  FILES_MATCHING PATTERN *.h PATTERN colormap_knots.h EXCLUDE PATTERN colormap_slots.h EXCLUDE
+  PATTERN compiler.h EXCLUDE PATTERN dye_names.h EXCLUDE PATTERN dye_published.h EXCLUDE
+  PATTERN parsed_number.h EXCLUDE PATTERN render_row.h EXCLUDE PATTERN lumetra_render.h EXCLUDE)
 install(FILES render/lumetra_render.h render/lumetra_render.hpp DESTINATION ${render_include_dir}
   COMPONENT render-development)
 install(EXPORT LumetraRenderTargets NAMESPACE Lumetra:: DESTINATION ${render_package_dir}

@@ -3,8 +3,6 @@
 
 #include "render/export.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -24,11 +22,5 @@ LUMETRA_RENDER_EXPORT std::string blendText(Blend blend);
 /// Understands what `blendText` gives.
 /// @throws RenderError for anything else.
 LUMETRA_RENDER_EXPORT Blend parseBlend(std::string_view text);
-
-/// Lays components over others, in place.
-/// @param over   What is laid over; may not overlap `under`.
-/// @param under  Receives the result.
-void blendOver(Blend blend, const unsigned char* over, unsigned char* under, std::size_t count);
-void blendOver(Blend blend, const std::uint16_t* over, std::uint16_t* under, std::size_t count);
 
 } // namespace lumetra

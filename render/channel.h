@@ -47,12 +47,14 @@ struct Channel {
     /// Of a channel whose pixel values are neither 8- nor 16-bit unsigned: the contrast limits, as
     /// which its plane was brought to 16 bits, so that `levels` are 0 and 65535.
     std::optional<ValueLimits> valueLimits{};
+    std::optional<Colormap> colormap = {}; ///< In place of the colour; what it makes has 8 bits.
 };
 
 inline bool operator==(const Channel& a, const Channel& b) {
     return a.name == b.name && a.dye == b.dye && a.colour == b.colour && a.offset == b.offset &&
            a.levels == b.levels && a.levelsBits == b.levelsBits && a.valueLimits == b.valueLimits &&
-           a.gamma == b.gamma && a.visible == b.visible && a.blend == b.blend;
+           a.gamma == b.gamma && a.visible == b.visible && a.blend == b.blend &&
+           a.colormap == b.colormap;
 }
 inline bool operator!=(const Channel& a, const Channel& b) { return !(a == b); }
 

@@ -2,31 +2,14 @@
 
 #include "lumetra/colourise/dye.h"
 #include "lumetra/colourise/pseudo.h"
+#include "render/colormap_slots.h"
 #include "render/intensity_lut.h"
 
 #include <opencv2/core.hpp>
 
-#include <cmath>
 #include <vector>
 
 namespace lumetra {
-namespace {
-
-/// Colouring reaches 255 slots, so 255 colours from first to last of the 256.
-LevelColours slotColours(const Colormap& colormap) {
-    constexpr std::size_t slots = 255;
-    constexpr double last = std::tuple_size_v<Colormap> - 1;
-    LevelColours colours{};
-    for (std::size_t slot = 0; slot < slots; ++slot) {
-        const double place = static_cast<double>(slot) * last / (slots - 1);
-        const auto nearest = static_cast<std::size_t>(std::lround(place));
-        const auto [red, green, blue] = colormap[nearest];
-        colours[slot] = packedColour(blue, green, red);
-    }
-    return colours;
-}
-
-} // namespace
 
 std::vector<ContrastLimits> componentLimits(const cv::Mat& image, const LevelPolicy& policy) {
     if (policy.method == LevelPolicy::Method::none)
@@ -67,7 +50,12 @@ void tintImage(const cv::Mat& image, Colour colour, bool dominant, cv::Mat& resu
 }
 
 void colourImage(const cv::Mat& image, const Colormap& colormap, cv::Mat& result) {
-    const bool isColoured = pseudo(image, result, slotColours(colormap));
+    LevelColours colours{};
+    for (std::size_t slot = 0; slot < slotCount; ++slot) {
+        const auto [red, green, blue] = colourOfSlot(colormap, slot);
+        colours[slot] = packedColour(blue, green, red);
+    }
+    const bool isColoured = pseudo(image, result, colours);
     CV_Assert(isColoured);
 }
 

@@ -1,18 +1,16 @@
 #include "render/intensity_lut.h"
 
-#include "lumetra/levels/level_ramp.h"
+#include "lumetra/colourise/pseudo.h"
 
 #include <opencv2/core.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <numeric>
 
 namespace lumetra {
 namespace {
-
-/// Within these limits a stretch takes them as they are; beyond, it would move them.
-bool isStretchable(ContrastLimits limits) { return limits.low <= 253 && limits.high >= 2; }
 
 unsigned char displayed(int value, ContrastLimits limits, double gamma) {
     if (value >= limits.high)
@@ -27,24 +25,49 @@ unsigned char displayed(int value, ContrastLimits limits, double gamma) {
     return static_cast<unsigned char>(std::floor(255 * std::pow(share, gamma) + 0.5));
 }
 
-template<class Value>
-void lookUp(const Value* values, const unsigned char* table, unsigned char* displayed,
-            std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        displayed[i] = table[values[i]];
+/// The value that one between the limits is brought to by gamma, for a scale of colours.
+std::uint16_t throughGamma(int value, ContrastLimits limits, double gamma) {
+    const auto [low, high] = limits;
+    const int inside = std::clamp(value, low, high);
+    if (gamma == 1)
+        return static_cast<std::uint16_t>(inside);
+    const double span = std::max(high - low, 1);
+    return static_cast<std::uint16_t>(low +
+                                      std::lround(span * std::pow((inside - low) / span, gamma)));
+}
+
+template<class Value, class Change>
+void changeRows(const cv::Mat& plane, cv::Mat& result, Change change) {
+    for (int y = 0; y < plane.rows; ++y) {
+        const auto* const values = plane.ptr<Value>(y);
+        std::transform(values, values + plane.cols, result.ptr(y),
+                       [&](Value value) { return static_cast<unsigned char>(change(value)); });
+    }
+}
+
+template<class Change>
+void changeValues(const cv::Mat& plane, cv::Mat& result, Change change) {
+    if (plane.depth() == CV_8U)
+        changeRows<unsigned char>(plane, result, change);
+    else
+        changeRows<std::uint16_t>(plane, result, change);
 }
 
 } // namespace
 
-LinearRamp::LinearRamp(ContrastLimits limits)
+LinearRamp::LinearRamp(ContrastLimits limits, float slope, float start)
     : low_(static_cast<std::uint16_t>(limits.low)), high_(static_cast<std::uint16_t>(limits.high)),
-      slope_(255.0F / static_cast<float>(limits.high - limits.low)),
-      // One half, to round, and half of the way from there to the next value that can occur, so
-      // that errors to either side do no harm.
-      start_(0.5F + 0.25F / static_cast<float>(limits.high - limits.low)) {}
+      slope_(slope), start_(start) {}
 
-int LinearRamp::displayedAbove(int valuesAboveBlack) const {
-    return static_cast<int>(static_cast<float>(valuesAboveBlack) * slope_ + start_);
+// Starts have half of the way from a value to the next one that can occur, so that errors to either
+// side do no harm.
+LinearRamp::LinearRamp(ContrastLimits limits)
+    : LinearRamp(limits, 255.0F / static_cast<float>(limits.high - limits.low),
+                 0.5F + 0.25F / static_cast<float>(limits.high - limits.low)) {}
+
+LinearRamp LinearRamp::toSlots(ContrastLimits limits) {
+    const auto values = static_cast<float>(limits.high - limits.low + 1);
+    return {limits, 255.0F / values, 0.5F / values};
 }
 
 /// The ramp and the formula both rise, so they are equal everywhere if they are equal on both sides
@@ -53,65 +76,78 @@ bool LinearRamp::isExact() const {
     const int span = high_ - low_;
     for (int level = 1; level <= 255; ++level) {
         const int first = ((2 * level - 1) * span + 509) / 510; // 255 · first / span >= level − 1/2
-        if (displayedAbove(first) < level || displayedAbove(first - 1) >= level)
+        if (risen(static_cast<std::uint16_t>(first)) < level ||
+            risen(static_cast<std::uint16_t>(first - 1)) >= level)
             return false;
     }
-    return displayedAbove(span) == 255;
+    return risen(static_cast<std::uint16_t>(span)) == 255;
 }
 
-void LinearRamp::apply(const std::uint16_t* values, unsigned char* displayed,
-                       std::size_t count) const {
-    const std::uint16_t low = low_, high = high_; // bytes that are written could be anybody's
-    const float slope = slope_, start = start_;
-    for (std::size_t i = 0; i < count; ++i) {
-        // Minimum, maximum and difference in 16 bits, since twice as many fit into a register.
-        const std::uint16_t upToWhite = values[i] < high ? values[i] : high;
-        const std::uint16_t between = upToWhite > low ? upToWhite : low;
-        const auto aboveBlack = static_cast<std::uint16_t>(between - low);
-        const auto rise = static_cast<float>(int{aboveBlack}) * slope + start;
-        displayed[i] = static_cast<unsigned char>(static_cast<int>(rise));
-    }
-}
-
-void IntensityLut::set(int bitDepth, ContrastLimits limits, double gamma) {
-    if (bitDepth_ == bitDepth && limits_ == limits && gamma_ == gamma)
-        return;
-    bitDepth_ = bitDepth;
-    limits_ = limits;
-    gamma_ = gamma;
+bool IntensityLut::change(const Settings& to) {
+    if (settings_.bitDepth == to.bitDepth && settings_.limits == to.limits &&
+        settings_.gamma == to.gamma && settings_.isToSlots == to.isToSlots)
+        return false;
+    settings_ = to;
     ramp_.reset();
-    if (bitDepth == 16 && gamma == 1 && LinearRamp(limits).isExact())
-        ramp_.emplace(limits);
-    else
-        fill();
+    return true;
 }
 
-void IntensityLut::fill() {
-    entries_.resize(bitDepth_ == 8 ? 256 : 65536);
-    if (bitDepth_ == 8 && gamma_ == 1 && limits_.high < 256 && isStretchable(limits_)) {
-        std::iota(entries_.begin(), entries_.end(), static_cast<unsigned char>(0));
-        const Stretch<1> stretch({Levels{static_cast<unsigned short>(limits_.low),
-                                         static_cast<unsigned short>(limits_.high)}});
-        stretch(entries_.data(), entries_.size());
-        return;
-    }
+bool IntensityLut::set(int bitDepth, ContrastLimits limits, double gamma) {
+    if (!change({bitDepth, limits, gamma, false}))
+        return false;
+    if (const LinearRamp ramp(limits); gamma == 1 && ramp.isExact())
+        ramp_ = ramp;
+    else
+        fillWithIntensities();
+    return true;
+}
+
+bool IntensityLut::setToSlots(int bitDepth, ContrastLimits limits, double gamma) {
+    if (!change({bitDepth, limits, gamma, true}))
+        return false;
+    fillWithSlots();
+    const LinearRamp ramp = LinearRamp::toSlots(limits);
+    int differences = 0;
     for (std::size_t value = 0; value < entries_.size(); ++value)
-        entries_[value] = displayed(static_cast<int>(value), limits_, gamma_);
+        differences |= ramp(static_cast<std::uint16_t>(value)) ^ entries_[value];
+    if (differences == 0 && bitDepth == 16) // 8 bits are looked up together with their colours
+        ramp_ = ramp;
+    return true;
+}
+
+void IntensityLut::fillWithIntensities() {
+    entries_.resize(settings_.bitDepth == 8 ? 256 : 65536);
+    for (std::size_t value = 0; value < entries_.size(); ++value)
+        entries_[value] = displayed(static_cast<int>(value), settings_.limits, settings_.gamma);
+}
+
+/// Slots are spread over the range of the values that are there, so behind all values stand the
+/// ends of the range that is wanted. 16 bits, because all slots can be reached with them.
+void IntensityLut::fillWithSlots() {
+    entries_.resize(settings_.bitDepth == 8 ? 256 : 65536);
+    const std::size_t size = entries_.size();
+    cv::Mat values(1, static_cast<int>(size) + 2, CV_16UC1);
+    auto* const value = values.ptr<std::uint16_t>();
+    for (std::size_t i = 0; i < size; ++i)
+        value[i] = throughGamma(static_cast<int>(i), settings_.limits, settings_.gamma);
+    value[size] = static_cast<std::uint16_t>(settings_.limits.low);
+    value[size + 1] = static_cast<std::uint16_t>(settings_.limits.high);
+
+    LevelColours slots;
+    std::iota(slots.begin(), slots.end(), PackedColour{0});
+    cv::Mat slotted;
+    pseudo(values, slotted, slots);
+    for (std::size_t i = 0; i < size; ++i)
+        entries_[i] = static_cast<unsigned char>(slotted.ptr<std::uint16_t>()[3 * i] >> 8);
 }
 
 void IntensityLut::apply(const cv::Mat& plane, cv::Mat& result) const {
-    CV_Assert(plane.type() == (bitDepth_ == 16 ? CV_16UC1 : CV_8UC1));
+    CV_Assert(plane.type() == (settings_.bitDepth == 16 ? CV_16UC1 : CV_8UC1));
     result.create(plane.rows, plane.cols, CV_8UC1);
-    const auto columns = static_cast<std::size_t>(plane.cols);
-    for (int y = 0; y < plane.rows; ++y) {
-        auto* const out = result.ptr<unsigned char>(y);
-        if (ramp_)
-            ramp_->apply(plane.ptr<std::uint16_t>(y), out, columns);
-        else if (bitDepth_ == 16)
-            lookUp(plane.ptr<std::uint16_t>(y), entries_.data(), out, columns);
-        else
-            lookUp(plane.ptr<unsigned char>(y), entries_.data(), out, columns);
-    }
+    if (ramp_)
+        changeValues(plane, result, *ramp_);
+    else
+        changeValues(plane, result, [table = entries_.data()](auto value) { return table[value]; });
 }
 
 } // namespace lumetra

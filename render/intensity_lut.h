@@ -11,22 +11,36 @@
 
 namespace lumetra {
 
-/// Contrast limits without gamma as arithmetic on 16-bit values, several of them at a time: a line
-/// that rises from black to white.
+/// A line that rises between contrast limits, as arithmetic on 16-bit values, several of them at a
+/// time.
 ///
 /// The numbers are floats, whose rounding may miss a step of the formula for wide ranges.
 class LUMETRA_RENDER_EXPORT LinearRamp {
 public:
+    /// From black to white, as `IntensityLut` promises without gamma.
     /// @param limits  0 <= low < high <= 65535.
     explicit LinearRamp(ContrastLimits limits);
 
-    /// Whether it gives what `IntensityLut` promises for every pixel value.
+    /// From the first to the last slot of a colormap.
+    /// @param limits  0 <= low <= high <= 65535.
+    static LinearRamp toSlots(ContrastLimits limits);
+
+    /// Whether a line from black to white gives what is promised for every pixel value.
     bool isExact() const;
 
-    void apply(const std::uint16_t* values, unsigned char* displayed, std::size_t count) const;
+    std::uint16_t operator()(std::uint16_t value) const {
+        // Minimum, maximum and difference in 16 bits, since twice as many fit into a register.
+        const std::uint16_t upToHigh = value < high_ ? value : high_;
+        const std::uint16_t between = upToHigh > low_ ? upToHigh : low_;
+        return risen(static_cast<std::uint16_t>(between - low_));
+    }
 
 private:
-    int displayedAbove(int valuesAboveBlack) const;
+    LinearRamp(ContrastLimits limits, float slope, float start);
+    std::uint16_t risen(std::uint16_t aboveLow) const {
+        return static_cast<std::uint16_t>(
+            static_cast<int>(static_cast<float>(int{aboveLow}) * slope_ + start_));
+    }
 
     std::uint16_t low_, high_;
     float slope_, start_;
@@ -35,27 +49,43 @@ private:
 /// What every pixel value of a plane becomes, through contrast limits and a gamma.
 class LUMETRA_RENDER_EXPORT IntensityLut {
 public:
-    /// For planes of 8 or 16 bits; does nothing if it is set so already.
+    /// For planes of 8 or 16 bits. Tells whether anything changed; if it is set so already, nothing
+    /// is done.
     ///
     /// A value v becomes 255 · ((v − low) / (high − low))^gamma, rounded, halves up; 0 up to low
     /// and 255 from high on. For 8 bits without gamma that is `Lumetra::StretchLevelsGray`.
     /// @param limits  0 <= low < high <= 65535.
-    void set(int bitDepth, ContrastLimits limits, double gamma);
+    bool set(int bitDepth, ContrastLimits limits, double gamma);
 
-    /// Whether values are calculated, not looked up. The bytes are the same.
-    bool isRamp() const { return ramp_.has_value(); }
+    /// The same for the colours of a colormap, which are spread over the limits: a value becomes
+    /// the slot of its colour, as `Lumetra::Pseudo` has them for an image with this range.
+    /// @param limits  0 <= low <= high <= 65535.
+    bool setToSlots(int bitDepth, ContrastLimits limits, double gamma);
+
+    /// The line to calculate values by in place of looking them up, if there is one. The bytes are
+    /// the same.
+    const std::optional<LinearRamp>& ramp() const { return ramp_; }
+
+    /// What all values become, unless there is a ramp: 256 or 65,536 entries.
+    const std::vector<unsigned char>& entries() const { return entries_; }
 
     /// Brings a plane of the bit depth that was set to CV_8UC1, reusing the storage of `result`.
     void apply(const cv::Mat& plane, cv::Mat& result) const;
 
 private:
-    void fill();
+    struct Settings {
+        int bitDepth = 0;
+        ContrastLimits limits;
+        double gamma = 0;
+        bool isToSlots = false;
+    };
+    bool change(const Settings& settings);
+    void fillWithIntensities();
+    void fillWithSlots();
 
-    int bitDepth_ = 0;
-    ContrastLimits limits_;
-    double gamma_ = 0;
+    Settings settings_;
     std::optional<LinearRamp> ramp_;
-    std::vector<unsigned char> entries_; ///< 256 or 65,536, unless there is a ramp.
+    std::vector<unsigned char> entries_;
 };
 
 } // namespace lumetra

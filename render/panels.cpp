@@ -38,8 +38,10 @@ std::vector<Channel> channelAlone(std::vector<Channel> channels, std::size_t num
                                   PanelColours colours) {
     for (std::size_t i = 0; i < channels.size(); ++i)
         channels[i].visible = i == number;
-    if (colours == PanelColours::gray)
+    if (colours == PanelColours::gray) {
         channels.at(number).colour = {255, 255, 255};
+        channels.at(number).colormap.reset();
+    }
     return channels;
 }
 

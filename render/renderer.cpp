@@ -1,252 +1,146 @@
 #include "render/renderer.h"
 
-#include "lumetra/colourise/dye.h"
 #include "lumetra/colourise/image_range.h"
-#include "lumetra/composite/compositing.h"
-#include "render/image_colouring.h"
+#include "lumetra/colourise/paint.h"
+#include "render/colormap_slots.h"
 #include "render/overlap.h"
 #include "render/render_error.h"
+#include "render/render_row.h"
 
 #include <opencv2/core.hpp>
 
 #include <algorithm>
-#include <cmath>
-#include <numeric>
+#include <array>
 
 namespace lumetra {
 namespace {
 
 int bitDepthOf(const cv::Mat& plane) { return plane.depth() == CV_8U ? 8 : 16; }
 
-void requireGray(const cv::Mat& plane) {
-    CV_Assert(plane.dims <= 2 && (plane.type() == CV_8UC1 || plane.type() == CV_16UC1));
-}
-
-int imageType(PixelFormat format, bool is16Bit) {
-    if (format == PixelFormat::bgra)
-        return CV_8UC4;
-    return is16Bit ? CV_16UC3 : CV_8UC3;
-}
-
-int stripRows(const cv::Mat& image, int pixels) {
-    return std::clamp(pixels / std::max(image.cols, 1), 1, std::max(image.rows, 1));
-}
-
-void storeBgra(const unsigned char* bgr, unsigned char* out, std::size_t pixels) {
-    for (std::size_t i = 0; i < pixels; ++i) {
-        out[4 * i] = bgr[3 * i];
-        out[4 * i + 1] = bgr[3 * i + 1];
-        out[4 * i + 2] = bgr[3 * i + 2];
-        out[4 * i + 3] = 255;
+void checkPlanes(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels) {
+    if (planes.empty() || planes.size() != channels.size())
+        throw RenderError("there are no channels to show");
+    for (const cv::Mat& plane : planes) {
+        CV_Assert(plane.dims <= 2 && (plane.type() == CV_8UC1 || plane.type() == CV_16UC1));
+        if (plane.size() != planes.front().size())
+            throw RenderError("the images have different sizes");
     }
 }
 
-template<class Component>
-void storeRgb(const Component* bgr, Component* out, std::size_t pixels) {
-    for (std::size_t i = 0; i < pixels; ++i) {
-        out[3 * i] = bgr[3 * i + 2];
-        out[3 * i + 1] = bgr[3 * i + 1];
-        out[3 * i + 2] = bgr[3 * i];
-    }
-}
-
-/// Brings a strip of blue, green and red into its part of the image while it is in the cache.
-void store(const cv::Mat& strip, PixelFormat format, cv::Mat part) {
-    const auto columns = static_cast<std::size_t>(part.cols);
-    if (format == PixelFormat::bgr)
-        return strip.copyTo(part);
-    for (int y = 0; y < part.rows; ++y) {
-        if (format == PixelFormat::bgra)
-            storeBgra(strip.ptr(y), part.ptr(y), columns);
-        else if (part.depth() == CV_8U)
-            storeRgb(strip.ptr(y), part.ptr(y), columns);
-        else
-            storeRgb(strip.ptr<std::uint16_t>(y), part.ptr<std::uint16_t>(y), columns);
-    }
-}
-
-/// Writes what a table has for each value of a row: the components from the lowest byte up.
-template<std::size_t Components, class Value>
-void lookUp(const Value* values, const std::uint32_t* table, unsigned char* out,
-            std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint32_t pixel = table[values[i]];
-        for (std::size_t k = 0; k < Components; ++k)
-            out[Components * i + k] = static_cast<unsigned char>(pixel >> 8 * k);
-    }
-}
-
-template<class Value>
-void lookUpRows(const cv::Mat& plane, const std::uint32_t* table, cv::Mat& image) {
-    const auto columns = static_cast<std::size_t>(plane.cols);
-    for (int y = 0; y < plane.rows; ++y) {
-        if (image.channels() == 4)
-            lookUp<4>(plane.ptr<Value>(y), table, image.ptr(y), columns);
-        else
-            lookUp<3>(plane.ptr<Value>(y), table, image.ptr(y), columns);
-    }
-}
-
-template<class Component>
-void blendRows(Blend blend, const cv::Mat& over, cv::Mat& under) {
-    const auto components = static_cast<std::size_t>(under.cols) * 3;
-    for (int y = 0; y < under.rows; ++y)
-        blendOver(blend, over.ptr<Component>(y), under.ptr<Component>(y), components);
-}
-
-template<class Value>
 ContrastLimits rangeOf(const cv::Mat& plane) {
-    const auto range = valueRange<Value>(plane);
-    return {range.smallest, range.largest};
+    const auto limits = [](auto range) { return ContrastLimits{range.smallest, range.largest}; };
+    return plane.depth() == CV_8U ? limits(valueRange<unsigned char>(plane))
+                                  : limits(valueRange<std::uint16_t>(plane));
+}
+
+/// The components of a colour in the order that an image has them.
+std::array<std::uint8_t, 3> ordered(Colour colour, PixelFormat format) {
+    if (format == PixelFormat::rgb)
+        return {colour.red, colour.green, colour.blue};
+    return {colour.blue, colour.green, colour.red};
+}
+
+/// The colours of a colormap's slots, packed for an image.
+std::array<std::uint32_t, slotCount> packedColours(const Colormap& colormap, PixelFormat format) {
+    const std::uint32_t alpha = format == PixelFormat::bgra ? 0xFF000000 : 0;
+    std::array<std::uint32_t, slotCount> packed{};
+    for (std::size_t slot = 0; slot < slotCount; ++slot) {
+        const auto [first, second, third] = ordered(colourOfSlot(colormap, slot), format);
+        packed[slot] = packedColour(first, second, third) | alpha;
+    }
+    return packed;
+}
+
+void renderRows(Row& row, const std::vector<cv::Mat>& parts, cv::Mat& image, RenderRow renderRow) {
+    const auto isContinuous = [](const cv::Mat& matrix) { return matrix.isContinuous(); };
+    const bool isOneRow =
+        isContinuous(image) && std::all_of(parts.begin(), parts.end(), isContinuous);
+    row.count = isOneRow ? image.total() : static_cast<std::size_t>(image.cols);
+    for (int y = 0; y < (isOneRow ? 1 : image.rows); ++y) {
+        for (std::size_t i = 0; i < parts.size(); ++i)
+            row.channels[i].values = parts[i].ptr(y);
+        row.pixels = image.ptr(y);
+        renderRow(row);
+    }
 }
 
 } // namespace
 
-/// What an image is made of, and where in each plane.
-struct Renderer::Canvas {
-    const std::vector<cv::Mat>& planes;
-    const std::vector<Channel>& channels;
-    Overlap overlap;
-    PixelFormat format;
-};
+Renderer::Renderer() : Renderer(instructionSets().back()) {}
+Renderer::Renderer(InstructionSet instructions) : instructions_(instructions) {}
 
-void Renderer::prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels) {
-    if (planes.empty() || planes.size() != channels.size())
-        throw RenderError("there are no channels to show");
-    visible_.clear();
-    isSum_ = true;
-    buffers_.resize(std::max(buffers_.size(), planes.size()));
-    for (std::size_t i = 0; i < planes.size(); ++i) {
-        requireGray(planes[i]);
-        if (planes[i].size() != planes.front().size())
-            throw RenderError("the images have different sizes");
-        if (!channels[i].visible)
-            continue;
-        isSum_ &= visible_.empty() || channels[i].blend == Blend::add;
-        visible_.push_back(i);
-        if (channels[i].levels)
-            buffers_[i].lut.set(bitDepthOf(planes[i]), *channels[i].levels, channels[i].gamma);
-    }
+/// The colours of the slots that a ramp leads to, or, without one, of all values.
+void Renderer::setColours(const cv::Mat& plane, const Channel& channel, PixelFormat format,
+                          ChannelTables& tables) {
+    IntensityLut& lut = tables.lut;
+    const ContrastLimits limits = channel.levels ? *channel.levels : rangeOf(plane);
+    const bool isNew = lut.setToSlots(bitDepthOf(plane), limits, channel.gamma);
+    if (!isNew && tables.format == format && tables.colormap == *channel.colormap)
+        return;
+    tables.format = format;
+    tables.colormap = *channel.colormap;
+    const auto ofSlots = packedColours(tables.colormap, format);
+    tables.colours.assign(ofSlots.begin(), ofSlots.end());
+    if (lut.ramp())
+        return;
+    tables.colours.resize(lut.entries().size());
+    std::transform(lut.entries().begin(), lut.entries().end(), tables.colours.begin(),
+                   [&](unsigned char slot) { return ofSlots[slot]; });
 }
 
-const cv::Mat& Renderer::tint(const cv::Mat& part, const Channel& channel, ChannelBuffers& buffers,
-                              bool isLast) {
-    cv::Mat source = part;
+RowChannel Renderer::rowChannel(const cv::Mat& plane, const Channel& channel, PixelFormat format,
+                                ChannelTables& tables) {
+    RowChannel row;
+    row.bitDepth = bitDepthOf(plane);
+    row.blend = channel.blend;
+    if (channel.colormap) {
+        setColours(plane, channel, format, tables);
+        row.lut = tables.lut.ramp() ? &tables.lut : nullptr;
+        row.colours = tables.colours.data();
+        return row;
+    }
     if (channel.levels) {
-        if (buffers.display8.rows < part.rows || buffers.display8.cols != part.cols)
-            buffers.display8.create(part.rows, part.cols, CV_8UC1);
-        source = buffers.display8.rowRange(0, part.rows);
-        buffers.lut.apply(part, source);
+        tables.lut.set(row.bitDepth, *channel.levels, channel.gamma);
+        row.lut = &tables.lut;
     }
-    cv::Mat& tinted = isLast ? buffers.lastTinted : buffers.tinted;
-    const auto [red, green, blue] = channel.colour;
-    dye(source, tinted, {{blue, green, red}, false, false});
-    return tinted;
-}
-
-/// Brings the tinted channels into one strip of their size and type.
-void Renderer::combine(const std::vector<Channel>& channels, cv::Mat& strip) {
-    if (isSum_)
-        return composite(tinted_, strip);
-    tinted_.front().copyTo(strip);
-    for (std::size_t i = 1; i < tinted_.size(); ++i) {
-        const Blend blend = channels[visible_[i]].blend;
-        if (strip.depth() == CV_8U)
-            blendRows<unsigned char>(blend, tinted_[i], strip);
-        else
-            blendRows<std::uint16_t>(blend, tinted_[i], strip);
-    }
-}
-
-void Renderer::renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast) {
-    tinted_.clear();
-    const int depth = part.depth();
-    for (const std::size_t i : visible_) {
-        const cv::Rect shown = canvas.overlap.partOf(i);
-        const cv::Rect rows(shown.x, shown.y + firstRow, part.cols, part.rows);
-        tinted_.push_back(tint(canvas.planes[i](rows), canvas.channels[i], buffers_[i], isLast));
-        if (tinted_.back().depth() != depth) {
-            cv::Mat deeper;
-            tinted_.back().convertTo(deeper, depth, 257); // equal shares of full scale
-            tinted_.back() = deeper;
-        }
-    }
-    if (tinted_.size() == 1) // the sum of one
-        return store(tinted_.front(), canvas.format, part);
-    if (canvas.format == PixelFormat::bgr)
-        return combine(canvas.channels, part);
-    sum_.create(part.rows, part.cols, CV_MAKETYPE(depth, 3));
-    combine(canvas.channels, sum_);
-    store(sum_, canvas.format, part);
+    const std::array<std::uint8_t, 3> components = ordered(channel.colour, format);
+    for (std::size_t k = 0; k < components.size(); ++k)
+        row.factors[k] = TintFactor(components[k], row.is16Bit());
+    return row;
 }
 
 void Renderer::render(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels,
                       cv::Mat& image, PixelFormat format) {
-    constexpr int pixelsAtOnce = 1 << 16;
-    prepare(planes, channels);
-    const Canvas canvas{planes, channels, Overlap(planes.front().size(), channels), format};
-    const bool is16Bit = std::any_of(visible_.begin(), visible_.end(), [&](std::size_t i) {
-        return planes[i].depth() == CV_16U && !channels[i].levels;
-    });
-    if (is16Bit && format == PixelFormat::bgra)
+    checkPlanes(planes, channels);
+    const Overlap overlap(planes.front().size(), channels);
+    tables_.resize(std::max(tables_.size(), planes.size()));
+    Row row;
+    row.components = format == PixelFormat::bgra ? 4 : 3;
+    std::vector<cv::Mat> parts;
+    for (std::size_t i = 0; i < planes.size(); ++i) {
+        if (!channels[i].visible)
+            continue;
+        parts.push_back(planes[i](overlap.partOf(i)));
+        row.channels.push_back(rowChannel(planes[i], channels[i], format, tables_[i]));
+        row.is16Bit |= row.channels.back().is16Bit();
+    }
+    if (row.is16Bit && format == PixelFormat::bgra)
         throw RenderError("16-bit channels need contrast limits for display");
-    image.create(canvas.overlap.imageSize(), imageType(format, is16Bit));
-    if (visible_.empty()) {
+    image.create(overlap.imageSize(), CV_MAKETYPE(row.is16Bit ? CV_16U : CV_8U, row.components));
+    if (parts.empty())
         image.setTo(cv::Scalar(0, 0, 0, 255));
-        return;
-    }
-    const int rows = stripRows(image, pixelsAtOnce);
-    for (int first = 0; first < image.rows; first += rows) {
-        const int last = std::min(first + rows, image.rows);
-        renderStrip(canvas, first, image.rowRange(first, last), last - first < rows);
-    }
-    tinted_.clear(); // headers on the buffers, which would be taken for shared
-}
-
-/// The colours are spread over the range of the values that are there, so behind all values stand
-/// the ends of the range that is wanted. 16 bits, because all colours can be reached with them.
-void Renderer::setColourTable(int bitDepth, const ColourMapping& mapping) {
-    const std::size_t size = bitDepth == 8 ? 256 : 65536;
-    if (colours_.size() == size && mapping_ == mapping)
-        return;
-    cv::Mat values(1, static_cast<int>(size) + 2, CV_16UC1);
-    auto* const value = values.ptr<std::uint16_t>();
-    const auto [low, high] = mapping.limits;
-    const double span = std::max(high - low, 1);
-    for (std::size_t i = 0; i < size; ++i) {
-        const int inside = std::clamp(static_cast<int>(i), low, high);
-        const double share = std::pow((inside - low) / span, mapping.gamma);
-        value[i] = static_cast<std::uint16_t>(low + std::lround(span * share));
-    }
-    value[size] = static_cast<std::uint16_t>(low);
-    value[size + 1] = static_cast<std::uint16_t>(high);
-
-    cv::Mat coloured;
-    colourImage(values, mapping.colormap, coloured);
-    const bool redFirst = mapping.format == PixelFormat::rgb;
-    colours_.resize(size);
-    for (std::size_t i = 0; i < size; ++i) {
-        const auto* const bgr = coloured.ptr<std::uint16_t>() + 3 * i;
-        const auto component = [&](std::size_t k) { return std::uint32_t{bgr[k]} >> 8; };
-        colours_[i] = component(redFirst ? 2 : 0) | component(1) << 8 |
-                      component(redFirst ? 0 : 2) << 16 | 0xFF000000;
-    }
-    mapping_ = mapping;
+    else
+        renderRows(row, parts, image, renderRowFor(instructions_));
 }
 
 void Renderer::applyColormap(const cv::Mat& plane, std::optional<ContrastLimits> limits,
                              double gamma, const Colormap& colormap, cv::Mat& image,
                              PixelFormat format) {
-    requireGray(plane);
-    const bool is8Bit = plane.depth() == CV_8U;
-    if (!limits)
-        limits = is8Bit ? rangeOf<unsigned char>(plane) : rangeOf<std::uint16_t>(plane);
-    setColourTable(bitDepthOf(plane), {*limits, gamma, colormap, format});
-    image.create(plane.size(), imageType(format, false));
-    if (is8Bit)
-        lookUpRows<unsigned char>(plane, colours_.data(), image);
-    else
-        lookUpRows<std::uint16_t>(plane, colours_.data(), image);
+    Channel channel;
+    channel.levels = limits;
+    channel.gamma = gamma;
+    channel.colormap = colormap;
+    render({plane}, {channel}, image, format);
 }
 
 } // namespace lumetra

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "render/channel.h"
+#include "render/instruction_set.h"
 #include "render/intensity_lut.h"
+#include "render/pixel_format.h"
 
 #include <opencv2/core/mat.hpp>
 
@@ -13,26 +15,29 @@
 
 namespace lumetra {
 
-/// The order of an image's components.
-enum class PixelFormat {
-    bgr,  ///< CV_8UC3, or CV_16UC3 where pixel values keep their 16 bits.
-    rgb,  ///< The same with red first.
-    bgra, ///< CV_8UC4 for the screen, alpha 255: QImage::Format_RGB32.
-};
+struct RowChannel;
 
-/// Renders images, and keeps the memory that it needs from one to the next.
+/// Renders images, and keeps what it knows of contrast limits and colormaps from one to the next.
 ///
-/// Planes are gray: CV_8UC1 or CV_16UC1, rows × columns, of any row step. They are worked on in
-/// strips of rows that stay in the processor's cache. An object belongs to one thread at a time;
-/// it starts none.
+/// Planes are gray: CV_8UC1 or CV_16UC1, rows × columns, of any row step. An object belongs to one
+/// thread at a time; it starts none.
 class LUMETRA_RENDER_EXPORT Renderer {
 public:
+    /// For the fastest instructions that the processor has.
+    Renderer();
+    /// @param instructions  One of `instructionSets()`.
+    explicit Renderer(InstructionSet instructions);
+
     /// All visible channels in one image.
     ///
     /// A plane with contrast limits is brought to 8 bits through them and its gamma
     /// (`IntensityLut`); one without keeps its values and its bit depth. Then it is multiplied by
     /// its channel's colour and added to the others, clamped, or laid over those before it as its
     /// `Blend` says, all in the depth of the deepest. Of the first, the blend does not count.
+    ///
+    /// In place of that, a channel with a colormap has the colours of it at 8 bits, spread over the
+    /// contrast limits; without them, from the smallest to the largest value of the plane.
+    ///
     /// Hidden channels count for the part of the planes that the image shows (`Overlap`). If none
     /// is visible, it is black.
     ///
@@ -45,7 +50,7 @@ public:
     void render(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels,
                 cv::Mat& image, PixelFormat format = PixelFormat::bgr);
 
-    /// One plane through a colormap.
+    /// One plane through a colormap, as `render` shows a channel that has it.
     ///
     /// @param limits    What the first and the last colour stand for, low <= high; without them,
     ///                  the smallest and the largest pixel value.
@@ -56,39 +61,21 @@ public:
                        PixelFormat format = PixelFormat::bgr);
 
 private:
-    /// The memory of one channel. Strips have one height, and the last of them another.
-    struct ChannelBuffers {
+    /// What the values of one channel become, kept while its settings stay.
+    struct ChannelTables {
         IntensityLut lut;
-        cv::Mat display8, tinted, lastTinted;
-    };
-    /// What the colours of pixel values depend on.
-    struct ColourMapping {
-        ContrastLimits limits;
-        double gamma = 0;
         Colormap colormap{};
         PixelFormat format = PixelFormat::bgr;
-
-        bool operator==(const ColourMapping& other) const {
-            return limits == other.limits && gamma == other.gamma && colormap == other.colormap &&
-                   format == other.format;
-        }
+        std::vector<std::uint32_t> colours; ///< Of the colormap, as `RowChannel` takes them.
     };
-    struct Canvas;
 
-    void prepare(const std::vector<cv::Mat>& planes, const std::vector<Channel>& channels);
-    static const cv::Mat& tint(const cv::Mat& part, const Channel& channel, ChannelBuffers& buffers,
-                               bool isLast);
-    void combine(const std::vector<Channel>& channels, cv::Mat& strip);
-    void renderStrip(const Canvas& canvas, int firstRow, cv::Mat part, bool isLast);
-    void setColourTable(int bitDepth, const ColourMapping& mapping);
+    static void setColours(const cv::Mat& plane, const Channel& channel, PixelFormat format,
+                           ChannelTables& tables);
+    static RowChannel rowChannel(const cv::Mat& plane, const Channel& channel, PixelFormat format,
+                                 ChannelTables& tables);
 
-    std::vector<std::size_t> visible_;
-    std::deque<ChannelBuffers> buffers_;
-    std::vector<cv::Mat> tinted_;
-    bool isSum_ = true; ///< Whether all channels are added.
-    cv::Mat sum_;
-    ColourMapping mapping_;
-    std::vector<std::uint32_t> colours_; ///< Of every pixel value; the first component is lowest.
+    InstructionSet instructions_;
+    std::deque<ChannelTables> tables_; ///< One for each channel.
 };
 
 } // namespace lumetra

@@ -37,7 +37,7 @@ TEST(IntensityLut, IsStretchLevelsGrayForEveryPairOfLevels) {
             ASSERT_EQ(displayed(8, {low, high}, 1), ramp) << low << ':' << high;
             IntensityLut deep; // by the formula
             deep.set(16, {low, high}, 1);
-            ASSERT_TRUE(deep.isRamp());
+            ASSERT_TRUE(deep.ramp().has_value());
             cv::Mat values(1, 256, CV_16UC1), bytes;
             std::iota(values.begin<ushort>(), values.end<ushort>(), ushort{0});
             deep.apply(values, bytes);
@@ -59,7 +59,7 @@ TEST(IntensityLut, RoundsHalvesUpInSixteenBits) {
         const ContrastLimits levels = c.levels;
         IntensityLut table;
         table.set(16, levels, 1);
-        EXPECT_EQ(table.isRamp(), c.isRamp) << levels.low << ':' << levels.high;
+        EXPECT_EQ(table.ramp().has_value(), c.isRamp) << levels.low << ':' << levels.high;
         const auto bytes = displayed(16, levels, 1);
         const std::int64_t span = levels.high - levels.low;
         for (int v = 0; v < 65536; ++v) {

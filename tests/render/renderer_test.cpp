@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <memory>
 #include <numeric>
 #include <string>
 
@@ -78,14 +79,41 @@ cv::Mat plainRender(const std::vector<cv::Mat>& planes, const std::vector<Channe
     return image;
 }
 
-/// The same pixels, opaque.
-cv::Mat forScreen(const cv::Mat& image) {
-    cv::Mat screen;
-    cv::cvtColor(image, screen, cv::COLOR_BGR2BGRA);
-    return screen;
+/// The same pixels in another order, opaque where there are four components.
+cv::Mat inFormat(PixelFormat format, const cv::Mat& bgr) {
+    if (format == PixelFormat::bgr)
+        return bgr;
+    cv::Mat image;
+    cv::cvtColor(bgr, image, format == PixelFormat::rgb ? cv::COLOR_BGR2RGB : cv::COLOR_BGR2BGRA);
+    return image;
 }
 
-TEST(Render, EqualsThePlainLoop) {
+/// Renders into the middle of a larger image, whose other pixels have to stay, too.
+void expectRendered(Renderer& renderer, const std::vector<cv::Mat>& planes,
+                    const std::vector<Channel>& channels, const cv::Mat& expected,
+                    const std::string& name) {
+    for (const PixelFormat format : {PixelFormat::bgr, PixelFormat::rgb, PixelFormat::bgra}) {
+        if (format == PixelFormat::bgra && expected.depth() == CV_16U)
+            continue;
+        const cv::Mat wanted = inFormat(format, expected);
+        cv::Mat framed, large, image;
+        cv::copyMakeBorder(wanted, framed, 1, 1, 2, 2, cv::BORDER_CONSTANT, cv::Scalar::all(77));
+        large = cv::Mat(framed.size(), framed.type(), cv::Scalar::all(77));
+        cv::Mat middle = large({{2, 1}, wanted.size()});
+        renderer.render(planes, channels, middle, format);
+        EXPECT_TRUE(areEqual(large, framed)) << name << ", " << wanted.size();
+        renderer.render(planes, channels, image, format);
+        EXPECT_TRUE(areEqual(image, wanted)) << name << ", " << wanted.size();
+    }
+}
+
+/// Each with all the instructions that this processor has.
+class RenderBy : public testing::TestWithParam<InstructionSet> {};
+using ColormapBy = RenderBy;
+INSTANTIATE_TEST_SUITE_P(Instructions, RenderBy, testing::ValuesIn(instructionSets()));
+INSTANTIATE_TEST_SUITE_P(Instructions, ColormapBy, testing::ValuesIn(instructionSets()));
+
+TEST_P(RenderBy, EqualsThePlainLoop) {
     const ContrastLimits some{700, 60000}, few{20, 200};
     struct Case {
         const char* name;
@@ -107,29 +135,102 @@ TEST(Render, EqualsThePlainLoop) {
          {CV_8UC1, CV_8UC1},
          {channelOf(blue, {}, {}), channelOf(green, {1, 1}, {})}},
         {"deep", {CV_16UC1, CV_16UC1}, {channelOf(blue, {}, {}), channelOf(green, {1, 1}, {})}},
+        {"kept, side by side",
+         {CV_8UC1, CV_8UC1},
+         {channelOf(blue, {}, {}), channelOf(red, {}, {})}},
         {"deep, mixed",
          {CV_8UC1, CV_16UC1, CV_16UC1},
          {channelOf(red, {}, {}), channelOf(green, {}, {}), channelOf(blue, {}, some)}},
         {"one hidden", {CV_16UC1, CV_16UC1}, {channelOf(blue, {}, some), hidden}},
         {"all hidden", {CV_16UC1}, {hidden}},
     };
-    Renderer renderer; // one for all: what it keeps must not show
-    cv::Mat image, screen;
-    for (const cv::Size size : {cv::Size(40, 30), cv::Size(733, 211), cv::Size(21, 5000)}) {
+    Renderer renderer(GetParam()); // one for all: what it keeps must not show
+    for (const cv::Size size : {cv::Size(40, 30), cv::Size(733, 211), cv::Size(21, 5000),
+                                cv::Size(1033, 9), cv::Size(12, 11)}) {
         for (const Case& c : cases) {
             std::vector<cv::Mat> planes;
             for (const int type : c.types)
                 planes.push_back(noisePlane(size, type, static_cast<int>(planes.size())));
             const cv::Mat expected = plainRender(planes, c.channels);
-            renderer.render(planes, c.channels, image);
-            EXPECT_TRUE(areEqual(image, expected)) << c.name << ", " << size;
-            if (expected.depth() == CV_16U) {
+            expectRendered(renderer, planes, c.channels, expected, c.name);
+            if (cv::Mat screen; expected.depth() == CV_16U) {
                 EXPECT_THROW(renderer.render(planes, c.channels, screen, PixelFormat::bgra),
                              RenderError);
-                continue;
             }
-            renderer.render(planes, c.channels, screen, PixelFormat::bgra);
-            EXPECT_TRUE(areEqual(screen, forScreen(expected))) << c.name << ", " << size;
+        }
+    }
+}
+
+/// Pixel values on both sides of every step from black to white.
+cv::Mat stepsBetween(ContrastLimits limits) {
+    const int span = limits.high - limits.low;
+    cv::Mat values(1, 512, CV_16UC1, cv::Scalar(limits.low));
+    for (int level = 1; level <= 255; ++level) {
+        const int first = ((2 * level - 1) * span + 509) / 510;
+        values.at<ushort>(0, 2 * level) = static_cast<ushort>(limits.low + first - 1);
+        values.at<ushort>(0, 2 * level + 1) = static_cast<ushort>(limits.low + first);
+    }
+    values.at<ushort>(0, 0) = 0;
+    values.at<ushort>(0, 1) = 65535;
+    return values;
+}
+
+/// The library's public functions on planes of 8 bits.
+cv::Mat dyedAndComposed(std::vector<cv::Mat> planes, const std::vector<Channel>& channels) {
+    std::vector<cv::Mat> dyed(planes.size());
+    QList<cv::Mat*> pointers;
+    QList<QPoint> offsets;
+    for (std::size_t i = 0; i < planes.size(); ++i) {
+        const auto [r, g, b] = channels[i].colour;
+        Lumetra::Dye(planes[i], dyed[i], r, g, b, false, false);
+        pointers << &dyed[i];
+        offsets << QPoint();
+    }
+    return *std::unique_ptr<cv::Mat>(Lumetra::Composite(&pointers, &offsets));
+}
+
+/// Many spans in one image, a row for each: the library is asked less often.
+TEST_P(RenderBy, IsDyeAndCompositeForEverySpanOfLevels) {
+    constexpr int spansAtOnce = 255;
+    const std::vector<Channel> colours{channelOf(blue, {}, {}), channelOf(red, {}, {})};
+    Renderer renderer(GetParam());
+    for (int firstSpan = 1; firstSpan <= 65535; firstSpan += spansAtOnce) {
+        std::vector<cv::Mat> shown(2);
+        cv::Mat image(spansAtOnce, 512, CV_8UC3), flipped;
+        for (int y = 0; y < spansAtOnce; ++y) {
+            const int span = firstSpan + y, low = span * 7919 % (65536 - span);
+            const ContrastLimits limits{low, low + span};
+            const cv::Mat values = stepsBetween(limits);
+            cv::flip(values, flipped, 1);
+            cv::Mat row = image.row(y);
+            renderer.render({values, flipped},
+                            {channelOf(blue, {}, limits), channelOf(red, {}, limits)}, row);
+
+            cv::Mat displayed(values.size(), CV_8UC1);
+            for (int x = 0; x < values.cols; ++x) {
+                const std::int64_t above = std::clamp(valueAt(values, 0, x) - low, 0, span);
+                displayed.at<uchar>(0, x) = static_cast<uchar>((510 * above + span) / (2 * span));
+            }
+            shown[0].push_back(displayed);
+        }
+        cv::flip(shown[0], shown[1], 1);
+        ASSERT_TRUE(areEqual(image, dyedAndComposed(shown, colours))) << firstSpan;
+    }
+}
+
+/// Of both bit depths, in colours whose components have every value.
+TEST_P(RenderBy, IsDyeForEveryComponentAndIntensity) {
+    cv::Mat bytes(1, 256, CV_8UC1), values(256, 256, CV_16UC1), image, expected;
+    std::iota(bytes.begin<uchar>(), bytes.end<uchar>(), uchar{0});
+    std::iota(values.begin<ushort>(), values.end<ushort>(), ushort{0});
+    Renderer renderer(GetParam());
+    for (int c = 0; c < 256; ++c) {
+        const Colour colour{static_cast<uchar>(c), static_cast<uchar>(255 - c),
+                            static_cast<uchar>(c ^ 85)};
+        for (cv::Mat plane : {bytes, values}) {
+            Lumetra::Dye(plane, expected, colour.red, colour.green, colour.blue, false, false);
+            renderer.render({plane}, {channelOf(colour, {}, {})}, image);
+            ASSERT_TRUE(areEqual(image, expected)) << c << ' ' << plane.type();
         }
     }
 }
@@ -147,6 +248,37 @@ TEST(Render, KeepsItsMemory) {
     EXPECT_EQ(image.data, pixels);
 }
 
+TEST(Render, DoesNotDependOnWhatWasRenderedBefore) {
+    struct Case {
+        int type;
+        const char* colormap;
+        double gamma;
+        PixelFormat format;
+    };
+    const std::vector<Case> cases{
+        {CV_8UC1, nullptr, 0.5, PixelFormat::bgr}, {CV_16UC1, nullptr, 0.5, PixelFormat::bgr},
+        {CV_8UC1, "viridis", 1, PixelFormat::bgr}, {CV_16UC1, "viridis", 1, PixelFormat::bgr},
+        {CV_16UC1, "magma", 1, PixelFormat::bgr},  {CV_16UC1, "viridis", 0.5, PixelFormat::bgr},
+        {CV_16UC1, "viridis", 1, PixelFormat::rgb}};
+    const auto render = [](Renderer& renderer, const Case& c) {
+        Channel channel = channelOf(red, {}, ContrastLimits{20, 30000});
+        channel.gamma = c.gamma;
+        if (c.colormap)
+            channel.colormap = findColormap(c.colormap);
+        cv::Mat image;
+        renderer.render({noisePlane({50, 20}, c.type, 1)}, {channel}, image, c.format);
+        return image;
+    };
+    for (std::size_t before = 0; before < cases.size(); ++before) {
+        for (std::size_t i = 0; i < cases.size(); ++i) {
+            Renderer used, fresh;
+            render(used, cases[before]);
+            EXPECT_TRUE(areEqual(render(used, cases[i]), render(fresh, cases[i])))
+                << i << " after " << before;
+        }
+    }
+}
+
 TEST(Render, RefusesWhatHasNoPicture) {
     Renderer renderer;
     cv::Mat image;
@@ -160,15 +292,15 @@ TEST(Render, RefusesWhatHasNoPicture) {
                  RenderError);
 }
 
-TEST(ApplyColormap, SpreadsTheColoursOverTheLimits) {
+TEST_P(ColormapBy, SpreadsTheColoursOverTheLimits) {
     const Colormap colours = oklabColormap();
-    Renderer renderer;
-    cv::Mat image, screen, rgb, own;
+    Renderer renderer(GetParam());
+    cv::Mat image, own;
     for (const int type : {CV_8UC1, CV_16UC1}) {
         for (const ContrastLimits limits :
-             {ContrastLimits{3, 250}, ContrastLimits{0, 254}, ContrastLimits{90, 91}}) {
+             {ContrastLimits{3, 250}, ContrastLimits{0, 254}, ContrastLimits{90, 91},
+              ContrastLimits{7, 7}, ContrastLimits{1000, 60000}}) {
             const cv::Mat plane = noisePlane({99, 111}, type, 5);
-            renderer.applyColormap(plane, limits, 1, colours, image);
             cv::Mat expected(plane.size(), CV_8UC3);
             for (int y = 0; y < plane.rows; ++y) {
                 for (int x = 0; x < plane.cols; ++x) {
@@ -180,12 +312,10 @@ TEST(ApplyColormap, SpreadsTheColoursOverTheLimits) {
                     expected.at<cv::Vec3b>(y, x) = {b, g, r};
                 }
             }
-            ASSERT_TRUE(areEqual(image, expected));
-            renderer.applyColormap(plane, limits, 1, colours, screen, PixelFormat::bgra);
-            ASSERT_TRUE(areEqual(screen, forScreen(expected)));
-            renderer.applyColormap(plane, limits, 1, colours, rgb, PixelFormat::rgb);
-            cv::cvtColor(rgb, rgb, cv::COLOR_RGB2BGR);
-            ASSERT_TRUE(areEqual(rgb, expected));
+            Channel channel;
+            channel.levels = limits;
+            channel.colormap = colours;
+            expectRendered(renderer, {plane}, {channel}, expected, "colormap");
         }
         // Over the plane's own range, as the library does it for whole images.
         const cv::Mat plane = noisePlane({50, 50}, CV_16UC1, 5);
@@ -196,11 +326,11 @@ TEST(ApplyColormap, SpreadsTheColoursOverTheLimits) {
     }
 }
 
-TEST(ApplyColormap, FollowsGammaBetweenTheLimits) {
+TEST_P(ColormapBy, FollowsGammaBetweenTheLimits) {
     cv::Mat plane(1, 1001, CV_16UC1), image;
     std::iota(plane.begin<ushort>(), plane.end<ushort>(), ushort{0});
     Colormap gray = *findColormap("gray");
-    Renderer renderer;
+    Renderer renderer(GetParam());
     for (const double gamma : {0.5, 2.0}) {
         renderer.applyColormap(plane, ContrastLimits{0, 1000}, gamma, gray, image);
         for (int v = 0; v <= 1000; ++v) // within one of the 255 colours
