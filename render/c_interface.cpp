@@ -11,9 +11,9 @@
 #include <opencv2/core.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <new>
 #include <vector>
 
@@ -209,6 +209,19 @@ Renderer& threadRenderer() {
     return renderer;
 }
 
+/// As `threadRenderer`, for counts.
+Histogram& emptyThreadHistogram(int depth) {
+    static thread_local std::array<Histogram, 2> histograms;
+    Histogram& histogram = histograms[depth == CV_8U ? 0 : 1];
+    histogram.clear();
+    return histogram;
+}
+
+ContrastLimits clipped(const Histogram& histogram, double percent) {
+    require(percent >= 0 && percent < 50, "a share to saturate is from 0 to below 50 percent");
+    return *levelsOf(histogram, {LevelPolicy::Method::clip, percent, {}});
+}
+
 const DyeList& builtInDyes() {
     static const DyeList dyes; // for all threads: callers keep its names
     return dyes;
@@ -316,10 +329,7 @@ int lumetra_count_values(const lumetra_plane* plane, uint64_t* counts, char* rea
                          size_t reason_bytes) {
     return guarded(reason, reason_bytes, [&] {
         require(counts, "there is no memory for the counts");
-        Histogram histogram;
-        histogram.add(matrixOf(current<lumetra_plane>(plane)));
-        std::transform(histogram.counts().begin(), histogram.counts().end(), counts, counts,
-                       std::plus<>());
+        countValues(matrixOf(current<lumetra_plane>(plane)), counts);
     });
 }
 
@@ -328,9 +338,20 @@ int lumetra_contrast_limits(const uint64_t* counts, int32_t bit_depth, double pe
     return guarded(reason, reason_bytes, [&] {
         require(counts && low && high, "there are no counts, or no memory for the limits");
         require(bit_depth == 8 || bit_depth == 16, "counts are of 8 or 16 bits");
-        require(percent >= 0 && percent < 50, "a share to saturate is from 0 to below 50 percent");
-        const Histogram histogram(counts, bit_depth == 8 ? 256 : 65536);
-        const auto limits = *levelsOf(histogram, {LevelPolicy::Method::clip, percent, {}});
+        const auto limits = clipped({counts, bit_depth == 8 ? 256U : 65536U}, percent);
+        *low = limits.low;
+        *high = limits.high;
+    });
+}
+
+int lumetra_measure_limits(const lumetra_plane* plane, double percent, int32_t* low, int32_t* high,
+                           char* reason, size_t reason_bytes) {
+    return guarded(reason, reason_bytes, [&] {
+        require(low && high, "there is no memory for the limits");
+        const cv::Mat matrix = matrixOf(current<lumetra_plane>(plane));
+        Histogram& histogram = emptyThreadHistogram(matrix.depth());
+        histogram.add(matrix);
+        const auto limits = clipped(histogram, percent);
         *low = limits.low;
         *high = limits.high;
     });

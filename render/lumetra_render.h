@@ -146,6 +146,13 @@ LUMETRA_RENDER_EXPORT int lumetra_contrast_limits(const uint64_t* counts, int32_
                                                   double percent, int32_t* low, int32_t* high,
                                                   char* reason, size_t reason_bytes);
 
+/** The contrast limits of one plane, as from its counts, which are held in memory that the thread
+ *  keeps.
+ *  @param percent  As for `lumetra_contrast_limits`. */
+LUMETRA_RENDER_EXPORT int lumetra_measure_limits(const lumetra_plane* plane, double percent,
+                                                 int32_t* low, int32_t* high, char* reason,
+                                                 size_t reason_bytes);
+
 /** Understands `auto`, `clip:PERCENT`, `LOW:HIGH` and `none` (see `lumetra::parseLevelPolicy`). */
 LUMETRA_RENDER_EXPORT int lumetra_parse_level_policy(const char* text, lumetra_level_policy* policy,
                                                      char* reason, size_t reason_bytes);

@@ -236,6 +236,14 @@ TEST(CInterface, KnowsDyesColormapsAndLimits) {
     EXPECT_EQ((ContrastLimits{low, high}), histogram.clipped(2.5));
     EXPECT_EQ(lumetra_contrast_limits(counts.data(), 16, 50, &low, &high, nullptr, 0),
               LUMETRA_FAILED);
+    for (int i = 0; i < 3; ++i) { // nothing is left of the last
+        const cv::Mat other = noisePlane({50, 40}, i < 2 ? CV_16UC1 : CV_8UC1, 3 + i) / (i + 1);
+        const lumetra_plane measured = planeOf(other);
+        ASSERT_EQ(lumetra_measure_limits(&measured, 2.5, &low, &high, nullptr, 0), LUMETRA_OK);
+        Histogram alone;
+        alone.add(other);
+        EXPECT_EQ((ContrastLimits{low, high}), alone.clipped(2.5));
+    }
 }
 
 TEST(CInterface, AppliesColormaps) {
@@ -432,6 +440,9 @@ TEST(CInterface, AnswersNonsenseWithAReason) {
         });
         answers([&](char* reason, std::size_t bytes) {
             return lumetra_count_values(some, counts.data(), reason, bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_measure_limits(some, channels[0].gamma, &low, &high, reason, bytes);
         });
         answers([&](char* reason, std::size_t bytes) {
             return lumetra_contrast_limits(counts.data(), nonsense.number(), channels[0].gamma,
