@@ -118,9 +118,6 @@ def dye(name: str) -> Dye:
 def nearest(*, emission: float) -> Dye:
     """The dye that emits nearest to a wavelength and has the colour of its emission.
 
-    It is the one whose colour the command gives a channel of which a file tells the emission
-    alone.
-
     Parameters
     ----------
     emission : float

@@ -42,8 +42,8 @@ def _each(value: Any, channels: int, is_one: Callable[[Any], bool], name: str) -
     values = list(value)
     if len(values) != channels:
         raise ValueError(
-            f"{name} has {len(values)} values for {channels} channels: give one for all, or one "
-            "for each in their order"
+            f"{name}: {len(values)} given for {channels} channels; give one for all, or one for "
+            "each in their order"
         )
     return values
 
@@ -82,7 +82,7 @@ def _offsets(offsets: Optional[Sequence[Offset]], channels: int) -> Sequence[Off
             raise ValueError(f"the offset ({x}, {y}) is too large")
         result.append((x, y))
     if len(result) != channels:
-        raise ValueError(f"there are {len(result)} offsets for {channels} channels")
+        raise ValueError(f"{channels} channels need as many offsets, not {len(result)}")
     return result
 
 
@@ -171,7 +171,7 @@ def merge(
         raise TypeError("dyes is a list of one dye for each channel")
     colours = [_dyes.colour(dye) for dye in dyes]
     if len(colours) != count:
-        raise ValueError(f"there are {len(colours)} dyes for {count} channels")
+        raise ValueError(f"{count} channels need as many dyes, not {len(colours)}")
     shifts = _offsets(offsets, count)
     blends = _each(blend, count, _is_text, "blend")
     gammas = _each(gamma, count, _is_number, "gamma")
