@@ -12,7 +12,7 @@
 namespace lumetra {
 namespace {
 
-template<class Value>
+template<class Value> // NOLINTNEXTLINE(readability-non-const-parameter): it is written to
 void count(const cv::Mat& plane, std::uint64_t* counts) {
     const int columns = plane.cols;
     for (int y = 0; y < plane.rows; ++y) {
