@@ -203,6 +203,21 @@ void drawInto(const lumetra_image& given, cv::Size size, int type, Draw draw) {
                     rowBytes);
 }
 
+/// Projects in strips of a megabyte or two: small enough for what is made of the planes so far to
+/// stay in the cache, large enough for each plane to be read ahead.
+void project(const std::vector<cv::Mat>& planes, ProjectionMethod method, cv::Mat& result) {
+    constexpr int pixelsAtOnce = 1 << 19;
+    const int rows = std::max(1, pixelsAtOnce / result.cols);
+    for (int first = 0; first < result.rows; first += rows) {
+        const cv::Range strip(first, std::min(first + rows, result.rows));
+        Projection projection(method);
+        for (const cv::Mat& plane : planes)
+            projection.add(plane.rowRange(strip));
+        cv::Mat part = result.rowRange(strip);
+        projection.result().copyTo(part);
+    }
+}
+
 /// The memory that a thread's images take is kept for its next ones.
 Renderer& threadRenderer() {
     static thread_local Renderer renderer;
@@ -316,12 +331,16 @@ int lumetra_project(const lumetra_plane* planes, size_t count, int32_t method,
         require(given.format == LUMETRA_GRAY, "a projection is gray");
         require(method >= LUMETRA_MAX && method <= LUMETRA_SUM,
                 "a projection is none of those that there are");
-        Projection projection(static_cast<ProjectionMethod>(method));
-        for (std::size_t i = 0; i < count; ++i)
-            projection.add(matrixOf(elementOf(planes, i)));
-        const cv::Mat result = projection.result();
-        drawInto(given, result.size(), result.type(),
-                 [&](cv::Mat& target) { result.copyTo(target); });
+        const std::vector<cv::Mat> matrices = matricesOf(planes, count);
+        require(count > 0, "there are no planes to project");
+        const cv::Mat& first = matrices.front();
+        for (const cv::Mat& matrix : matrices)
+            require(matrix.size() == first.size(), "the planes have different sizes");
+        const int type = method == LUMETRA_SUM ? CV_16UC1 : first.type();
+        drawInto(given, first.size(), type, [&](cv::Mat& target) {
+            target.create(first.size(), type);
+            project(matrices, static_cast<ProjectionMethod>(method), target);
+        });
     });
 }
 

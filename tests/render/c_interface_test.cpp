@@ -314,7 +314,7 @@ TEST(CInterface, ProjectsPlanes) {
             std::vector<lumetra_plane> given;
             Projection projection(method);
             for (int i = 0; i < 5; ++i) {
-                planes.push_back(noisePlane({33, 21}, type, i));
+                planes.push_back(noisePlane({997, 1201}, type, i)); // of three strips
                 given.push_back(planeOf(planes.back()));
                 projection.add(planes.back());
             }
