@@ -24,7 +24,7 @@ SETTINGS = [
         ["--levels", "9:4000", "--levels", "clip:2.5", "--levels", "clip:0.1"]
         + ["--gamma", "1", "--gamma", "2.2", "--gamma", "0.45"],
         {
-            "contrast_limits": [(8.6, np.float32(4000)), "clip:2.5", None],
+            "contrast_limits": [(8.6, np.float32(3999.6)), "clip:2.5", None],
             "gamma": [1, 2.2, np.float64(0.45)],
         },
     ),
@@ -130,5 +130,6 @@ def test_dyes_and_words(command):
         colour = "#%02x%02x%02x" % dye.colour
         lines.append(f"{excitation:>10}  {emission:>8}  {colour}  {dye.source:<12}  {dye.name}")
     assert listed.splitlines()[1:] == lines
+    assert lumetra.dye("red").excitation is None and lumetra.dye("red").emission is None
     told = subprocess.run([command, "--version"], check=True, capture_output=True, text=True)
     assert told.stdout == f"lumetra {lumetra.__version__}\n"
