@@ -80,6 +80,19 @@ if(LUMETRA_BUILD_APPS)
       "liblumetra-render0 (= ${PROJECT_VERSION}), fonts-dejavu-core")
 endif()
 
+if(LUMETRA_BUILD_PYTHON AND LUMETRA_QT_MAJOR EQUAL 5)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-lumetra)
+  set(CPACK_DEBIAN_PYTHON_DESCRIPTION "${description}\nThis package contains the package lumetra for Python, on numpy.")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+      "liblumetra-render0 (= ${PROJECT_VERSION}), python3 (>= 3.9), python3-numpy")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+      "${PROJECT_SOURCE_DIR}/packaging/python/postinst;${PROJECT_SOURCE_DIR}/packaging/python/prerm")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
+endif()
+
 # Every package contains the licence and the changes, where and as Debian expects them.
 foreach(file IN ITEMS changelog tools/lumetra.1)
   get_filename_component(name ${file} NAME)

@@ -1,16 +1,19 @@
 #include "render/colormaps.h"
 #include "render/dyes.h"
+#include "render/image_composite.h"
 #include "render/level_policy.h"
 #include "render/lumetra_render.h"
 #include "render/overlap.h"
+#include "render/projection.h"
 #include "render/render_error.h"
 #include "render/renderer.h"
 
 #include <opencv2/core.hpp>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstring>
-#include <functional>
 #include <new>
 #include <vector>
 
@@ -29,9 +32,13 @@ void writeReason(const char* text, char* reason, std::size_t bytes) {
 /// Runs what may throw, and tells the reason where it does.
 template<class Work>
 int guarded(char* reason, std::size_t bytes, Work work) noexcept {
-    const auto fail = [&](const char* text) {
+    const auto fail = [&](const char* text) -> int {
         writeReason(text, reason, bytes);
         return LUMETRA_FAILED;
+    };
+    const auto lackMemory = [&]() -> int {
+        writeReason("there is not enough memory", reason, bytes);
+        return LUMETRA_NO_MEMORY;
     };
     try {
         work();
@@ -39,10 +46,9 @@ int guarded(char* reason, std::size_t bytes, Work work) noexcept {
     } catch (const RenderError& error) {
         return fail(error.what());
     } catch (const cv::Exception& error) {
-        return fail(error.code == cv::Error::StsNoMem ? "there is not enough memory"
-                                                      : error.err.c_str());
+        return error.code == cv::Error::StsNoMem ? lackMemory() : fail(error.err.c_str());
     } catch (const std::bad_alloc&) {
-        return fail("there is not enough memory");
+        return lackMemory();
     } catch (...) {
         return fail("cannot be done");
     }
@@ -57,9 +63,10 @@ void require(bool condition, const char* reason) {
 template<class Struct>
 Struct current(const void* given) {
     require(given, "a structure is missing");
+    constexpr std::size_t mostBytes = 4096; // no version of any structure is as large
     std::size_t size = 0;
     std::memcpy(&size, given, sizeof size);
-    require(size > sizeof size, "a structure does not begin with its size");
+    require(size > sizeof size && size <= mostBytes, "a structure does not begin with its size");
     Struct known{};
     std::memcpy(&known, given, std::min(size, sizeof known));
     return known;
@@ -88,26 +95,38 @@ bool isMatrix(const void* pixels, std::ptrdiff_t step, std::size_t rowBytes, std
 }
 
 /// The pixels where they are; a copy of rows that no matrix can have.
-cv::Mat matrixOf(const lumetra_plane& plane) {
-    require(plane.pixels && plane.width > 0 && plane.height > 0, "a plane has no pixels");
-    require(plane.bit_depth == 8 || plane.bit_depth == 16, "a plane has neither 8 nor 16 bits");
-    const int type = plane.bit_depth == 8 ? CV_8UC1 : CV_16UC1;
-    const std::size_t unit = plane.bit_depth == 8 ? 1 : 2;
-    const std::size_t rowBytes = unit * static_cast<std::size_t>(plane.width);
-    if (isMatrix(plane.pixels, plane.row_step, rowBytes, unit))
-        return {plane.height, plane.width, type, const_cast<void*>(plane.pixels),
-                static_cast<std::size_t>(plane.row_step)};
-    cv::Mat copy(plane.height, plane.width, type);
-    for (int y = 0; y < plane.height; ++y)
-        std::memcpy(copy.ptr(y),
-                    static_cast<const unsigned char*>(plane.pixels) + y * plane.row_step, rowBytes);
+cv::Mat matrixOf(const void* pixels, std::ptrdiff_t step, cv::Size size, int type) {
+    const std::size_t rowBytes = static_cast<std::size_t>(size.width) * CV_ELEM_SIZE(type);
+    if (isMatrix(pixels, step, rowBytes, CV_ELEM_SIZE1(type)))
+        return {size, type, const_cast<void*>(pixels), static_cast<std::size_t>(step)};
+    cv::Mat copy(size, type);
+    for (int y = 0; y < size.height; ++y)
+        std::memcpy(copy.ptr(y), static_cast<const unsigned char*>(pixels) + y * step, rowBytes);
     return copy;
 }
 
-std::vector<cv::Mat> matricesOf(const lumetra_plane* planes, std::size_t count) {
+cv::Mat matrixOf(const lumetra_plane& plane) {
+    require(plane.pixels && plane.width > 0 && plane.height > 0, "a plane has no pixels");
+    require(plane.bit_depth == 8 || plane.bit_depth == 16, "a plane has neither 8 nor 16 bits");
+    return matrixOf(plane.pixels, plane.row_step, {plane.width, plane.height},
+                    plane.bit_depth == 8 ? CV_8UC1 : CV_16UC1);
+}
+
+cv::Mat matrixOf(const lumetra_image& image) {
+    require(image.pixels && image.width > 0 && image.height > 0, "an image has no pixels");
+    require(image.bit_depth == 8 || image.bit_depth == 16, "an image has neither 8 nor 16 bits");
+    require(image.format == LUMETRA_BGR || image.format == LUMETRA_RGB,
+            "an image to be composited has three components");
+    return matrixOf(image.pixels, image.row_step, {image.width, image.height},
+                    image.bit_depth == 8 ? CV_8UC3 : CV_16UC3);
+}
+
+/// @param given  Planes or images, with their size.
+template<class Struct>
+std::vector<cv::Mat> matricesOf(const Struct* given, std::size_t count) {
     std::vector<cv::Mat> matrices;
     for (std::size_t i = 0; i < count; ++i)
-        matrices.push_back(matrixOf(elementOf(planes, i)));
+        matrices.push_back(matrixOf(elementOf(given, i)));
     return matrices;
 }
 
@@ -162,32 +181,60 @@ int bitDepthOf(const std::vector<cv::Mat>& planes, const std::vector<Channel>& c
     return 8;
 }
 
+int componentsOf(PixelFormat format) { return format == PixelFormat::bgra ? 4 : 3; }
+
 /// Lets `draw` make an image of this type in the caller's memory, or beside it where no matrix can
 /// have those rows.
 template<class Draw>
-void drawInto(const lumetra_image& given, cv::Size size, int bitDepth, Draw draw) {
-    const PixelFormat format = formatOf(given);
-    require(given.width == size.width && given.height == size.height && given.bit_depth == bitDepth,
+void drawInto(const lumetra_image& given, cv::Size size, int type, Draw draw) {
+    require(given.width == size.width && given.height == size.height &&
+                given.bit_depth == 8 * static_cast<int>(CV_ELEM_SIZE1(type)),
             "the memory for the image has another size or bit depth than the image");
     require(given.pixels, "there is no memory for the image");
-    const int depth = bitDepth == 8 ? CV_8U : CV_16U;
-    const int type = CV_MAKETYPE(depth, format == PixelFormat::bgra ? 4 : 3);
     const std::size_t rowBytes = static_cast<std::size_t>(size.width) * CV_ELEM_SIZE(type);
     if (isMatrix(given.pixels, given.row_step, rowBytes, CV_ELEM_SIZE1(type))) {
         cv::Mat image(size, type, given.pixels, static_cast<std::size_t>(given.row_step));
-        return draw(image, format);
+        return draw(image);
     }
     cv::Mat image;
-    draw(image, format);
+    draw(image);
     for (int y = 0; y < size.height; ++y)
         std::memcpy(static_cast<unsigned char*>(given.pixels) + y * given.row_step, image.ptr(y),
                     rowBytes);
+}
+
+/// Projects in strips of a megabyte or two: small enough for what is made of the planes so far to
+/// stay in the cache, large enough for each plane to be read ahead.
+void project(const std::vector<cv::Mat>& planes, ProjectionMethod method, cv::Mat& result) {
+    constexpr int pixelsAtOnce = 1 << 19;
+    const int rows = std::max(1, pixelsAtOnce / result.cols);
+    for (int first = 0; first < result.rows; first += rows) {
+        const cv::Range strip(first, std::min(first + rows, result.rows));
+        Projection projection(method);
+        for (const cv::Mat& plane : planes)
+            projection.add(plane.rowRange(strip));
+        cv::Mat part = result.rowRange(strip);
+        projection.result().copyTo(part);
+    }
 }
 
 /// The memory that a thread's images take is kept for its next ones.
 Renderer& threadRenderer() {
     static thread_local Renderer renderer;
     return renderer;
+}
+
+/// As `threadRenderer`, for counts.
+Histogram& emptyThreadHistogram(int depth) {
+    static thread_local std::array<Histogram, 2> histograms;
+    Histogram& histogram = histograms[depth == CV_8U ? 0 : 1];
+    histogram.clear();
+    return histogram;
+}
+
+ContrastLimits clipped(const Histogram& histogram, double percent) {
+    require(percent >= 0 && percent < 50, "a share to saturate is from 0 to below 50 percent");
+    return *levelsOf(histogram, {LevelPolicy::Method::clip, percent, {}});
 }
 
 const DyeList& builtInDyes() {
@@ -204,6 +251,7 @@ void giveDye(const Dye& dye, lumetra_dye* given) {
     known.red = dye.colour.red;
     known.green = dye.colour.green;
     known.blue = dye.colour.blue;
+    known.source = dye.source.c_str();
     giveBack(known, given);
 }
 
@@ -232,11 +280,11 @@ int lumetra_render(const lumetra_plane* planes, const lumetra_channel* channels,
         const std::vector<Channel> settings = channelsOf(channels, count);
         require(count > 0, "there are no channels to show");
         const cv::Size size = Overlap(matrices.front().size(), settings).imageSize();
-        const int bitDepth =
-            formatOf(given) == PixelFormat::bgra ? 8 : bitDepthOf(matrices, settings);
-        drawInto(given, size, bitDepth, [&](cv::Mat& target, PixelFormat format) {
-            threadRenderer().render(matrices, settings, target, format);
-        });
+        const PixelFormat format = formatOf(given);
+        const bool is8Bit = format == PixelFormat::bgra || bitDepthOf(matrices, settings) == 8;
+        drawInto(
+            given, size, CV_MAKETYPE(is8Bit ? CV_8U : CV_16U, componentsOf(format)),
+            [&](cv::Mat& target) { threadRenderer().render(matrices, settings, target, format); });
     });
 }
 
@@ -250,11 +298,49 @@ int lumetra_apply_colormap(const lumetra_plane* plane, const lumetra_channel* se
         Colormap colours;
         for (std::size_t i = 0; i < colours.size(); ++i)
             colours[i] = {colormap[3 * i], colormap[3 * i + 1], colormap[3 * i + 2]};
-        drawInto(current<lumetra_image>(image), matrix.size(), 8,
-                 [&](cv::Mat& target, PixelFormat format) {
+        const auto given = current<lumetra_image>(image);
+        const PixelFormat format = formatOf(given);
+        drawInto(given, matrix.size(), CV_MAKETYPE(CV_8U, componentsOf(format)),
+                 [&](cv::Mat& target) {
                      threadRenderer().applyColormap(matrix, channel.levels, channel.gamma, colours,
                                                     target, format);
                  });
+    });
+}
+
+int lumetra_composite(const lumetra_image* images, const lumetra_channel* channels, size_t count,
+                      const lumetra_image* image, char* reason, size_t reason_bytes) {
+    return guarded(reason, reason_bytes, [&] {
+        const auto given = current<lumetra_image>(image);
+        const std::vector<cv::Mat> matrices = matricesOf(images, count);
+        const std::vector<Channel> settings = channelsOf(channels, count);
+        require(count > 0, "there are no images to show");
+        for (std::size_t i = 0; i < count; ++i)
+            require(elementOf(images, i).format == given.format,
+                    "the images have different pixel formats");
+        const cv::Size size = Overlap(matrices.front().size(), settings).imageSize();
+        drawInto(given, size, matrices.front().type(),
+                 [&](cv::Mat& target) { compositeImages(matrices, settings, target); });
+    });
+}
+
+int lumetra_project(const lumetra_plane* planes, size_t count, int32_t method,
+                    const lumetra_image* image, char* reason, size_t reason_bytes) {
+    return guarded(reason, reason_bytes, [&] {
+        const auto given = current<lumetra_image>(image);
+        require(given.format == LUMETRA_GRAY, "a projection is gray");
+        require(method >= LUMETRA_MAX && method <= LUMETRA_SUM,
+                "a projection is none of those that there are");
+        const std::vector<cv::Mat> matrices = matricesOf(planes, count);
+        require(count > 0, "there are no planes to project");
+        const cv::Mat& first = matrices.front();
+        for (const cv::Mat& matrix : matrices)
+            require(matrix.size() == first.size(), "the planes have different sizes");
+        const int type = method == LUMETRA_SUM ? CV_16UC1 : first.type();
+        drawInto(given, first.size(), type, [&](cv::Mat& target) {
+            target.create(first.size(), type);
+            project(matrices, static_cast<ProjectionMethod>(method), target);
+        });
     });
 }
 
@@ -262,10 +348,7 @@ int lumetra_count_values(const lumetra_plane* plane, uint64_t* counts, char* rea
                          size_t reason_bytes) {
     return guarded(reason, reason_bytes, [&] {
         require(counts, "there is no memory for the counts");
-        Histogram histogram;
-        histogram.add(matrixOf(current<lumetra_plane>(plane)));
-        std::transform(histogram.counts().begin(), histogram.counts().end(), counts, counts,
-                       std::plus<>());
+        countValues(matrixOf(current<lumetra_plane>(plane)), counts);
     });
 }
 
@@ -274,11 +357,36 @@ int lumetra_contrast_limits(const uint64_t* counts, int32_t bit_depth, double pe
     return guarded(reason, reason_bytes, [&] {
         require(counts && low && high, "there are no counts, or no memory for the limits");
         require(bit_depth == 8 || bit_depth == 16, "counts are of 8 or 16 bits");
-        require(percent >= 0 && percent < 50, "a share to saturate is from 0 to below 50 percent");
-        const Histogram histogram(counts, bit_depth == 8 ? 256 : 65536);
-        const auto limits = *levelsOf(histogram, {LevelPolicy::Method::clip, percent, {}});
+        const auto limits = clipped({counts, bit_depth == 8 ? 256U : 65536U}, percent);
         *low = limits.low;
         *high = limits.high;
+    });
+}
+
+int lumetra_measure_limits(const lumetra_plane* plane, double percent, int32_t* low, int32_t* high,
+                           char* reason, size_t reason_bytes) {
+    return guarded(reason, reason_bytes, [&] {
+        require(low && high, "there is no memory for the limits");
+        const cv::Mat matrix = matrixOf(current<lumetra_plane>(plane));
+        Histogram& histogram = emptyThreadHistogram(matrix.depth());
+        histogram.add(matrix);
+        const auto limits = clipped(histogram, percent);
+        *low = limits.low;
+        *high = limits.high;
+    });
+}
+
+int lumetra_parse_level_policy(const char* text, lumetra_level_policy* policy, char* reason,
+                               size_t reason_bytes) {
+    return guarded(reason, reason_bytes, [&] {
+        require(text, "there is no text");
+        auto known = current<lumetra_level_policy>(policy);
+        const LevelPolicy parsed = parseLevelPolicy(text);
+        known.method = static_cast<std::int32_t>(parsed.method);
+        known.low = parsed.limits.low;
+        known.high = parsed.limits.high;
+        known.percent = parsed.percent;
+        giveBack(known, policy);
     });
 }
 
@@ -290,6 +398,14 @@ int lumetra_find_dye(const char* name, lumetra_dye* dye, char* reason, size_t re
     return guarded(reason, reason_bytes, [&] {
         require(name, "there is no name");
         giveDye(builtInDyes().at(name), dye);
+    });
+}
+
+int lumetra_nearest_dye(double emission, lumetra_dye* dye, char* reason, size_t reason_bytes) {
+    return guarded(reason, reason_bytes, [&] {
+        require(std::isfinite(emission) && emission > 0,
+                "an emission wavelength is a number of nanometres");
+        giveDye(builtInDyes().nearestByEmission(emission), dye);
     });
 }
 

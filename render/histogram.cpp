@@ -12,9 +12,8 @@
 namespace lumetra {
 namespace {
 
-template<class Value>
-void count(const cv::Mat& plane, std::vector<std::uint64_t>& countOf) {
-    std::uint64_t* const counts = countOf.data();
+template<class Value> // NOLINTNEXTLINE(readability-non-const-parameter): it is written to
+void count(const cv::Mat& plane, std::uint64_t* counts) {
     const int columns = plane.cols;
     for (int y = 0; y < plane.rows; ++y) {
         const auto* row = plane.ptr<Value>(y);
@@ -24,6 +23,14 @@ void count(const cv::Mat& plane, std::vector<std::uint64_t>& countOf) {
 }
 
 } // namespace
+
+void countValues(const cv::Mat& plane, std::uint64_t* counts) {
+    CV_Assert(plane.type() == CV_8UC1 || plane.type() == CV_16UC1);
+    if (plane.depth() == CV_16U)
+        count<std::uint16_t>(plane, counts);
+    else
+        count<unsigned char>(plane, counts);
+}
 
 Histogram::Histogram(const std::uint64_t* counts, std::size_t values)
     : counts_(counts, counts + values),
@@ -38,12 +45,8 @@ void Histogram::setValues(std::size_t values) {
 
 void Histogram::add(const cv::Mat& plane) {
     CV_Assert(plane.type() == CV_8UC1 || plane.type() == CV_16UC1);
-    const bool deep = plane.depth() == CV_16U;
-    setValues(deep ? 65536 : 256);
-    if (deep)
-        count<std::uint16_t>(plane, counts_);
-    else
-        count<unsigned char>(plane, counts_);
+    setValues(plane.depth() == CV_16U ? 65536 : 256);
+    countValues(plane, counts_.data());
     total_ += plane.total();
 }
 

@@ -10,6 +10,11 @@
 
 namespace lumetra {
 
+/// Adds the pixel values of a plane to counts.
+/// @param plane   CV_8UC1 or CV_16UC1; cv::Exception for another type.
+/// @param counts  One for each value: 256 or 65,536 of them.
+LUMETRA_RENDER_EXPORT void countValues(const cv::Mat& plane, std::uint64_t* counts);
+
 /// Counts of the pixel values of gray planes, one for each value. Counts add exactly, so what
 /// follows from them does not depend on how a data set is cut into parts.
 class LUMETRA_RENDER_EXPORT Histogram {

@@ -9,8 +9,9 @@
  * **Structures** begin with their size, `sizeof` in the caller's eyes, so that later versions can
  * add members at the end; those that the caller does not have count as zero.
  *
- * **Results** are `LUMETRA_OK`, or `LUMETRA_FAILED` with a reason in the caller's buffer: UTF-8 in
- * one piece that ends with NUL, cut at its size; the buffer may be null.
+ * **Results** are `LUMETRA_OK`, or another number with a reason in the caller's buffer: UTF-8 in
+ * one piece that ends with NUL, cut at its size; the buffer may be null. `LUMETRA_NO_MEMORY` tells
+ * that there was not enough memory, `LUMETRA_FAILED` everything else.
  *
  * **Threads** may call anything at the same time. What is kept between calls, memory for the next
  * image, belongs to the calling thread.
@@ -28,13 +29,19 @@
 extern "C" {
 #endif
 
-enum { LUMETRA_OK = 0, LUMETRA_FAILED = 1 };
+enum { LUMETRA_OK = 0, LUMETRA_FAILED = 1, LUMETRA_NO_MEMORY = 2 };
 
-/** The order of an image's components. */
-enum { LUMETRA_BGR = 0, LUMETRA_RGB = 1, LUMETRA_BGRA = 2 };
+/** The order of an image's components; LUMETRA_GRAY is for `lumetra_project` alone. */
+enum { LUMETRA_BGR = 0, LUMETRA_RGB = 1, LUMETRA_BGRA = 2, LUMETRA_GRAY = 3 };
 
 /** How a channel is laid over the visible channels before it (see `lumetra::Blend`). */
 enum { LUMETRA_ADD = 0, LUMETRA_SCREEN = 1, LUMETRA_DARKEST = 2 };
+
+/** What a pixel of a projection is (see `lumetra::ProjectionMethod`). */
+enum { LUMETRA_MAX = 0, LUMETRA_MEAN = 1, LUMETRA_SUM = 2 };
+
+/** How contrast limits are found (see `lumetra::LevelPolicy`). */
+enum { LUMETRA_CLIP = 0, LUMETRA_FIXED = 1, LUMETRA_KEEP_VALUES = 2 };
 
 /** A plane of gray pixels, only read. */
 typedef struct lumetra_plane {
@@ -66,8 +73,16 @@ typedef struct lumetra_image {
     int32_t width;      /**< Of the image as `lumetra_image_size` tells it. */
     int32_t height;
     int32_t bit_depth; /**< As `lumetra_image_size` tells it. */
-    int32_t format;    /**< LUMETRA_BGR, LUMETRA_RGB or LUMETRA_BGRA. */
+    int32_t format;    /**< LUMETRA_BGR, LUMETRA_RGB, LUMETRA_BGRA or LUMETRA_GRAY. */
 } lumetra_image;
+
+/** How contrast limits are found. */
+typedef struct lumetra_level_policy {
+    size_t struct_size;
+    int32_t method;    /**< LUMETRA_CLIP, LUMETRA_FIXED or LUMETRA_KEEP_VALUES. */
+    int32_t low, high; /**< Of LUMETRA_FIXED. */
+    double percent;    /**< Of LUMETRA_CLIP, of the pixels at each end; 0 cuts none off. */
+} lumetra_level_policy;
 
 /** A built-in dye, or a colour by its name. */
 typedef struct lumetra_dye {
@@ -75,6 +90,7 @@ typedef struct lumetra_dye {
     const char* name;             /**< UTF-8, for as long as the library is loaded. */
     int32_t excitation, emission; /**< Peaks in nanometres, 0 for a colour. */
     int32_t red, green, blue;
+    const char* source; /**< Where it comes from, as a user reads it; stays like the name. */
 } lumetra_dye;
 
 /** Tells the size and bit depth of the image that `lumetra_render` makes of these. Only `width`,
@@ -100,6 +116,26 @@ LUMETRA_RENDER_EXPORT int lumetra_apply_colormap(const lumetra_plane* plane,
                                                  const lumetra_image* image, char* reason,
                                                  size_t reason_bytes);
 
+/** Lays images that have their colours already over each other, at their bit depth (see
+ *  `lumetra::compositeImages`).
+ *  @param images    `count` of them, only read, in LUMETRA_BGR or LUMETRA_RGB.
+ *  @param channels  `count` of them; of each, its offset, its blend and `hidden` count.
+ *  @param image     In the format and bit depth of the images, and of the size that they share once
+ *                   they are moved; overlaps none of them. */
+LUMETRA_RENDER_EXPORT int lumetra_composite(const lumetra_image* images,
+                                            const lumetra_channel* channels, size_t count,
+                                            const lumetra_image* image, char* reason,
+                                            size_t reason_bytes);
+
+/** Planes, such as z-slices, seen as one (see `lumetra::Projection`).
+ *  @param planes  `count` of them, of one size and bit depth.
+ *  @param method  LUMETRA_MAX, LUMETRA_MEAN or LUMETRA_SUM.
+ *  @param image   In LUMETRA_GRAY, of the size and bit depth of the planes; for LUMETRA_SUM, of 16
+ *                 bits. */
+LUMETRA_RENDER_EXPORT int lumetra_project(const lumetra_plane* planes, size_t count, int32_t method,
+                                          const lumetra_image* image, char* reason,
+                                          size_t reason_bytes);
+
 /** Adds the pixel values of a plane to counts, one for each value: 256 or 65,536 of them. */
 LUMETRA_RENDER_EXPORT int lumetra_count_values(const lumetra_plane* plane, uint64_t* counts,
                                                char* reason, size_t reason_bytes);
@@ -110,6 +146,17 @@ LUMETRA_RENDER_EXPORT int lumetra_contrast_limits(const uint64_t* counts, int32_
                                                   double percent, int32_t* low, int32_t* high,
                                                   char* reason, size_t reason_bytes);
 
+/** The contrast limits of one plane, as from its counts, which are held in memory that the thread
+ *  keeps.
+ *  @param percent  As for `lumetra_contrast_limits`. */
+LUMETRA_RENDER_EXPORT int lumetra_measure_limits(const lumetra_plane* plane, double percent,
+                                                 int32_t* low, int32_t* high, char* reason,
+                                                 size_t reason_bytes);
+
+/** Understands `auto`, `clip:PERCENT`, `LOW:HIGH` and `none` (see `lumetra::parseLevelPolicy`). */
+LUMETRA_RENDER_EXPORT int lumetra_parse_level_policy(const char* text, lumetra_level_policy* policy,
+                                                     char* reason, size_t reason_bytes);
+
 /** The dyes in the order of their names, whatever their case; LUMETRA_FAILED from the end on. */
 LUMETRA_RENDER_EXPORT int lumetra_dye_at(size_t index, lumetra_dye* dye);
 
@@ -117,6 +164,11 @@ LUMETRA_RENDER_EXPORT int lumetra_dye_at(size_t index, lumetra_dye* dye);
  * ones where there is none. */
 LUMETRA_RENDER_EXPORT int lumetra_find_dye(const char* name, lumetra_dye* dye, char* reason,
                                            size_t reason_bytes);
+
+/** The dye that emits nearest to a wavelength and has the colour of its emission.
+ *  @param emission  In nanometres. */
+LUMETRA_RENDER_EXPORT int lumetra_nearest_dye(double emission, lumetra_dye* dye, char* reason,
+                                              size_t reason_bytes);
 
 /** The names of the colormaps; null from the end on. */
 LUMETRA_RENDER_EXPORT const char* lumetra_colormap_name(size_t index);

@@ -3,14 +3,18 @@
 #include "render/colormaps.h"
 #include "render/dyes.h"
 #include "render/histogram.h"
+#include "render/projection.h"
 #include "render/renderer.h"
 
 #include "planes.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cmath>
 #include <cstring>
 #include <numeric>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -24,6 +28,16 @@ lumetra_plane planeOf(const cv::Mat& plane) {
             plane.cols,
             plane.rows,
             plane.depth() == CV_8U ? 8 : 16};
+}
+
+lumetra_image imageOf(const cv::Mat& image, int format) {
+    return {sizeof(lumetra_image),
+            image.data,
+            static_cast<ptrdiff_t>(image.step),
+            image.cols,
+            image.rows,
+            image.depth() == CV_8U ? 8 : 16,
+            format};
 }
 
 lumetra_channel channelOf(const Channel& channel) {
@@ -184,12 +198,17 @@ TEST(CInterface, KnowsDyesColormapsAndLimits) {
     ASSERT_EQ(lumetra_find_dye("dapi", &dye, nullptr, 0), LUMETRA_OK);
     EXPECT_STREQ(dye.name, "DAPI");
     EXPECT_EQ(dye.emission, 461);
+    EXPECT_STREQ(dye.source, "catalogue");
+    const DyeList list;
+    ASSERT_EQ(lumetra_nearest_dye(520, &dye, nullptr, 0), LUMETRA_OK);
+    EXPECT_EQ(dye.name, list.nearestByEmission(520).name);
+    for (const double emission : {0.0, std::nan(""), HUGE_VAL})
+        EXPECT_EQ(lumetra_nearest_dye(emission, &dye, nullptr, 0), LUMETRA_FAILED);
     char reason[200];
     EXPECT_EQ(lumetra_find_dye("DAPY", &dye, reason, sizeof reason), LUMETRA_FAILED);
     EXPECT_NE(std::strstr(reason, "\"DAPI\""), nullptr);
     ASSERT_EQ(lumetra_find_dye("AF488", &dye, nullptr, 0), LUMETRA_OK);
     EXPECT_STREQ(dye.name, "Alexa 488");
-    const DyeList list;
     std::size_t dyes = 0;
     for (; lumetra_dye_at(dyes, &dye) == LUMETRA_OK; ++dyes)
         ASSERT_EQ(dye.name, list.all().at(dyes).name);
@@ -217,6 +236,14 @@ TEST(CInterface, KnowsDyesColormapsAndLimits) {
     EXPECT_EQ((ContrastLimits{low, high}), histogram.clipped(2.5));
     EXPECT_EQ(lumetra_contrast_limits(counts.data(), 16, 50, &low, &high, nullptr, 0),
               LUMETRA_FAILED);
+    for (int i = 0; i < 3; ++i) { // nothing is left of the last
+        const cv::Mat other = noisePlane({50, 40}, i < 2 ? CV_16UC1 : CV_8UC1, 3 + i) / (i + 1);
+        const lumetra_plane measured = planeOf(other);
+        ASSERT_EQ(lumetra_measure_limits(&measured, 2.5, &low, &high, nullptr, 0), LUMETRA_OK);
+        Histogram alone;
+        alone.add(other);
+        EXPECT_EQ((ContrastLimits{low, high}), alone.clipped(2.5));
+    }
 }
 
 TEST(CInterface, AppliesColormaps) {
@@ -235,6 +262,198 @@ TEST(CInterface, AppliesColormaps) {
     Renderer().applyColormap(plane, ContrastLimits{300, 9000}, 0.7, *findColormap("magma"),
                              expected, PixelFormat::rgb);
     EXPECT_TRUE(areEqual(rows, expected));
+}
+
+TEST(CInterface, CompositesColouredImages) {
+    const std::vector<cv::Mat> planes{noisePlane({40, 30}, CV_8UC1, 1),
+                                      noisePlane({40, 30}, CV_8UC1, 2),
+                                      noisePlane({40, 30}, CV_8UC1, 3)};
+    for (const Blend blend : {Blend::add, Blend::screen, Blend::darkest}) {
+        for (const bool is16Bit : {false, true}) {
+            // What the renderer makes of planes is what a composite makes of the tinted planes.
+            std::vector<Channel> channels{{"", "", {0, 107, 255}, {3, -2}, {}, 1, true},
+                                          {"", "", {255, 40, 9}, {-1, 5}, {}, 1, true},
+                                          {"", "", {90, 255, 0}, {0, 9}, {}, 1, false}};
+            channels[1].blend = blend;
+            std::vector<cv::Mat> gray = planes, tinted(3);
+            std::vector<lumetra_image> images;
+            std::vector<lumetra_channel> settings;
+            for (std::size_t i = 0; i < 3; ++i) {
+                if (is16Bit)
+                    planes[i].convertTo(gray[i], CV_16U, 250);
+                Channel alone = channels[i];
+                alone.visible = true;
+                Renderer().render({gray[i]}, {alone}, tinted[i], PixelFormat::rgb);
+                images.push_back(imageOf(tinted[i], LUMETRA_RGB));
+                settings.push_back(channelOf(channels[i]));
+            }
+            cv::Mat expected;
+            Renderer().render(gray, channels, expected, PixelFormat::rgb);
+            cv::Mat result(expected.size(), expected.type());
+            const lumetra_image image = imageOf(result, LUMETRA_RGB);
+            char reason[200] = "";
+            ASSERT_EQ(
+                lumetra_composite(images.data(), settings.data(), 3, &image, reason, sizeof reason),
+                LUMETRA_OK)
+                << reason;
+            EXPECT_TRUE(areEqual(result, expected)) << blendText(blend);
+            images[2].format = LUMETRA_BGR;
+            EXPECT_EQ(
+                lumetra_composite(images.data(), settings.data(), 3, &image, reason, sizeof reason),
+                LUMETRA_FAILED);
+            EXPECT_STREQ(reason, "the images have different pixel formats");
+        }
+    }
+}
+
+TEST(CInterface, ProjectsPlanes) {
+    for (const int type : {CV_8UC1, CV_16UC1})
+        for (const auto method :
+             {ProjectionMethod::max, ProjectionMethod::mean, ProjectionMethod::sum}) {
+            std::vector<cv::Mat> planes;
+            std::vector<lumetra_plane> given;
+            Projection projection(method);
+            for (int i = 0; i < 5; ++i) {
+                planes.push_back(noisePlane({997, 1201}, type, i)); // of three strips
+                given.push_back(planeOf(planes.back()));
+                projection.add(planes.back());
+            }
+            const cv::Mat expected = projection.result();
+            cv::Mat result(expected.size(), expected.type());
+            lumetra_image image = imageOf(result, LUMETRA_GRAY);
+            ASSERT_EQ(
+                lumetra_project(given.data(), 5, static_cast<int>(method), &image, nullptr, 0),
+                LUMETRA_OK);
+            EXPECT_TRUE(areEqual(result, expected));
+            EXPECT_EQ(lumetra_project(given.data(), 5, 3, &image, nullptr, 0), LUMETRA_FAILED);
+            image.format = LUMETRA_RGB;
+            EXPECT_EQ(lumetra_project(given.data(), 5, 0, &image, nullptr, 0), LUMETRA_FAILED);
+        }
+}
+
+TEST(CInterface, UnderstandsLevelPolicies) {
+    const auto parse = [](const char* text) {
+        lumetra_level_policy policy{};
+        policy.struct_size = sizeof policy;
+        EXPECT_EQ(lumetra_parse_level_policy(text, &policy, nullptr, 0), LUMETRA_OK) << text;
+        return policy;
+    };
+    EXPECT_EQ(parse("none").method, LUMETRA_KEEP_VALUES);
+    EXPECT_EQ(parse("clip:2.5").method, LUMETRA_CLIP);
+    EXPECT_EQ(parse("clip:2.5").percent, 2.5);
+    EXPECT_EQ(parse("auto").percent, 0);
+    EXPECT_EQ(parse("200:4000").method, LUMETRA_FIXED);
+    EXPECT_EQ(parse("200:4000").low, 200);
+    EXPECT_EQ(parse("200:4000").high, 4000);
+    lumetra_level_policy policy{};
+    policy.struct_size = sizeof policy;
+    char reason[200] = "";
+    EXPECT_EQ(lumetra_parse_level_policy("clip:50", &policy, reason, sizeof reason),
+              LUMETRA_FAILED);
+    EXPECT_NE(std::strstr(reason, "percentage"), nullptr) << reason;
+    EXPECT_EQ(lumetra_parse_level_policy(nullptr, &policy, reason, sizeof reason), LUMETRA_FAILED);
+}
+
+/// Numbers that callers get wrong, in structures whose pixels are memory.
+class Nonsense {
+public:
+    explicit Nonsense(unsigned seed) : random_(seed) {}
+
+    template<class Number>
+    Number oneOf(std::initializer_list<Number> numbers) {
+        return numbers.begin()[random_() % numbers.size()];
+    }
+    std::int32_t number() { return oneOf({0, 1, 2, 3, 8, 16, 255, -1, INT32_MIN, INT32_MAX}); }
+    std::size_t size(std::size_t right) {
+        return oneOf({right, right, right, right, std::size_t{0}, std::size_t{8}, std::size_t{20},
+                      std::size_t{12345678}});
+    }
+    lumetra_plane plane() {
+        return {size(sizeof(lumetra_plane)), pixels(), step(), extent(), extent(), bits()};
+    }
+    lumetra_image image() {
+        return {size(sizeof(lumetra_image)), pixels(), step(), extent(), extent(), bits(),
+                oneOf({0, 1, 2, 3, 3, -9})};
+    }
+    lumetra_channel channel() {
+        lumetra_channel channel{};
+        channel.struct_size = size(sizeof channel);
+        channel.red = oneOf({0, 255, 0, 255, -1, 256});
+        channel.offset_x = oneOf({0, 0, 1, -2, INT32_MIN, INT32_MAX});
+        channel.has_limits = oneOf({0, 1, 7});
+        channel.low = oneOf({0, 3, number()});
+        channel.high = oneOf({255, 65535, number()});
+        channel.hidden = oneOf({0, 0, 1});
+        channel.gamma = oneOf({0.0, 1.0, 2.0, 0.5, std::nan(""), HUGE_VAL, -1.0});
+        channel.blend = oneOf({0, 1, 2, number()});
+        return channel;
+    }
+
+private:
+    void* pixels() { return oneOf({true, true, true, true, false}) ? &memory_[2000] : nullptr; }
+    ptrdiff_t step() { return oneOf<ptrdiff_t>({48, 48, 49, 7, 0, -48, -51}); }
+    std::int32_t extent() { return oneOf({3, 3, 3, 3, 3, 7, 0, -1}); }
+    std::int32_t bits() { return oneOf({8, 8, 16, 16, 12}); }
+
+    std::minstd_rand random_;
+    std::array<unsigned char, 4000> memory_{};
+};
+
+TEST(CInterface, AnswersNonsenseWithAReason) {
+    std::vector<std::uint64_t> counts(65536);
+    std::vector<std::uint8_t> colours(768);
+    std::array<int, 2> results{};
+    for (unsigned seed = 0; seed < 20000; ++seed) {
+        Nonsense nonsense(seed);
+        const std::array planes{nonsense.plane(), nonsense.plane()};
+        const std::array channels{nonsense.channel(), nonsense.channel()};
+        const std::array images{nonsense.image(), nonsense.image()};
+        lumetra_image image = nonsense.image();
+        const std::size_t count = nonsense.oneOf<std::size_t>({0, 1, 1, 2, 2});
+        const auto* const some = nonsense.oneOf({true, true, false}) ? planes.data() : nullptr;
+        // The second of an array is where the first says, which has to be in the array.
+        const auto isArray = [](std::size_t size, std::size_t right) {
+            return size <= right || size > 4096;
+        };
+        if (!isArray(planes[0].struct_size, sizeof planes[0]) ||
+            !isArray(images[0].struct_size, sizeof images[0]))
+            continue;
+        std::int32_t low = 0, high = 0;
+        const auto answers = [&](auto call) {
+            char reason[100] = "";
+            const int result = call(reason, sizeof reason);
+            EXPECT_EQ(result == LUMETRA_OK, reason[0] == '\0') << seed << ": " << reason;
+            ++results[result == LUMETRA_OK ? 1 : 0];
+        };
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_render(some, channels.data(), count, &image, reason, bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_apply_colormap(some, channels.data(), colours.data(), &image, reason,
+                                          bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_composite(images.data(), channels.data(), count, &image, reason, bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_project(some, count, nonsense.number(), &image, reason, bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_count_values(some, counts.data(), reason, bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_measure_limits(some, channels[0].gamma, &low, &high, reason, bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_contrast_limits(counts.data(), nonsense.number(), channels[0].gamma,
+                                           &low, &high, reason, bytes);
+        });
+        answers([&](char* reason, std::size_t bytes) {
+            return lumetra_image_size(some, channels.data(), count, &image, reason, bytes);
+        });
+    }
+    EXPECT_GT(results[0], 1000);
+    EXPECT_GT(results[1], 1000);
 }
 
 } // namespace
