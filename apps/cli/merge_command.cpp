@@ -1,11 +1,11 @@
 // lumetra merge: channels in one image.
 
 #include "apps/cli/commands.h"
-#include "apps/cli/file_channels.h"
 #include "apps/cli/fonts.h"
 #include "apps/cli/print.h"
 #include "apps/cli/render_field.h"
 #include "apps/common/error.h"
+#include "apps/common/file_channels.h"
 #include "imageio/file_error.h"
 #include "imageio/output_conflicts.h"
 

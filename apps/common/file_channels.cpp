@@ -1,4 +1,4 @@
-#include "apps/cli/file_channels.h"
+#include "apps/common/file_channels.h"
 
 #include "apps/common/error.h"
 #include "apps/common/text.h"
