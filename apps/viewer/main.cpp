@@ -23,7 +23,7 @@ struct Options {
                               QStringLiteral("FILE")};
     QCommandLineOption camera{
         QStringLiteral("camera"),
-        QCoreApplication::translate("main", "Start a simulated camera with 2 to 4 channels."),
+        QCoreApplication::translate("main", "Start a simulated camera with 1 to 4 channels."),
         QStringLiteral("N")};
     QCommandLineOption rate{QStringLiteral("rate"),
                             QCoreApplication::translate("main", "Frames per second of the camera."),
@@ -73,8 +73,9 @@ int run(QApplication& application) {
     parser.addOptions({options.settings, options.custom, options.camera, options.rate});
     parser.addPositionalArgument(
         QStringLiteral("CHANNEL"),
-        QCoreApplication::translate("main", "Channels: FILE, or FILE[PAGE]=DYE+X+Y as for 'lumetra "
-                                            "merge'; a FILE that ends in .json holds settings."),
+        QCoreApplication::translate("main", "Channels: FILE, FILE[c1,z3,t2] or FILE[PAGE], "
+                                            "with =DYE+X+Y as for 'lumetra merge'; a FILE "
+                                            "that ends in .json holds settings."),
         QStringLiteral("[CHANNEL...]"));
     if (!parser.parse(QApplication::arguments())) {
         lumetra::printStatus(QStringLiteral("lumetra-viewer: %1\n").arg(parser.errorText()));
@@ -87,7 +88,7 @@ int run(QApplication& application) {
     window.show();
     if (parser.isSet(options.camera)) {
         window.viewer().setRate(rate);
-        window.viewer().simulateCamera(static_cast<int>(numberOf(parser, options.camera, 2, 4)));
+        window.viewer().simulateCamera(static_cast<int>(numberOf(parser, options.camera, 1, 4)));
     } else {
         openNamedFiles(window, parser, options);
     }
