@@ -9,7 +9,7 @@
 namespace lumetra {
 namespace {
 
-Colour toColour(std::uint32_t rgb) {
+Colour colourOfRgb(std::uint32_t rgb) {
     return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8),
             static_cast<std::uint8_t>(rgb)};
 }
@@ -34,11 +34,11 @@ bool describeChannel(const ImageFile& file, int number, const DyeList& dyes, Cha
     }
     channel.dye = channel.name; // what a legend says
     if (said.colour)
-        channel.colour = toColour(*said.colour);
+        channel.colour = colourOfRgb(*said.colour);
     else if (said.emission)
         channel.colour = emissionColour(static_cast<int>(std::lround(*said.emission)));
     else if (!said.lut.empty())
-        channel.colour = toColour(said.lut.back());
+        channel.colour = colourOfRgb(said.lut.back());
     else
         return false;
     return true;

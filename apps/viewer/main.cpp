@@ -10,6 +10,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 
 namespace {
 
@@ -62,9 +65,23 @@ void openNamedFiles(lumetra::Window& window, const QCommandLineParser& parser,
     viewer.open(texts);
 }
 
+/// Speaks the user's language, where there is a translation, with the buttons of Qt's own dialogs.
+void translate(QTranslator& texts, QTranslator& textsOfQt) {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    const QString folder = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+#else
+    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+#endif
+    if (!texts.load(QLocale(), QString(), QString(), QStringLiteral(":/viewer")))
+        return;
+    QCoreApplication::installTranslator(&texts);
+    if (textsOfQt.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"), folder))
+        QCoreApplication::installTranslator(&textsOfQt);
+}
+
 int run(QApplication& application) {
     QCommandLineParser parser;
-    Options options;
+    const Options options;
     parser.setApplicationDescription(QCoreApplication::translate(
         "main", "Viewer for multi-channel fluorescence images, live and from "
                 "files."));
@@ -107,7 +124,10 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("lumetra-viewer"));
     QApplication::setApplicationVersion(QStringLiteral(LUMETRA_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("lumetra-viewer"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lumetra-viewer")));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lumetra-viewer"),
+                                                 QIcon(QStringLiteral(":/viewer/icon.png"))));
+    QTranslator texts, textsOfQt;
+    translate(texts, textsOfQt);
     lumetra::silenceLibraries();
     cv::setNumThreads(1); // one core is for the camera
     return run(application);
