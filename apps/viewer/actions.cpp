@@ -39,7 +39,7 @@ const Row actionTable[] = {
     {ActionId::open, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Open…"), "", QKeySequence::Open},
     {ActionId::add, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Add Channels…"), "Ctrl+Shift+O"},
     {ActionId::recent, fileMenu, QT_TRANSLATE_NOOP("Actions", "Open &Recent"), ""},
-    {ActionId::keepSettings, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Keep Channel Settings for Files Alike"), "", noKey, choice, true},
+    {ActionId::keepSettings, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Keep Channel Settings for Similar Files"), "", noKey, choice, true},
     {ActionId::saveImage, fileMenu, QT_TRANSLATE_NOOP("Actions", "&Save Image As…"), "", QKeySequence::Save},
     {ActionId::saveSettings, fileMenu, QT_TRANSLATE_NOOP("Actions", "Save Channel S&ettings As…"), "Ctrl+Shift+S"},
     {ActionId::copyCommand, fileMenu, QT_TRANSLATE_NOOP("Actions", "Copy as Co&mmand"), "Ctrl+Shift+C"},

@@ -118,7 +118,7 @@ QVariant ChannelModel::headerData(int section, Qt::Orientation orientation, int 
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
         section >= columns)
         return QAbstractTableModel::headerData(section, orientation, role);
-    const QString titles[] = {tr("Visible"), tr("Colour"), tr("Channel"), tr("Contrast limits"),
+    const QString titles[] = {tr("Visible"), tr("Colour"), tr("Channel"), tr("Limits"),
                               tr("Offset")};
     return titles[section];
 }

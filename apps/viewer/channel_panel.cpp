@@ -75,6 +75,7 @@ QWidget* ChannelPanel::makeTable(const Actions& actions) {
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
     table_->setTabKeyNavigation(false); // Tab leads out of the table
     table_->setShowGrid(false);
+    table_->setWordWrap(false);
     table_->setAlternatingRowColors(true);
     table_->setSizeAdjustPolicy(
         QAbstractScrollArea::AdjustToContents); // the histogram has the rest
