@@ -53,11 +53,7 @@ void Viewer::simulateCamera(int channels, int side) {
 
 void Viewer::simulateCameraFromImages() {
     SimulatedCameraOptions options;
-    options.images = loop_.planes();
-    if (options.images.empty()) {
-        emit errorOccurred(tr("Open the images first that the camera is to show"));
-        return;
-    }
+    options.images = snapshot().planes;
     std::vector<Channel> channels = model_.channels();
     for (Channel& channel : channels)
         channel.levels.reset(); // the camera has a bit depth of its own
@@ -243,7 +239,10 @@ QImage Viewer::image() const {
 
 Snapshot Viewer::snapshot() const {
     const DisplaySettings settings = shownSettings();
-    return {ofChannels(settings, loop_.planes()), settings, inputs(), pixelSize_};
+    const std::vector<cv::Mat> planes = loop_.planes();
+    if (planes.empty())
+        throw Error(tr("There is no image yet"));
+    return {ofChannels(settings, planes), settings, inputs(), pixelSize_};
 }
 
 void Viewer::saveImage(const QString& file, const Snapshot& snapshot) {

@@ -48,6 +48,7 @@ public:
 
     /// Shows a simulated camera of so many channels, or one that sees the images that are shown.
     void simulateCamera(int channels, int side = 2048);
+    /// @throws Error if there are none.
     void simulateCameraFromImages();
 
     void close();
@@ -90,6 +91,7 @@ public:
     std::uint64_t dropped() const { return loop_.dropped(); }
 
     /// What is shown now.
+    /// @throws Error if there is no image yet.
     Snapshot snapshot() const;
 
     /// Saves in another thread; `statusMessage` or `errorOccurred` gives the outcome.

@@ -38,7 +38,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <tuple>
+#include <type_traits>
 
 namespace lumetra {
 namespace {
@@ -238,10 +240,21 @@ void Window::connectViewer() {
     connect(stackBar_, &StackBar::positionChosen, &viewer_, &Viewer::setPosition);
 }
 
-/// Lets an action that is triggered do something.
+/// Lets an action that is triggered do something, or tell why it cannot.
 template<class Do>
 void Window::on(ActionId id, const Do& action) {
-    connect(&(*actions_)[id], &QAction::triggered, this, action);
+    connect(&(*actions_)[id], &QAction::triggered, this, [this, action](bool isOn) {
+        try {
+            if constexpr (std::is_invocable_v<Do, Window&>)
+                std::invoke(action, *this);
+            else if constexpr (std::is_invocable_v<Do, bool>)
+                action(isOn);
+            else
+                action();
+        } catch (const std::runtime_error&) {
+            showError(currentExceptionText());
+        }
+    });
 }
 
 void Window::connectFileActions() {
@@ -425,33 +438,25 @@ void Window::askPixelSize() {
 }
 
 void Window::askForBatchCommand() {
-    try {
-        const BatchCommand batch = viewer_.batchCommand();
-        const QString settings =
-            askForFile(this, tr("Save Channel Settings for the Folder"),
-                       suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
-        if (settings.isEmpty())
-            return;
-        viewer_.saveSettings(settings, batch.channels);
-        const QString line = batch.line(settings);
-        QApplication::clipboard()->setText(line);
-        QInputDialog::getMultiLineText(
-            this, tr("Batch Command"),
-            tr("This command renders every field of the folder with the settings shown here.\n"
-               "It is on the clipboard."),
-            line);
-    } catch (const std::runtime_error&) {
-        showError(currentExceptionText());
-    }
+    const BatchCommand batch = viewer_.batchCommand();
+    const QString settings =
+        askForFile(this, tr("Save Channel Settings for the Folder"),
+                   suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
+    if (settings.isEmpty())
+        return;
+    viewer_.saveSettings(settings, batch.channels);
+    const QString line = batch.line(settings);
+    QApplication::clipboard()->setText(line);
+    QInputDialog::getMultiLineText(
+        this, tr("Batch Command"),
+        tr("This command renders every field of the folder with the settings shown here.\n"
+           "It is on the clipboard."),
+        line);
 }
 
 void Window::copyCommand() {
-    try {
-        QApplication::clipboard()->setText(viewer_.command());
-        statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
-    } catch (const std::runtime_error&) {
-        showError(currentExceptionText());
-    }
+    QApplication::clipboard()->setText(viewer_.command());
+    statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
 }
 
 /// The pixel that was pointed at last, or the line that was drawn, as a table.

@@ -748,10 +748,6 @@ oder mit F3 eine simulierte Kamera starten</translation>
 <context>
     <name>lumetra::Viewer</name>
     <message>
-        <source>Open the images first that the camera is to show</source>
-        <translation>Erst die Bilder öffnen, die die Kamera zeigen soll</translation>
-    </message>
-    <message>
         <source>Camera</source>
         <translation>Kamera</translation>
     </message>
@@ -762,6 +758,10 @@ oder mit F3 eine simulierte Kamera starten</translation>
     <message>
         <source>There are no channels</source>
         <translation>Es gibt keine Kanäle</translation>
+    </message>
+    <message>
+        <source>There is no image yet</source>
+        <translation>Es gibt noch kein Bild</translation>
     </message>
 </context>
 <context>

@@ -185,6 +185,10 @@ void WindowTest::everyActionCanBeUsedAtAnyTime() {
     openTwo();
     useAll();
     QVERIFY(window_->viewer().isCamera()); // one of the actions was its start
+    auto idle = std::make_shared<ScriptedCamera>([](int, Frame&) {});
+    window_->viewer().connectCamera(idle, {channelOf(Qt::red)});
+    act(ActionId::saveImage).trigger(); // before there is a frame
+    QCOMPARE(message(), QStringLiteral("There is no image yet"));
     act(ActionId::closeAll).trigger();
     QVERIFY(!window_->viewer().hasSource());
     QVERIFY(!act(ActionId::saveImage).isEnabled());
