@@ -43,10 +43,19 @@ void RenderLoop::clear() {
     hasFrame_ = false;
 }
 
+/// Locks the last frame, unless it is one that was to be forgotten.
+std::unique_lock<std::mutex> RenderLoop::lockFrame() const {
+    const std::lock_guard lock(mutex_);
+    return isCleared_ ? std::unique_lock<std::mutex>() : std::unique_lock(frameMutex_);
+}
+
 std::vector<std::vector<int>> RenderLoop::intensitiesAt(const std::vector<QPoint>& pixels,
                                                         const DisplaySettings& settings) const {
+    std::vector<std::vector<int>> intensities(pixels.size());
     std::vector<cv::Mat> parts;
-    const std::lock_guard lock(frameMutex_);
+    const auto lock = lockFrame();
+    if (!lock)
+        return intensities;
     try {
         for (const cv::Mat& plane : ofChannels(settings, frame_.planes)) {
             const auto part = shownPart(settings, plane.size(), parts.size());
@@ -55,7 +64,6 @@ std::vector<std::vector<int>> RenderLoop::intensitiesAt(const std::vector<QPoint
     } catch (const Error&) { // a frame of a camera that has lost a channel
         parts.clear();
     }
-    std::vector<std::vector<int>> intensities(pixels.size());
     for (std::size_t i = 0; i < pixels.size(); ++i)
         for (const cv::Mat& part : parts) {
             const cv::Point at(pixels[i].x(), pixels[i].y());
@@ -67,8 +75,10 @@ std::vector<std::vector<int>> RenderLoop::intensitiesAt(const std::vector<QPoint
 }
 
 std::vector<cv::Mat> RenderLoop::planes() const {
-    const std::lock_guard lock(frameMutex_);
     std::vector<cv::Mat> copies;
+    const auto lock = lockFrame();
+    if (!lock)
+        return copies;
     for (const cv::Mat& plane : frame_.planes)
         copies.push_back(plane.clone());
     return copies;
@@ -82,9 +92,9 @@ bool RenderLoop::waitForWork(DisplaySettings& settings, bool& isNewFrame) {
     settings = settings_;
     hasSettings_ = hasFrame_ = false;
     const bool isCleared = std::exchange(isCleared_, false);
-    lock.unlock();
 
     const std::lock_guard frameLock(frameMutex_);
+    lock.unlock(); // only now, so that nobody sees an old frame as the new one
     if (isCleared) {
         frame_ = {};
         statistics_.clear();

@@ -64,6 +64,7 @@ signals:
     void ready();
 
 private:
+    std::unique_lock<std::mutex> lockFrame() const;
     void run();
     bool waitForWork(DisplaySettings& settings, bool& isNewFrame);
     void measure(DisplaySettings& settings, bool isNewFrame);
@@ -76,7 +77,7 @@ private:
     mutable std::mutex frameMutex_; // held to exchange the frame, not while it is drawn
     Frame frame_;                   // written by the loop's thread only
 
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::condition_variable work_;
     DisplaySettings settings_;
     bool hasFrame_ = false, hasSettings_ = false, isCleared_ = false, quitting_ = false;
