@@ -115,7 +115,7 @@ Window::Window() {
     restoreCustomDyes();
     showRecentFiles();
     showSource();
-    constexpr int rest = 1000; // milliseconds
+    constexpr int rest = 300; // milliseconds
     saving_.setSingleShot(true);
     saving_.setInterval(rest);
     connect(&saving_, &QTimer::timeout, this, &Window::saveState);

@@ -84,9 +84,11 @@ private:
 class ScriptedCamera : public FrameSource {
 public:
     using Script = std::function<void(int exposure, Frame& frame)>;
-    explicit ScriptedCamera(Script script) : script_(std::move(script)) {}
+    explicit ScriptedCamera(Script script, int bits = 0)
+        : script_(std::move(script)), bits_(bits) {}
 
     void grab(Frame& frame) override { script_(++exposures_, frame); }
+    int bitDepth() const override { return bits_; }
     void cancel() override {
         const std::lock_guard lock(mutex_);
         isCancelled_ = true;
@@ -100,7 +102,7 @@ public:
 
 private:
     Script script_;
-    int exposures_ = 0;
+    int bits_, exposures_ = 0;
     std::mutex mutex_;
     std::condition_variable changed_;
     bool isCancelled_ = false;

@@ -396,9 +396,11 @@ void ViewerTest::camerasMayFail() {
 
 void ViewerTest::aCameraMayChangeItsSize() {
     std::atomic<int> width{32};
-    auto camera = std::make_shared<ScriptedCamera>([&](int, Frame& frame) {
-        frame.planes = flatPlanes(2, {width, 16}, 5000);
-    });
+    const auto camera = std::make_shared<ScriptedCamera>(
+        [&](int, Frame& frame) {
+            frame.planes = flatPlanes(2, {width, 16}, 900);
+        },
+        12);
     Viewer viewer;
     viewer.connectCamera(camera, {channelOf(Qt::red), channelOf(Qt::green)});
     viewer.setRate(200);
@@ -408,7 +410,8 @@ void ViewerTest::aCameraMayChangeItsSize() {
         QTRY_COMPARE(shownSize(viewer).width, next);
         QVERIFY(viewer.rendered().problem.isEmpty());
     }
-    viewer.close(); // before what the camera refers to goes
+    QCOMPARE(viewer.model().statistics(0).largest, 4095); // as the camera says, not its pixels
+    viewer.close();                                       // before what the camera refers to goes
 }
 
 void ViewerTest::closingNeverWaitsForAStalledCamera() {

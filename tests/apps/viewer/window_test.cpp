@@ -109,6 +109,14 @@ void moveMouse(QWidget& widget, QPoint to, Qt::MouseButtons buttons) {
     QApplication::sendEvent(&widget, &move);
 }
 
+void turnWheel(QWidget& widget, QPoint at, int notches) {
+    for (int i = 0; i < notches; ++i) {
+        QWheelEvent wheel(at, widget.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&widget, &wheel);
+    }
+}
+
 /// Answers the next dialog of a kind, once it is there, as a user does who then accepts it.
 template<class Dialog, class Answer>
 void whenAsked(const Answer& answer) {
@@ -372,17 +380,10 @@ void WindowTest::theImageFitsZoomsAndPans() {
     QCOMPARE(canvas.pixelAt(centre + QPointF(0.5, 0.5)), QPoint(32, 24));
     QCOMPARE(canvas.pixelAt({0, 0}), QPoint(-1, -1));
     const QPoint point = centre.toPoint() + QPoint(10, -5);
-    const auto turnWheel = [&](int notches) {
-        for (int i = 0; i < notches; ++i) {
-            QWheelEvent wheel(point, canvas.mapToGlobal(point), {}, {0, 120}, Qt::NoButton,
-                              Qt::NoModifier, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(&canvas, &wheel);
-        }
-    };
-    turnWheel(15); // until it is larger than the widget
+    turnWheel(canvas, point, 15); // until it is larger than the widget
     QVERIFY(canvas.scale() > 28);
     const QPoint pixel = canvas.pixelAt(point);
-    turnWheel(2);
+    turnWheel(canvas, point, 2);
     const QPoint left = canvas.pixelAt(point);
     QCOMPARE(left, pixel);
     QTest::mousePress(&canvas, Qt::LeftButton, {}, {100, 100});
@@ -612,6 +613,8 @@ void WindowTest::scaleBarsAreRoundAndOfTheirSource() {
     viewer.open({folder_->writeHyperstack("cells.tif")}); // says it itself
     QTRY_COMPARE(shownSize(viewer).width, 32);
     QTRY_COMPARE(bar()->pixelSize, 0.25);
+    viewer.connectCamera(std::make_shared<ScriptedCamera>([](int, Frame&) {}), {Channel()});
+    QVERIFY(!viewer.pixelSize());
     viewer.open({folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3))});
     QTRY_COMPARE(shownSize(viewer).width, 64);
     QVERIFY(!bar() && !act(ActionId::scaleBar).isChecked()); // asked for again
@@ -664,8 +667,7 @@ void WindowTest::aFrameIsSavedAsItWas() {
     whenAsked<QFileDialog>([&](QFileDialog& dialog) {
         value = 50000;
         QVERIFY(QTest::qWaitFor([&] { return shown() == std::vector<int>{50000}; }));
-        dialog.findChild<QLineEdit*>("fileNameEdit")
-            ->setText(name);
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(name);
     });
     act(ActionId::saveImage).trigger();
     QTRY_VERIFY(!folder_->read("frame.png").isEmpty());
@@ -680,14 +682,18 @@ void WindowTest::panelsShareScaleAndPosition() {
     act(ActionId::panels).setChecked(true);
     QTRY_COMPARE(int(window_->viewer().rendered().screens.size()), 3);
     const auto middle = [&](int cell) {
-        return QPointF((2 * cell + 1) * canvas.width() / 6.0, canvas.height() / 2.0);
+        const double share = (2 * cell + 1) / 6.0;
+        const bool isRow = canvas.width() > canvas.height();
+        return QPointF(canvas.width() * (isRow ? share : 0.5),
+                       canvas.height() * (isRow ? 0.5 : share));
     };
-    const bool isRow = canvas.pixelAt(middle(0)) == canvas.pixelAt(middle(2));
-    QVERIFY(isRow || canvas.height() > canvas.width());
-    for (int i = 0; i < 12; ++i)
-        act(ActionId::zoomIn).trigger();
-    const QPoint pixel = canvas.pixelAt({3, 3});
-    QVERIFY(pixel.x() > 5);
+    QCOMPARE(canvas.pixelAt(middle(0)), canvas.pixelAt(middle(2)));
+    const QPoint fixed = middle(2).toPoint() + QPoint(20, 20);
+    turnWheel(canvas, fixed, 8); // until the image is larger than its cell
+    const QPoint pixel = canvas.pixelAt(fixed);
+    turnWheel(canvas, fixed, 2);
+    QCOMPARE(canvas.pixelAt(fixed), pixel);
+    QVERIFY(canvas.pixelAt({3, 3}).x() > 5);
     const QImage seen = canvas.grab().toImage();
     const QImage merged = window_->viewer().image();
     QCOMPARE(seen.pixelColor(canvas.width() - 5, canvas.height() - 5),
@@ -733,6 +739,7 @@ void WindowTest::valuesAreCopiedAsATable() {
 
 /// Preferences outlive a program that is killed.
 void WindowTest::choicesAreKeptWithoutAClose() {
+    QTRY_VERIFY(QSettings().contains("geometry")); // of the start
     act(ActionId::safeColours).setChecked(true);
     QTRY_VERIFY(QSettings().value("safeColours").toBool());
     openTwo();
