@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QDoubleSpinBox>
+#include <QEvent>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -31,8 +32,8 @@ QString noteOn(const ChannelStatistics& statistics) {
                        .arg(statistics.range.low)
                        .arg(statistics.range.high);
     if (statistics.saturated > 0)
-        note +=
-            ChannelPanel::tr(" · <b>%1 % saturated</b>").arg(100 * statistics.saturated, 0, 'g', 2);
+        note += ChannelPanel::tr(" · <b>%L1 % saturated</b>")
+                    .arg(100 * statistics.saturated, 0, 'g', 2);
     return note;
 }
 
@@ -66,6 +67,19 @@ ChannelPanel::ChannelPanel(ChannelModel& model, const Actions& actions, QWidget*
     connectEditors();
     connectTable();
     showChannels();
+    const QList<QWidget*> fields{dyeBox_, left_, up_, black_, white_, gamma_, percent_};
+    for (QWidget* field : fields) {
+        field->setFocusPolicy(Qt::StrongFocus);
+        field->installEventFilter(this);
+    }
+}
+
+bool ChannelPanel::eventFilter(QObject* field, QEvent* event) {
+    const auto* widget = qobject_cast<QWidget*>(field);
+    if (event->type() != QEvent::Wheel || !widget || widget->hasFocus())
+        return QWidget::eventFilter(field, event);
+    event->ignore();
+    return true;
 }
 
 QWidget* ChannelPanel::makeTable(const Actions& actions) {

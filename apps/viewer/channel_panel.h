@@ -41,6 +41,9 @@ public:
     void focusLevels();
     void renameCurrent();
 
+    /// Leaves the wheel to the scroll area around it, unless a field is being edited.
+    bool eventFilter(QObject* field, QEvent* event) override;
+
 signals:
     void currentRowChanged(int row);
     void saturatedPercentChanged(double percent);

@@ -56,7 +56,7 @@ private:
         AxisRange slices, frames; ///< What there is to choose from.
     };
 
-    void addChannels(std::size_t file, const ChannelFile& named, const DyeList& dyes);
+    void addChannels(std::size_t number, const ChannelFile& named, const DyeList& dyes);
     void stepTogether(const AxisRange& range, int& count, const QString& file) const;
     StackPosition nextPosition();
     cv::Mat plane(std::size_t channel, int slice, int frame) const;

@@ -30,7 +30,7 @@ void StatusLine::showIntensities(QPoint pixel, const std::vector<int>& intensiti
 }
 
 void StatusLine::showPixelSize(std::optional<double> micrometres) {
-    pixelSize_->setText(micrometres ? tr("%1 µm/pixel").arg(*micrometres, 0, 'g', 4)
+    pixelSize_->setText(micrometres ? tr("%L1 µm/pixel").arg(*micrometres, 0, 'g', 4)
                                     : tr("pixel size unknown"));
 }
 
@@ -39,7 +39,7 @@ void StatusLine::showZoom(double scale) { zoom_->setText(tr("%1 %").arg(100 * sc
 void StatusLine::showFrameRate(std::optional<double> framesPerSecond, std::uint64_t dropped) {
     rate_->setText(
         framesPerSecond
-            ? tr("%1 frames/s · %2 dropped").arg(*framesPerSecond, 0, 'f', 1).arg(dropped)
+            ? tr("%L1 frames/s · %2 dropped").arg(*framesPerSecond, 0, 'f', 1).arg(dropped)
             : QString());
 }
 

@@ -10,6 +10,7 @@
 #include "apps/viewer/lut_box.h"
 #include "apps/viewer/message_bar.h"
 #include "apps/viewer/profile_view.h"
+#include "apps/viewer/recent_menu.h"
 #include "apps/viewer/stack_bar.h"
 #include "apps/viewer/status_line.h"
 
@@ -24,7 +25,6 @@
 #include <QHBoxLayout>
 #include <QInputDialog>
 #include <QLocale>
-#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QRegularExpression>
@@ -55,8 +55,6 @@ constexpr ActionId viewChoices[] = {
     ActionId::gray,     ActionId::safeColours,  ActionId::saturated, ActionId::legend,
     ActionId::panels,   ActionId::colourPanels, ActionId::scaleBar,  ActionId::pseudo,
     ActionId::inverted, ActionId::dataRange};
-
-const QString recentKey = QStringLiteral("recent"); // names of files, a line for each
 
 /// The file in which the user's custom dyes are kept from run to run. It need not exist; the folder
 /// is made.
@@ -113,7 +111,6 @@ Window::Window() {
     connectChannelActions(*actions_, viewer_.model(), *panel_);
     restoreState();
     restoreCustomDyes();
-    showRecentFiles();
     showSource();
     constexpr int rest = 300; // milliseconds
     saving_.setSingleShot(true);
@@ -224,7 +221,7 @@ void Window::connectViewer() {
     });
     connect(&viewer_, &Viewer::filesOpened, this, [this] {
         hideError();
-        showRecentFiles();
+        recent_->add(viewer_.inputs());
     });
     connect(&viewer_.model(), &ChannelModel::edited, this, &Window::hideError);
     connect(&monitor_, &FrameMonitor::measured, statusLine_, &StatusLine::showFrameRate);
@@ -258,6 +255,10 @@ void Window::on(ActionId id, const Do& action) {
 }
 
 void Window::connectFileActions() {
+    recent_ = new RecentMenu(this);
+    (*actions_)[ActionId::recent].setMenu(recent_);
+    connect(recent_, &RecentMenu::chosen, this,
+            [this](const QStringList& files) { viewer_.open(files); });
     on(ActionId::open, [this] { askAndOpen(false); });
     on(ActionId::add, [this] { askAndOpen(true); });
     on(ActionId::saveImage, &Window::askAndSaveImage);
@@ -522,32 +523,6 @@ void Window::showSource() {
         statusLine_->showMessage(tr("No scale bar: the pixel size is not known"), 4000);
     }
     updateOptions();
-}
-
-/// The files that were opened last, with those that are shown now at the top.
-void Window::showRecentFiles() {
-    constexpr int most = 10;
-    QSettings kept;
-    QStringList recent = kept.value(recentKey).toStringList();
-    const QString shown = viewer_.inputs().join(QLatin1Char('\n'));
-    if (!shown.isEmpty()) {
-        recent.removeAll(shown);
-        recent.prepend(shown);
-        kept.setValue(recentKey, QStringList(recent.mid(0, most)));
-    }
-    QAction& action = (*actions_)[ActionId::recent];
-    if (!action.menu())
-        action.setMenu(new QMenu(this));
-    action.menu()->clear();
-    action.setEnabled(!recent.isEmpty());
-    for (const QString& files : recent.mid(0, most)) {
-        QStringList names;
-        for (const QString& file : files.split(QLatin1Char('\n')))
-            names << QFileInfo(file).fileName();
-        action.menu()->addAction(
-            names.join(QStringLiteral(", ")).replace(QLatin1Char('&'), QStringLiteral("&&")), this,
-            [this, files] { viewer_.open(files.split(QLatin1Char('\n'))); });
-    }
 }
 
 void Window::showError(const QString& reason) { messageBar_->showMessage(reason); }

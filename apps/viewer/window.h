@@ -20,6 +20,7 @@ class LutBar;
 class LutBox;
 class MessageBar;
 class ProfileView;
+class RecentMenu;
 class StackBar;
 class StatusLine;
 
@@ -71,7 +72,6 @@ private:
 
     void showImage();
     void showSource();
-    void showRecentFiles();
     void showIntensities(QPoint pixel);
     void showProfile(QLine line);
     void showChannels();
@@ -88,6 +88,7 @@ private:
     LutBox* lutBox_ = nullptr;
     MessageBar* messageBar_ = nullptr;
     ProfileView* profile_ = nullptr;
+    RecentMenu* recent_ = nullptr;
     StackBar* stackBar_ = nullptr;
     StatusLine* statusLine_ = nullptr;
     QDoubleSpinBox* rate_ = nullptr;

@@ -464,10 +464,6 @@ oder mit F3 eine simulierte Kamera starten</translation>
         <translation>Pixelwerte %1 bis %2</translation>
     </message>
     <message>
-        <source> · &lt;b&gt;%1 % saturated&lt;/b&gt;</source>
-        <translation> · &lt;b&gt;%1 % gesättigt&lt;/b&gt;</translation>
-    </message>
-    <message>
         <source>Channels</source>
         <translation>Kanäle</translation>
     </message>
@@ -538,6 +534,10 @@ oder mit F3 eine simulierte Kamera starten</translation>
     <message>
         <source>Data Range</source>
         <translation>Wertebereich</translation>
+    </message>
+    <message>
+        <source> · &lt;b&gt;%L1 % saturated&lt;/b&gt;</source>
+        <translation> · &lt;b&gt;%L1 % gesättigt&lt;/b&gt;</translation>
     </message>
 </context>
 <context>
@@ -729,10 +729,6 @@ oder mit F3 eine simulierte Kamera starten</translation>
         <translation>x %1, y %2</translation>
     </message>
     <message>
-        <source>%1 µm/pixel</source>
-        <translation>%1 µm/Pixel</translation>
-    </message>
-    <message>
         <source>pixel size unknown</source>
         <translation>Pixelgröße unbekannt</translation>
     </message>
@@ -741,8 +737,12 @@ oder mit F3 eine simulierte Kamera starten</translation>
         <translation>%1 %</translation>
     </message>
     <message>
-        <source>%1 frames/s · %2 dropped</source>
-        <translation>%1 Bilder/s · %2 verworfen</translation>
+        <source>%L1 µm/pixel</source>
+        <translation>%L1 µm/Pixel</translation>
+    </message>
+    <message>
+        <source>%L1 frames/s · %2 dropped</source>
+        <translation>%L1 Bilder/s · %2 verworfen</translation>
     </message>
 </context>
 <context>

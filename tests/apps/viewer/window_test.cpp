@@ -254,6 +254,9 @@ void WindowTest::fieldsKeepTheirKeys() {
     QTest::keyClick(black, Qt::Key_Up);
     QCOMPARE(model().channel(0).levels->low, 130); // in steps that suit the number
     QVERIFY(model().channel(0).offset == cv::Point());
+    part<Canvas>()->setFocus();
+    turnWheel(*black, {3, 3}, 1); // scrolls a small window
+    QCOMPARE(model().channel(0).levels->low, 130);
 }
 
 void WindowTest::dyesAreChosenAndTyped() {
