@@ -156,7 +156,7 @@ void ChannelModel::setRows(const std::vector<ChannelRow>& rows) {
     rows_ = rows;
     if (!isSameOrder)
         endResetModel();
-    else if (!rows.empty())
+    if (isSameOrder && !rows.empty())
         emit dataChanged(index(0, 0), index(size() - 1, columns - 1));
     emit edited();
 }
@@ -392,7 +392,7 @@ void ChannelModel::remove(int row) {
 void ChannelModel::move(int row, int by) {
     if (has(row) && has(row + by))
         edit([&](std::vector<ChannelRow>& rows) {
-            std::swap(rows[static_cast<size_t>(row)], rows[static_cast<size_t>(row + by)]);
+            std::iter_swap(rows.begin() + row, rows.begin() + row + by);
         });
 }
 

@@ -17,7 +17,8 @@ cv::Mat someRows(const cv::Mat& plane, int apart) {
 /// Adds up the counts between the ends of the axis in parts of equal width.
 void drawCurve(const Histogram& histogram, ChannelStatistics& result) {
     const auto& counts = histogram.counts();
-    const auto width = static_cast<std::size_t>(result.axis.high - result.axis.low + 1);
+    const auto width =
+        static_cast<std::size_t>(result.axis.high) - static_cast<std::size_t>(result.axis.low) + 1;
     const auto at = [&](std::size_t bin) {
         return static_cast<std::size_t>(result.axis.low) + bin * width / ChannelStatistics::bins;
     };

@@ -46,7 +46,7 @@ private:
     void makeCentre();
     void makeDocks();
     void addDock(const QString& title, const QString& name, QWidget* content,
-                 Qt::DockWidgetArea area, ActionId action);
+                 Qt::DockWidgetArea area, ActionId id);
     void makeToolBar();
     void setIcons();
     template<class Do>
