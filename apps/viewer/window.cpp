@@ -202,7 +202,6 @@ void Window::setIcons() {
     const std::tuple<ActionId, const char*, QStyle::StandardPixmap> icons[] = {
         {ActionId::open, "document-open", QStyle::SP_DialogOpenButton},
         {ActionId::saveImage, "document-save", QStyle::SP_DialogSaveButton},
-        {ActionId::live, "media-playback-start", QStyle::SP_MediaPlay},
         {ActionId::undo, "edit-undo", QStyle::SP_ArrowBack},
         {ActionId::redo, "edit-redo", QStyle::SP_ArrowForward},
         {ActionId::closeAll, "document-close", QStyle::SP_DialogCloseButton}};
