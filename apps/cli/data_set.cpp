@@ -1,10 +1,10 @@
 #include "apps/cli/data_set.h"
 
-#include "apps/cli/file_channels.h"
 #include "apps/cli/folder_listing.h"
 #include "apps/cli/natural_order.h"
 #include "apps/cli/slice_files.h"
 #include "apps/common/error.h"
+#include "apps/common/file_channels.h"
 #include "apps/common/messages.h"
 #include "apps/common/text.h"
 #include "imageio/file_error.h"

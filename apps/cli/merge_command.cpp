@@ -1,12 +1,12 @@
 // lumetra merge: channels in one image.
 
 #include "apps/cli/commands.h"
-#include "apps/cli/file_channels.h"
 #include "apps/cli/fonts.h"
 #include "apps/cli/print.h"
 #include "apps/cli/render_field.h"
 #include "apps/cli/slice_files.h"
 #include "apps/common/error.h"
+#include "apps/common/file_channels.h"
 #include "imageio/file_error.h"
 #include "imageio/output_conflicts.h"
 
@@ -34,13 +34,15 @@ std::vector<ChannelFile> channelFiles(const QStringList& arguments,
     std::vector<bool> hasDye;
     for (const QString& argument : arguments) {
         const bool named = isChannelText(argument);
-        if (settings && !named) {
-            InputFile input = parseFile(argument);
-            findSliceFiles(input);
-            for (const InputFile& channel : channelsIfReadable(input))
+        ChannelFile file = named ? parseChannelFile(argument, dyes) : parseFile(argument);
+        findSliceFiles(file);
+        if (named) { // it is opened when its turn comes, so that a log has it
+            files.push_back(file);
+        } else if (settings) {
+            for (const InputFile& channel : channelsIfReadable(file))
                 files.push_back({channel, {}});
         } else {
-            for (const ChannelFile& channel : channelFilesOf(argument, dyes))
+            for (const ChannelFile& channel : channelFilesOf(file, dyes))
                 files.push_back(channel);
         }
         hasDye.resize(files.size(), named);

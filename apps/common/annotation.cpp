@@ -75,25 +75,42 @@ QImage paper(QSize size) {
     return canvas;
 }
 
+/// Whether letters of a colour can be read on black: a contrast of 4.5, as accessible text has, for
+/// which relative luminance must reach 0.175.
+bool isReadable(const QColor& colour) {
+    const auto linear = [](double share) {
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+               0.0722 * linear(colour.blueF()) >=
+           0.175;
+}
+
+/// Draws names in their colours; one whose colour is too dark in white, behind a swatch.
 void drawLines(cv::Mat& image, const std::vector<Line>& lines) {
     if (lines.empty())
         return;
     const int height = letterHeight(image);
     const QFont font = letters(height);
     const QFontMetrics metrics(font);
+    const int swatch = height * 3 / 4, margin = height / 2;
+    const auto indentOf = [&](const Line& line) {
+        return isReadable(line.colour) ? 0 : swatch + margin;
+    };
     int width = 0;
     for (const Line& line : lines)
-        width = std::max(width, metrics.horizontalAdvance(line.text));
+        width = std::max(width, indentOf(line) + metrics.horizontalAdvance(line.text));
     const int step = metrics.height();
-    const int margin = height / 2;
     QImage drawing = paper(
         {std::min(width + 2 * margin, image.cols), static_cast<int>(lines.size()) * step + margin});
     QPainter painter(&drawing);
     painter.setFont(font);
     int baseline = margin / 2 + metrics.ascent();
     for (const Line& line : lines) {
-        painter.setPen(line.colour);
-        painter.drawText(margin, baseline, line.text);
+        if (!isReadable(line.colour))
+            painter.fillRect(margin, baseline - swatch, swatch, swatch, line.colour);
+        painter.setPen(isReadable(line.colour) ? line.colour : QColor(Qt::white));
+        painter.drawText(margin + indentOf(line), baseline, line.text);
         baseline += step;
     }
     painter.end();

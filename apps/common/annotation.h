@@ -26,7 +26,9 @@ struct ScaleBar {
 
 /// What is drawn onto an image.
 struct Annotation {
-    bool legend = false; ///< The names of the dyes of visible channels, in their colours.
+    /// The names of the dyes of visible channels, in their colours, or, where these are too dark
+    /// to be read, in white beside them.
+    bool legend = false;
     std::optional<ScaleBar> scaleBar;
 
     bool isEmpty() const { return !legend && !scaleBar; }

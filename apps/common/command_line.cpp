@@ -9,6 +9,8 @@ namespace {
 
 QString number(double value) { return QString::number(value, 'g', QLocale::FloatingPointShortest); }
 
+} // namespace
+
 QStringList annotationArguments(const Annotation& annotation) {
     QStringList arguments;
     if (annotation.legend)
@@ -18,8 +20,6 @@ QStringList annotationArguments(const Annotation& annotation) {
                   << QStringLiteral("--pixel-size") << number(annotation.scaleBar->pixelSize);
     return arguments;
 }
-
-} // namespace
 
 QString fileArgument(const QString& file) {
     return file.startsWith(QLatin1Char('-')) ? QStringLiteral("./") + file : file;

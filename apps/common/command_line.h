@@ -27,6 +27,9 @@ QString fileArgument(const QString& file);
 /// `LOW:HIGH`, as `--levels` takes it.
 QString levelsText(ContrastLimits levels);
 
+/// The arguments that draw legend and scale bar.
+QStringList annotationArguments(const Annotation& annotation);
+
 /// The arguments of `lumetra` that merge channels; what is left to add is the output.
 ///
 /// Colours that the built-in dyes do not give are written out, so no other file is needed.

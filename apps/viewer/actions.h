@@ -11,16 +11,19 @@ namespace lumetra {
 
 enum class ActionId {
     // clang-format off
-    open, add, keepSettings, saveImage, saveSettings, copyImage, copyCommand, customDyes, closeAll,
-    quit,
-    live, snap, camera2, camera3, camera4, cameraFromImages,
-    fit, actualSize, zoomIn, zoomOut, previousPage, nextPage, gray, saturated, legend, scaleBar,
-    pixelSize, pseudo, inverted, channelPanel, fullScreen,
+    open, add, recent, keepSettings, saveImage, saveSettings, copyImage, copyCommand, batchCommand,
+    customDyes, closeAll, quit,
+    undo, redo, copyValues,
+    live, snap, camera1, camera2, camera3, camera4, cameraFromImages,
+    fit, actualSize, zoomIn, zoomOut, previousSlice, nextSlice, previousFrame, nextFrame, gray,
+    safeColours, saturated, legend, scaleBar, pixelSize, panels, colourPanels, profile, pseudo,
+    inverted, channelPanel, fullScreen,
     goToChannels, show1, show2, show3, show4, show5, show6, show7, show8, show9, solo, showAll,
-    colourBlindSafe, left, right, up, down, farLeft, farRight, farUp, farDown, resetOffsets,
+    rename, moveUp, moveDown, remove, left, right, up, down, farLeft, farRight, farUp, farDown,
+    resetOffsets,
     goToLevels, automatic, allAutomatic, continuous, full8, full10, full12, full14, full16, reset,
-    toAll,
-    shortcuts, about
+    toAll, dataRange, logarithmic,
+    about
     // clang-format on
 };
 
@@ -37,9 +40,6 @@ public:
     Actions(QMainWindow& window, QWidget& image);
 
     QAction& operator[](ActionId id) const { return *actions_.at(id); }
-
-    /// All actions that have keys, in the order of the menus, as HTML.
-    QString shortcutTable() const;
 
 private:
     std::map<ActionId, QAction*> actions_;

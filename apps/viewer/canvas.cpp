@@ -17,37 +17,81 @@ Canvas::Canvas(QWidget* parent) : QWidget(parent) {
     setAccessibleName(tr("Image"));
 }
 
-void Canvas::setImage(const cv::Mat& screen, bool isSmooth) {
-    const bool isOtherSize = screen.size() != screen_.size();
-    screen_ = screen;
+void Canvas::setImages(const std::vector<cv::Mat>& screens, bool isSmooth) {
+    const cv::Size before = imageSize();
+    const bool isOther = screens.size() != screens_.size();
+    screens_ = screens;
     isSmooth_ = isSmooth;
-    if (isOtherSize && isFitted_)
+    if ((isOther || imageSize() != before) && isFitted_)
         fit();
-    else if (isOtherSize)
+    else if (isOther || imageSize() != before)
         keepInSight();
     repaint(); // at once, so that every image that was taken is seen
 }
 
-QSizeF Canvas::imageSize() const { return QSizeF(screen_.cols, screen_.rows) * scale_; }
+void Canvas::drawLines(bool on) {
+    drawsLines_ = on;
+    line_ = {};
+    setCursor(on ? Qt::CrossCursor : Qt::ArrowCursor);
+    update();
+}
+
+/// The scale at which all images are seen whole in so many columns.
+double Canvas::fittingScale(int columns) const {
+    const int count = std::max(static_cast<int>(screens_.size()), 1);
+    const int rows = (count + columns - 1) / columns;
+    const cv::Size size = imageSize();
+    return std::min(double(width()) / columns / std::max(size.width, 1),
+                    double(height()) / rows / std::max(size.height, 1));
+}
+
+/// The columns of images that show them largest.
+int Canvas::columns() const {
+    int best = 1;
+    for (int columns = 2; columns <= static_cast<int>(screens_.size()); ++columns)
+        best = fittingScale(columns) > fittingScale(best) ? columns : best;
+    return best;
+}
+
+/// The part of the widget that shows an image, in whole units.
+QRectF Canvas::cell(int number) const {
+    const int across = columns(), count = std::max(static_cast<int>(screens_.size()), 1);
+    const int down = (count + across - 1) / across;
+    const int x = number % across, y = number / across;
+    const int gap = count > 1 ? 2 : 0;
+    const QPoint first(width() * x / across, height() * y / down);
+    const QPoint next(width() * (x + 1) / across, height() * (y + 1) / down);
+    return {QPointF(first), QPointF(next - QPoint(gap, gap))};
+}
+
+int Canvas::cellAt(QPointF point) const {
+    for (int i = 0; i < static_cast<int>(screens_.size()); ++i)
+        if (cell(i).contains(point))
+            return i;
+    return 0;
+}
 
 void Canvas::fit() {
     isFitted_ = true;
-    if (!screen_.empty())
-        scale_ = std::min(double(width()) / screen_.cols, double(height()) / screen_.rows);
+    const cv::Size size = imageSize();
+    const QSizeF room = cell(0).size();
+    if (!size.empty())
+        scale_ = std::min(room.width() / size.width, room.height() / size.height);
     keepInSight();
 }
 
 void Canvas::actualSize() {
     isFitted_ = false;
-    setScale(1 / devicePixelRatioF(), QRectF(rect()).center());
+    setScale(1 / devicePixelRatioF(), cell(0).center());
 }
 
-void Canvas::zoom(double factor) { setScale(scale_ * factor, QRectF(rect()).center()); }
+void Canvas::zoom(double factor) { setScale(scale_ * factor, cell(0).center()); }
 
 /// @param fixed  The point of the widget below which the image stays.
 void Canvas::setScale(double scale, QPointF fixed) {
     constexpr double smallest = 1 / 64.0, largest = 64;
     scale = std::clamp(scale, smallest, largest);
+    fixed -= cell(cellAt(fixed)).topLeft();
     corner_ = fixed - (fixed - corner_) * (scale / scale_);
     scale_ = scale;
     isFitted_ = false;
@@ -61,52 +105,68 @@ void Canvas::keepInSight() {
             return (widget - image) / 2;
         return std::clamp(corner, widget - image, 0.0);
     };
-    const QSizeF size = imageSize();
-    corner_ = {keep(corner_.x(), size.width(), width()),
-               keep(corner_.y(), size.height(), height())};
+    const cv::Size size = imageSize();
+    const QSizeF room = cell(0).size();
+    corner_ = {keep(corner_.x(), size.width * scale_, room.width()),
+               keep(corner_.y(), size.height * scale_, room.height())};
     update();
     emit scaleChanged();
 }
 
-/// The image begins with a whole pixel of the screen: within one, 1:1 would show some pixels
-/// twice and others not at all.
-QRectF Canvas::imageRect() const {
+/// The part of the widget that an image would cover if its cell were large enough. It begins with a
+/// whole pixel of the screen: within one, 1:1 would show some pixels twice and others not at all.
+QRectF Canvas::imageRect(int number) const {
     const double unit = devicePixelRatioF();
-    const QPointF corner(std::round(corner_.x() * unit), std::round(corner_.y() * unit));
-    return {corner / unit, imageSize()};
+    const QPointF corner = cell(number).topLeft() + corner_;
+    return {QPointF(std::round(corner.x() * unit), std::round(corner.y() * unit)) / unit,
+            QSizeF(imageSize().width, imageSize().height) * scale_};
+}
+
+QPointF Canvas::pixelPosition(QPointF point) const {
+    return (point - imageRect(cellAt(point)).topLeft()) / scale_;
 }
 
 QPoint Canvas::pixelAt(QPointF point) const {
-    const QPointF pixel = (point - imageRect().topLeft()) / scale_;
+    const QPointF pixel = pixelPosition(point);
     const QPoint at(static_cast<int>(std::floor(pixel.x())),
                     static_cast<int>(std::floor(pixel.y())));
-    return QRect(0, 0, screen_.cols, screen_.rows).contains(at) ? at : QPoint(-1, -1);
+    return QRect(0, 0, imageSize().width, imageSize().height).contains(at) ? at : QPoint(-1, -1);
 }
 
-void Canvas::paintImage(QPainter& painter) const {
-    const QImage image(screen_.data, screen_.cols, screen_.rows, static_cast<int>(screen_.step),
+void Canvas::paintCell(QPainter& painter, int number) const {
+    const cv::Mat& screen = screens_[static_cast<std::size_t>(number)];
+    const QImage image(screen.data, screen.cols, screen.rows, static_cast<int>(screen.step),
                        QImage::Format_RGB32);
-    const QRectF whole = imageRect(), target = whole & QRectF(rect());
+    const QRectF whole = imageRect(number), target = whole & cell(number);
     const QRectF source((target.topLeft() - whole.topLeft()) / scale_, target.size() / scale_);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, isSmooth_ && scale() < 1);
     painter.drawImage(target, image, source);
+    if (line_.isNull())
+        return;
+    const QPointF middle(0.5, 0.5); // of a pixel
+    painter.setClipRect(target);
+    painter.setPen(QPen(Qt::yellow, 0)); // a pixel wide
+    painter.drawLine(whole.topLeft() + (line_.p1() + middle) * scale_,
+                     whole.topLeft() + (line_.p2() + middle) * scale_);
+    painter.setClipping(false);
 }
 
 void Canvas::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const QColor ground(0x1b, 0x1c, 0x1e); // dark in every palette, since images are
-    if (screen_.empty()) {
-        painter.fillRect(rect(), ground);
-        painter.setPen(QColor(0xb8, 0xbc, 0xc4));
-        painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
-                         tr("Drop image files here, one for each channel,\nopen them with Ctrl+O,\n"
-                            "or start a simulated camera with F3"));
-    } else {
-        const QRect covered = imageRect().toAlignedRect();
-        for (const QRect& bare : QRegion(rect()).subtracted(covered.adjusted(1, 1, -1, -1)))
-            painter.fillRect(bare, ground);
-        paintImage(painter);
-    }
+    QRegion bare(rect());
+    for (int i = 0; i < static_cast<int>(screens_.size()); ++i)
+        bare -= (imageRect(i) & cell(i)).toAlignedRect().adjusted(1, 1, -1, -1);
+    for (const QRect& part : bare)
+        painter.fillRect(part, ground);
+    for (int i = 0; i < static_cast<int>(screens_.size()); ++i)
+        paintCell(painter, i);
+    if (!screens_.empty())
+        return;
+    painter.setPen(QColor(0xb8, 0xbc, 0xc4));
+    painter.drawText(rect().adjusted(20, 20, -20, -20), Qt::AlignCenter | Qt::TextWordWrap,
+                     tr("Drop image files here, open them with Ctrl+O,\n"
+                        "or start a simulated camera with F3"));
 }
 
 void Canvas::resizeEvent(QResizeEvent* /*event*/) {
@@ -122,25 +182,41 @@ void Canvas::wheelEvent(QWheelEvent* event) {
     event->accept();
 }
 
+/// Draws from where the button was pressed, within the image.
+void Canvas::drawLineTo(QPointF point) {
+    const QPointF pixel = pixelPosition(point);
+    line_.setP2({std::clamp(static_cast<int>(std::floor(pixel.x())), 0, imageSize().width - 1),
+                 std::clamp(static_cast<int>(std::floor(pixel.y())), 0, imageSize().height - 1)});
+    update();
+    emit lineDrawn(line_);
+}
+
 void Canvas::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton && event->button() != Qt::MiddleButton)
-        return;
-    isPanning_ = true;
-    grabbed_ = QPointF(event->pos()) - corner_;
-    setCursor(Qt::ClosedHandCursor);
+    const QPointF point(event->pos());
+    if (event->button() == Qt::LeftButton && drawsLines_ && pixelAt(point).x() >= 0) {
+        drag_ = Drag::line;
+        line_ = {pixelAt(point), pixelAt(point)};
+    } else if (event->button() == Qt::LeftButton || event->button() == Qt::MiddleButton) {
+        drag_ = Drag::image;
+        grabbed_ = point - corner_;
+        setCursor(Qt::ClosedHandCursor);
+    }
 }
 
 void Canvas::mouseMoveEvent(QMouseEvent* event) {
-    if (isPanning_) {
-        corner_ = QPointF(event->pos()) - grabbed_;
+    const QPointF point(event->pos());
+    if (drag_ == Drag::image) {
+        corner_ = point - grabbed_;
         keepInSight();
+    } else if (drag_ == Drag::line && !screens_.empty()) {
+        drawLineTo(point);
     }
-    emit hovered(pixelAt(event->pos()));
+    emit hovered(pixelAt(point));
 }
 
 void Canvas::mouseReleaseEvent(QMouseEvent* /*event*/) {
-    isPanning_ = false;
-    unsetCursor();
+    drag_ = Drag::none;
+    setCursor(drawsLines_ ? Qt::CrossCursor : Qt::ArrowCursor);
 }
 
 void Canvas::mouseDoubleClickEvent(QMouseEvent* /*event*/) {

@@ -3,6 +3,8 @@
 #include "apps/viewer/channel_model.h"
 #include "apps/viewer/channel_panel.h"
 
+#include <algorithm>
+
 namespace lumetra {
 
 void connectChannelActions(const Actions& actions, ChannelModel& model, ChannelPanel& panel) {
@@ -22,7 +24,17 @@ void connectChannelActions(const Actions& actions, ChannelModel& model, ChannelP
         });
     onSelected(Id::solo, [](ChannelModel& m, int row) { m.solo(row); });
     onAll(Id::showAll, [](ChannelModel& m) { m.showAll(); });
-    onAll(Id::colourBlindSafe, [](ChannelModel& m) { m.useColourBlindSafeColours(); });
+    onSelected(Id::moveUp, [&panel](ChannelModel& m, int row) {
+        m.move(row, -1);
+        panel.setCurrentRow(std::max(row - 1, 0));
+    });
+    onSelected(Id::moveDown, [&panel](ChannelModel& m, int row) {
+        m.move(row, 1);
+        panel.setCurrentRow(std::min(row + 1, m.size() - 1));
+    });
+    onSelected(Id::remove, [](ChannelModel& m, int row) { m.remove(row); });
+    QObject::connect(&actions[Id::rename], &QAction::triggered, &panel,
+                     &ChannelPanel::renameCurrent);
     constexpr int far = 10;
     const std::pair<Id, QPoint> shifts[] = {{Id::left, {-1, 0}},      {Id::right, {1, 0}},
                                             {Id::up, {0, -1}},        {Id::down, {0, 1}},
@@ -34,17 +46,25 @@ void connectChannelActions(const Actions& actions, ChannelModel& model, ChannelP
     onAll(Id::resetOffsets, [](ChannelModel& m) { m.resetOffsets(); });
 
     onSelected(Id::automatic, [](ChannelModel& m, int row) { m.useAutomaticLevels(row); });
-    onAll(Id::allAutomatic, [](ChannelModel& m) {
-        for (int row = 0; row < m.size(); ++row)
-            m.useAutomaticLevels(row);
-    });
+    onAll(Id::allAutomatic, [](ChannelModel& m) { m.useAutomaticLevelsForAll(); });
     QObject::connect(&actions[Id::continuous], &QAction::toggled, &model,
                      &ChannelModel::setContinuousLevels);
     for (int i = 0; i < 5; ++i)
         onSelected(Id::full8 + i,
                    [i](ChannelModel& m, int row) { m.useFullRange(row, 8 + 2 * i); });
-    onSelected(Id::reset, [](ChannelModel& m, int row) { m.useFullRange(row); });
+    onSelected(Id::reset, [](ChannelModel& m, int row) { m.resetContrast(row); });
     onSelected(Id::toAll, [](ChannelModel& m, int row) { m.copyLevelsToAll(row); });
+
+    QObject::connect(&actions[Id::undo], &QAction::triggered, &model.undoStack(),
+                     &QUndoStack::undo);
+    QObject::connect(&actions[Id::redo], &QAction::triggered, &model.undoStack(),
+                     &QUndoStack::redo);
+    QObject::connect(&model.undoStack(), &QUndoStack::canUndoChanged, &actions[Id::undo],
+                     &QAction::setEnabled);
+    QObject::connect(&model.undoStack(), &QUndoStack::canRedoChanged, &actions[Id::redo],
+                     &QAction::setEnabled);
+    actions[Id::undo].setEnabled(false);
+    actions[Id::redo].setEnabled(false);
 
     QObject::connect(&actions[Id::goToChannels], &QAction::triggered, &panel,
                      &ChannelPanel::focusChannels);

@@ -4,22 +4,15 @@
 #include "apps/common/channel_spec.h"
 #include "apps/common/error.h"
 #include "apps/common/text.h"
-#include "render/palette.h"
+
+#include <QElapsedTimer>
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace lumetra {
 namespace {
-
-QString offsetText(cv::Point offset) {
-    const auto part = [](int pixels, const char* forward, const char* backward) {
-        const char* arrow = pixels > 0 ? forward : backward;
-        return pixels == 0 ? QString()
-                           : QString::fromUtf8(arrow) + QString::number(qAbs(qint64{pixels}));
-    };
-    return (part(offset.x, "←", "→") + QLatin1Char(' ') + part(offset.y, "↑", "↓")).trimmed();
-}
 
 int shifted(int from, int by) {
     constexpr qint64 least = std::numeric_limits<int>::min(),
@@ -27,7 +20,53 @@ int shifted(int from, int by) {
     return static_cast<int>(std::clamp(qint64{from} + by, least, most));
 }
 
+/// Whether two states differ in nothing but what is dragged: levels, gamma or offset of one row.
+bool isDrag(const std::vector<ChannelRow>& before, const std::vector<ChannelRow>& after) {
+    int changed = 0;
+    for (std::size_t i = 0; i < std::min(before.size(), after.size()); ++i) {
+        ChannelRow row = before[i];
+        changed += row == after[i] ? 0 : 1;
+        row.measuresLevels = after[i].measuresLevels;
+        row.channel.levels = after[i].channel.levels;
+        row.channel.gamma = after[i].channel.gamma;
+        row.channel.offset = after[i].channel.offset;
+        if (!(row == after[i]))
+            return false;
+    }
+    return before.size() == after.size() && changed == 1;
+}
+
 } // namespace
+
+/// Turns one state of all channels into another.
+class ChannelModel::EditCommand : public QUndoCommand {
+public:
+    EditCommand(ChannelModel& model, std::vector<ChannelRow> after)
+        : model_(model), before_(model.rows_), after_(std::move(after)) {
+        since_.start();
+    }
+    void redo() override { model_.setRows(after_); }
+    void undo() override { model_.setRows(before_); }
+    int id() const override { return 1; }
+
+    /// A drag is one edit, until it rests.
+    bool mergeWith(const QUndoCommand* other) override {
+        constexpr int rest = 700; // milliseconds
+        const auto& next = static_cast<const EditCommand&>(*other);
+        if (since_.hasExpired(rest) || !isDrag(before_, next.after_))
+            return false;
+        after_ = next.after_;
+        since_.start();
+        return true;
+    }
+
+private:
+    ChannelModel& model_;
+    std::vector<ChannelRow> before_, after_;
+    QElapsedTimer since_;
+};
+
+ChannelModel::ChannelModel(QObject* parent) : QAbstractTableModel(parent) {}
 
 int ChannelModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : size();
@@ -37,32 +76,39 @@ int ChannelModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : columns;
 }
 
+QString ChannelModel::limitsText(int row) const {
+    const QString text = QStringLiteral("%1 – %2").arg(levels(row).low).arg(levels(row).high);
+    const bool isFixed = isContinuous_ && !rows_[static_cast<size_t>(row)].measuresLevels;
+    return isFixed ? tr("%1 fixed").arg(text) : text;
+}
+
 QVariant ChannelModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const int row = index.row();
+    const int row = index.row(), column = index.column();
     const Channel& channel = this->channel(row);
-    if (role == Qt::CheckStateRole && index.column() == visibleColumn)
+    if (role == Qt::CheckStateRole && column == visibleColumn)
         return static_cast<int>(channel.visible ? Qt::Checked : Qt::Unchecked);
-    if (role == Qt::DecorationRole && index.column() == colourColumn)
+    if (role == Qt::DecorationRole && column == colourColumn)
         return toQt(channel.colour);
-    if (role == Qt::ToolTipRole && index.column() == colourColumn)
-        return tr("Click to show this channel only; click again to show all");
-    if (role == Qt::ToolTipRole && index.column() == dyeColumn && !channel.name.empty())
-        return toQt(channel.name);
-    if (role != Qt::DisplayRole)
+    if (role == Qt::ToolTipRole && column == colourColumn)
+        return tr("Click to show this channel only, and again to show all; double-click to choose "
+                  "a colour");
+    if (role == Qt::ToolTipRole && column == nameColumn)
+        return tr("%1; double-click to rename it").arg(channelLabel(channel));
+    if (role != Qt::DisplayRole && role != Qt::EditRole)
         return {};
-    switch (index.column()) {
+    switch (column) {
     case visibleColumn:
         return row + 1;
-    case dyeColumn:
-        return channelLabel(channel);
-    case blackColumn:
-        return levels(row).low;
-    case whiteColumn:
-        return levels(row).high;
+    case nameColumn:
+        return panelName(channel);
+    case limitsColumn:
+        return limitsText(row);
     case offsetColumn:
-        return offsetText(channel.offset);
+        return channel.offset == cv::Point()
+                   ? QString()
+                   : tr("← %1 ↑ %2").arg(channel.offset.x).arg(channel.offset.y);
     default:
         return {};
     }
@@ -72,8 +118,8 @@ QVariant ChannelModel::headerData(int section, Qt::Orientation orientation, int 
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
         section >= columns)
         return QAbstractTableModel::headerData(section, orientation, role);
-    const QString titles[] = {tr("Visible"), tr("Colour"), tr("Dye"),
-                              tr("Black"),   tr("White"),  tr("Offset")};
+    const QString titles[] = {tr("Visible"), tr("Colour"), tr("Channel"), tr("Limits"),
+                              tr("Offset")};
     return titles[section];
 }
 
@@ -83,73 +129,107 @@ Qt::ItemFlags ChannelModel::flags(const QModelIndex& index) const {
     Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
     if (index.column() == visibleColumn)
         flags |= Qt::ItemIsUserCheckable;
+    if (index.column() == nameColumn)
+        flags |= Qt::ItemIsEditable;
     return flags;
 }
 
 bool ChannelModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || role != Qt::CheckStateRole ||
-        index.column() != visibleColumn)
+    const bool isName = index.column() == nameColumn && role == Qt::EditRole;
+    const bool isBox = index.column() == visibleColumn && role == Qt::CheckStateRole;
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || !(isName || isBox))
         return false;
-    setVisible(index.row(), value.toInt() == Qt::Checked);
+    if (isName)
+        setName(index.row(), value.toString());
+    else
+        setVisible(index.row(), value.toInt() == Qt::Checked);
     return true;
 }
 
-void ChannelModel::notifyEdited(int firstRow, int lastRow) {
-    if (firstRow > lastRow)
-        return;
-    emit dataChanged(index(firstRow, 0), index(lastRow, columns - 1));
+/// Shows another state of the same channels, or of some of them in another order.
+void ChannelModel::setRows(const std::vector<ChannelRow>& rows) {
+    const bool isSameOrder =
+        std::equal(rows.begin(), rows.end(), rows_.begin(), rows_.end(),
+                   [](const ChannelRow& a, const ChannelRow& b) { return a.plane == b.plane; });
+    if (!isSameOrder)
+        beginResetModel();
+    rows_ = rows;
+    if (!isSameOrder)
+        endResetModel();
+    if (isSameOrder && !rows.empty())
+        emit dataChanged(index(0, 0), index(size() - 1, columns - 1));
     emit edited();
 }
 
-/// Lets `edit(channel, row)` change all channels.
+/// Lets `edit(rows)` change all there is.
+template<class Edit>
+void ChannelModel::edit(const Edit& edit) {
+    std::vector<ChannelRow> rows = rows_;
+    edit(rows);
+    if (!(rows == rows_))
+        undo_.push(new EditCommand(*this, std::move(rows)));
+}
+
+/// Lets `edit(row)` change each channel.
 template<class Edit>
 void ChannelModel::editAll(const Edit& edit) {
-    const std::vector<Channel> before = channels_;
-    for (int row = 0; row < size(); ++row)
-        edit(channels_[static_cast<size_t>(row)], row);
-    if (channels_ != before)
-        notifyEdited(0, size() - 1);
-}
-
-/// Lets `edit(channel)` change a channel, if it is there.
-template<class Edit>
-void ChannelModel::editOne(int row, const Edit& edit) {
-    if (!has(row))
-        return;
-    const Channel before = channel(row);
-    edit(channels_[static_cast<size_t>(row)]);
-    if (before != channel(row))
-        notifyEdited(row, row);
-}
-
-int ChannelModel::largestValue(int row) const { return statistics(row).bits == 8 ? 255 : 65535; }
-
-void ChannelModel::setCustomDyes(const std::vector<Dye>& custom) {
-    dyes_ = DyeList();
-    dyes_.add(custom);
-    editAll([&](Channel& channel, int) {
-        for (const Dye& dye : custom)
-            if (dye.name == channel.dye)
-                channel.colour = dye.colour;
+    this->edit([&](std::vector<ChannelRow>& rows) {
+        for (ChannelRow& row : rows)
+            edit(row);
     });
 }
 
-void ChannelModel::setChannels(const std::vector<Channel>& channels) {
+/// Lets `edit(row)` change a channel, if it is there.
+template<class Edit>
+void ChannelModel::editOne(int row, const Edit& edit) {
+    if (has(row))
+        this->edit([&](std::vector<ChannelRow>& rows) { edit(rows[static_cast<size_t>(row)]); });
+}
+
+void ChannelModel::setCustomDyes(const std::vector<Dye>& custom) {
     beginResetModel();
-    channels_ = channels;
-    statistics_.assign(channels.size(), {});
-    measuresLevels_.clear();
-    for (const Channel& channel : channels)
-        measuresLevels_.push_back(isContinuous_ || !channel.levels);
+    dyes_ = DyeList();
+    dyes_.add(custom);
+    for (ChannelRow& row : rows_)
+        for (const Dye& dye : custom)
+            if (dye.name == row.channel.dye)
+                row.channel.colour = dye.colour;
     endResetModel();
     emit edited();
 }
 
+void ChannelModel::setChannels(const std::vector<Channel>& channels) {
+    beginResetModel();
+    rows_.clear();
+    for (const Channel& channel : channels)
+        rows_.push_back({channel, rows_.size(), isContinuous_ || !channel.levels});
+    statistics_.assign(channels.size(), {});
+    undo_.clear();
+    endResetModel();
+    emit edited();
+}
+
+std::vector<Channel> ChannelModel::channels() const {
+    std::vector<Channel> channels;
+    channels.reserve(rows_.size());
+    for (const ChannelRow& row : rows_)
+        channels.push_back(row.channel);
+    return channels;
+}
+
+std::vector<std::size_t> ChannelModel::planes() const {
+    std::vector<std::size_t> planes;
+    planes.reserve(rows_.size());
+    for (const ChannelRow& row : rows_)
+        planes.push_back(row.plane);
+    return planes;
+}
+
 std::vector<Channel> ChannelModel::requested() const {
-    std::vector<Channel> channels = channels_;
+    std::vector<Channel> channels = this->channels();
     for (std::size_t i = 0; i < channels.size(); ++i) {
         channels[i].levelsBits = 0; // adopted with the image, which it does not change
-        if (measuresLevels_[i])
+        if (rows_[i].measuresLevels)
             channels[i].levels.reset();
     }
     return channels;
@@ -157,15 +237,16 @@ std::vector<Channel> ChannelModel::requested() const {
 
 bool ChannelModel::adopt(const std::vector<ContrastLimits>& levels,
                          const std::vector<ChannelStatistics>& statistics) {
-    if (levels.size() != channels_.size() || statistics.size() != channels_.size() || size() == 0)
+    if (levels.size() != rows_.size() || statistics.size() != rows_.size() || rows_.empty())
         return false;
-    statistics_ = statistics;
     bool isFixed = false;
     QStringList problems;
-    for (std::size_t i = 0; i < channels_.size(); ++i) {
-        Channel& channel = channels_[i];
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        ChannelRow& row = rows_[i];
+        Channel& channel = row.channel;
+        statistics_[row.plane] = statistics[i];
         const int bits = statistics[i].bits;
-        if (measuresLevels_[i]) {
+        if (row.measuresLevels) {
             channel.levels = levels[i];
             isFixed = isFixed || !isContinuous_;
         } else if (channel.levelsBits > 0 && channel.levelsBits != bits) {
@@ -178,7 +259,7 @@ bool ChannelModel::adopt(const std::vector<ContrastLimits>& levels,
             isFixed = true;
         }
         channel.levelsBits = bits;
-        measuresLevels_[i] = measuresLevels_[i] && isContinuous_;
+        row.measuresLevels = row.measuresLevels && isContinuous_;
     }
     emit dataChanged(index(0, 0), index(size() - 1, columns - 1));
     for (const QString& problem : problems)
@@ -187,20 +268,29 @@ bool ChannelModel::adopt(const std::vector<ContrastLimits>& levels,
 }
 
 void ChannelModel::setVisible(int row, bool visible) {
-    editOne(row, [&](Channel& channel) { channel.visible = visible; });
+    editOne(row, [&](ChannelRow& r) { r.channel.visible = visible; });
 }
 
-void ChannelModel::setDye(int row, const Dye& dye) {
-    editOne(row, [&](Channel& channel) {
-        channel.dye = dye.name;
-        channel.colour = dye.colour;
+void ChannelModel::setName(int row, const QString& name) {
+    editOne(row, [&](ChannelRow& r) {
+        if (name != panelName(r.channel))
+            r.channel.name = r.channel.dye = toUtf8(name.trimmed());
     });
+}
+
+void ChannelModel::setColour(int row, Colour colour) {
+    editOne(row, [&](ChannelRow& r) { r.channel.colour = colour; });
 }
 
 bool ChannelModel::setDye(int row, const QString& name) {
     try {
         const Channel parsed = parseChannel(name, dyes_);
-        setDye(row, Dye{parsed.dye, parsed.colour});
+        editOne(row, [&](ChannelRow& r) {
+            if (r.channel.name == r.channel.dye)
+                r.channel.name.clear();
+            r.channel.dye = parsed.dye;
+            r.channel.colour = parsed.colour;
+        });
         return true;
     } catch (const std::runtime_error&) {
         emit refused(currentExceptionText());
@@ -208,17 +298,16 @@ bool ChannelModel::setDye(int row, const QString& name) {
     }
 }
 
-void ChannelModel::setLevels(int row, ContrastLimits levels) {
-    if (!has(row))
-        return;
-    const int largest = largestValue(row);
+void ChannelModel::fixLevels(ChannelRow& row, ContrastLimits levels) const {
+    const int largest = statistics_[row.plane].bits == 8 ? 255 : 65535;
     levels.low = std::clamp(levels.low, 0, largest - 1);
     levels.high = std::clamp(levels.high, levels.low + 1, largest);
-    const bool wasMeasured = measuresLevels_[static_cast<size_t>(row)];
-    measuresLevels_[static_cast<size_t>(row)] = false;
-    editOne(row, [&](Channel& channel) { channel.levels = levels; });
-    if (wasMeasured) // even if they are what was measured
-        emit edited();
+    row.channel.levels = levels;
+    row.measuresLevels = false;
+}
+
+void ChannelModel::setLevels(int row, ContrastLimits levels) {
+    editOne(row, [&](ChannelRow& r) { fixLevels(r, levels); });
 }
 
 void ChannelModel::setBlackLevel(int row, int low) {
@@ -232,78 +321,100 @@ void ChannelModel::setWhiteLevel(int row, int high) {
 }
 
 void ChannelModel::setGamma(int row, double gamma) {
-    editOne(row, [&](Channel& channel) {
-        channel.gamma = std::clamp(gamma, smallestGamma, largestGamma);
+    editOne(row, [&](ChannelRow& r) {
+        r.channel.gamma = std::clamp(gamma, smallestGamma, largestGamma);
     });
 }
 
 void ChannelModel::useAutomaticLevels(int row) {
-    if (!has(row))
-        return;
-    measuresLevels_[static_cast<size_t>(row)] = true;
-    emit edited();
+    editOne(row, [](ChannelRow& r) { r.measuresLevels = true; });
 }
 
-void ChannelModel::useFullRange(int row, int bits) {
-    if (has(row))
-        setLevels(row, {0, bits > 0 ? largestOf(bits) : largestValue(row)});
+void ChannelModel::useAutomaticLevelsForAll() {
+    editAll([](ChannelRow& row) { row.measuresLevels = true; });
+}
+
+void ChannelModel::useFullRange(int row, int bits) { setLevels(row, {0, largestOf(bits)}); }
+
+void ChannelModel::resetContrast(int row) {
+    editOne(row, [&](ChannelRow& r) {
+        fixLevels(r, {0, statistics_[r.plane].largest});
+        r.channel.gamma = 1;
+    });
 }
 
 void ChannelModel::nudge(int row, QPoint by) {
-    editOne(row, [&](Channel& channel) {
-        const cv::Point offset = channel.offset; // to the left and up
-        channel.offset = {shifted(offset.x, -by.x()), shifted(offset.y, -by.y())};
+    editOne(row, [&](ChannelRow& r) {
+        const cv::Point offset = r.channel.offset; // to the left and up
+        r.channel.offset = {shifted(offset.x, -by.x()), shifted(offset.y, -by.y())};
     });
 }
 
 void ChannelModel::setOffset(int row, cv::Point offset) {
-    editOne(row, [&](Channel& channel) { channel.offset = offset; });
+    editOne(row, [&](ChannelRow& r) { r.channel.offset = offset; });
 }
 
 void ChannelModel::copyLevelsToAll(int row) {
-    if (!has(row) || !channel(row).levels)
+    if (!has(row))
         return;
-    const ContrastLimits levels = *channel(row).levels;
-    const double gamma = channel(row).gamma;
-    for (int other = 0; other < size(); ++other) {
-        setLevels(other, levels);
-        setGamma(other, gamma);
-    }
+    const Channel from = channel(row);
+    editAll([&](ChannelRow& r) {
+        fixLevels(r, from.levels.value_or(ContrastLimits{}));
+        r.channel.gamma = from.gamma;
+    });
 }
 
 void ChannelModel::solo(int row) {
     if (!has(row))
         return;
-    const auto visible = std::count_if(channels_.begin(), channels_.end(),
-                                       [](const Channel& channel) { return channel.visible; });
+    const auto visible = std::count_if(rows_.begin(), rows_.end(),
+                                       [](const ChannelRow& r) { return r.channel.visible; });
     const bool isAlone = visible == 1 && channel(row).visible;
-    editAll([&](Channel& channel, int other) { channel.visible = isAlone || other == row; });
+    std::vector<bool> shown(rows_.size(), isAlone);
+    shown[static_cast<size_t>(row)] = true;
+    showOnly(shown);
 }
 
-void ChannelModel::showAll() {
-    editAll([](Channel& channel, int) { channel.visible = true; });
+void ChannelModel::showAll() { showOnly(std::vector<bool>(rows_.size(), true)); }
+
+void ChannelModel::showOnly(const std::vector<bool>& visible) {
+    edit([&](std::vector<ChannelRow>& rows) {
+        for (std::size_t i = 0; i < std::min(rows.size(), visible.size()); ++i)
+            rows[i].channel.visible = visible[i];
+    });
+}
+
+void ChannelModel::remove(int row) {
+    if (has(row) && size() > 1)
+        edit([&](std::vector<ChannelRow>& rows) { rows.erase(rows.begin() + row); });
+}
+
+void ChannelModel::move(int row, int by) {
+    if (has(row) && has(row + by))
+        edit([&](std::vector<ChannelRow>& rows) {
+            std::iter_swap(rows.begin() + row, rows.begin() + row + by);
+        });
 }
 
 void ChannelModel::resetOffsets() {
-    editAll([](Channel& channel, int) { channel.offset = {}; });
+    editAll([](ChannelRow& row) { row.channel.offset = {}; });
 }
 
 void ChannelModel::setContinuousLevels(bool on) {
     isContinuous_ = on;
-    if (on)
-        measuresLevels_.assign(channels_.size(), true);
-    notifyEdited(0, size() - 1);
-}
-
-void ChannelModel::useColourBlindSafeColours() {
-    const std::vector<Colour> colours = safePalette(channels_.size());
-    editAll([&](Channel& channel, int row) { channel.colour = colours[static_cast<size_t>(row)]; });
+    std::vector<ChannelRow> rows = rows_;
+    for (ChannelRow& row : rows)
+        row.measuresLevels = row.measuresLevels || on;
+    setRows(rows);
 }
 
 void ChannelModel::applySettings(const std::vector<Channel>& settings) {
-    std::vector<Channel> channels = channels_;
-    std::copy_n(settings.begin(), std::min(settings.size(), channels.size()), channels.begin());
-    setChannels(channels);
+    edit([&](std::vector<ChannelRow>& rows) {
+        for (std::size_t i = 0; i < std::min(rows.size(), settings.size()); ++i) {
+            rows[i].channel = settings[i];
+            rows[i].measuresLevels = isContinuous_ || !settings[i].levels;
+        }
+    });
 }
 
 } // namespace lumetra

@@ -6,19 +6,32 @@
 
 #include <QAbstractTableModel>
 #include <QPoint>
+#include <QUndoStack>
 
 #include <vector>
 
 namespace lumetra {
 
-/// One row for each channel. Everything that changes how channels are shown happens here.
+/// A channel among those that are shown.
+struct ChannelRow {
+    Channel channel;
+    std::size_t plane = 0;      ///< Which plane of the source it is, counted from 0.
+    bool measuresLevels = true; ///< In the next image.
+};
+
+inline bool operator==(const ChannelRow& a, const ChannelRow& b) {
+    return a.channel == b.channel && a.plane == b.plane && a.measuresLevels == b.measuresLevels;
+}
+
+/// One row for each channel. Everything that changes how channels are shown happens here, and can
+/// be undone.
 class ChannelModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum Column { visibleColumn, colourColumn, dyeColumn, blackColumn, whiteColumn, offsetColumn };
+    enum Column { visibleColumn, colourColumn, nameColumn, limitsColumn, offsetColumn };
     static constexpr int columns = offsetColumn + 1;
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit ChannelModel(QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -32,16 +45,21 @@ public:
     /// Replaces the custom dyes; channels with one of them take over its colour.
     void setCustomDyes(const std::vector<Dye>& custom);
 
-    /// Replaces all channels. Those without levels get them from the next image.
+    /// Replaces all channels by those of a source, one for each of its planes. Those without levels
+    /// get them from the next image. This cannot be undone.
     void setChannels(const std::vector<Channel>& channels);
 
     /// All channels with the levels that they are shown with.
-    const std::vector<Channel>& channels() const { return channels_; }
-    const Channel& channel(int row) const { return channels_.at(static_cast<size_t>(row)); }
+    std::vector<Channel> channels() const;
+    const std::vector<ChannelRow>& rows() const { return rows_; }
+    const Channel& channel(int row) const { return rows_.at(static_cast<size_t>(row)).channel; }
     const ChannelStatistics& statistics(int row) const {
-        return statistics_.at(static_cast<size_t>(row));
+        return statistics_.at(rows_.at(static_cast<size_t>(row)).plane);
     }
-    int size() const { return static_cast<int>(channels_.size()); }
+    int size() const { return static_cast<int>(rows_.size()); }
+
+    /// The planes of the channels.
+    std::vector<std::size_t> planes() const;
 
     /// The channels without the levels that are to be measured, and without what changes no image.
     std::vector<Channel> requested() const;
@@ -55,33 +73,38 @@ public:
     /// @name Edits of one channel; a row that is not there changes nothing.
     /// @{
     void setVisible(int row, bool visible);
-    void setDye(int row, const Dye& dye);
+    void setName(int row, const QString& name); ///< Of the channel, and in legends.
+    void setColour(int row, Colour colour);
     bool setDye(int row, const QString& name); ///< Or `#rrggbb`; false if there is none like it.
     void setLevels(int row, ContrastLimits levels); ///< Moved apart if they are not in order.
     void setBlackLevel(int row, int low);           ///< Moves the white level where it has to.
     void setWhiteLevel(int row, int high);          ///< Moves the black level where it has to.
     void setGamma(int row, double gamma);
-    void useAutomaticLevels(int row);          ///< Measured once, in the next image.
-    void useFullRange(int row, int bits = 0);  ///< Of so many bits; 0 for those of the plane.
+    void useAutomaticLevels(int row); ///< Measured once, in the next image.
+    void useFullRange(int row, int bits);
+    void resetContrast(int row);               ///< The source's full range, no gamma.
     void nudge(int row, QPoint by);            ///< Pixels to the right and down.
     void setOffset(int row, cv::Point offset); ///< Pixels to the left and up, as channels have it.
     void copyLevelsToAll(int row);
     /// Shows this channel alone; or all of them, if it is alone already.
     void solo(int row);
+    void remove(int row); ///< Unless it is the last one.
+    void move(int row, int by);
     /// @}
 
+    void useAutomaticLevelsForAll();
     void showAll();
+    void showOnly(const std::vector<bool>& visible);
     void resetOffsets();
 
-    /// Measures the levels of all channels in every image.
+    /// Measures the levels of all channels in every image, but for those that are set by hand.
     void setContinuousLevels(bool on);
     bool hasContinuousLevels() const { return isContinuous_; }
 
-    /// Colours that are told apart without red against green: magenta and green for two channels.
-    void useColourBlindSafeColours();
-
     /// Each channel as settings say, in their order; channels beyond them stay.
     void applySettings(const std::vector<Channel>& settings);
+
+    QUndoStack& undoStack() { return undo_; }
 
 signals:
     /// The image has to be rendered again.
@@ -90,20 +113,25 @@ signals:
     void refused(const QString& reason);
 
 private:
+    class EditCommand;
+
     bool has(int row) const { return row >= 0 && row < size(); }
     ContrastLimits levels(int row) const { return channel(row).levels.value_or(ContrastLimits{}); }
-    int largestValue(int row) const;
+    QString limitsText(int row) const;
+    template<class Edit>
+    void edit(const Edit& edit);
     template<class Edit>
     void editAll(const Edit& edit);
     template<class Edit>
     void editOne(int row, const Edit& edit);
-    void notifyEdited(int firstRow, int lastRow);
+    void fixLevels(ChannelRow& row, ContrastLimits levels) const;
+    void setRows(const std::vector<ChannelRow>& rows);
 
     DyeList dyes_;
-    std::vector<Channel> channels_;
-    std::vector<ChannelStatistics> statistics_;
-    std::vector<bool> measuresLevels_; // of each channel, in the next image
+    std::vector<ChannelRow> rows_;
+    std::vector<ChannelStatistics> statistics_; // of each plane of the source
     bool isContinuous_ = false;
+    QUndoStack undo_;
 };
 
 } // namespace lumetra

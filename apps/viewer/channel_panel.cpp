@@ -3,32 +3,37 @@
 #include "apps/common/annotation.h"
 #include "apps/common/text.h"
 #include "apps/viewer/channel_model.h"
-#include "apps/viewer/dye_controls.h"
+#include "apps/viewer/dye_box.h"
 #include "apps/viewer/level_editor.h"
 
 #include <QCheckBox>
+#include <QColorDialog>
 #include <QDoubleSpinBox>
+#include <QEvent>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMenu>
-#include <QPushButton>
 #include <QSignalBlocker>
 #include <QTableView>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
 
 namespace lumetra {
 namespace {
 
 QString noteOn(const ChannelStatistics& statistics) {
-    QString note = ChannelPanel::tr("Intensities %1 to %2")
+    QString note = ChannelPanel::tr("Pixel values %1 to %2")
                        .arg(statistics.range.low)
                        .arg(statistics.range.high);
     if (statistics.saturated > 0)
-        note +=
-            ChannelPanel::tr(" · <b>%1 % saturated</b>").arg(100 * statistics.saturated, 0, 'g', 2);
+        note += ChannelPanel::tr(" · <b>%L1 % saturated</b>")
+                    .arg(100 * statistics.saturated, 0, 'g', 2);
     return note;
 }
 
@@ -49,34 +54,57 @@ void showNumber(QSpinBox* field, int value) {
 
 } // namespace
 
-ChannelPanel::ChannelPanel(ChannelModel& model, QWidget* parent) : QWidget(parent), model_(model) {
+ChannelPanel::ChannelPanel(ChannelModel& model, const Actions& actions, QWidget* parent)
+    : QWidget(parent), model_(model) {
     details_ = new QWidget(this);
     auto* inner = new QVBoxLayout(details_);
     inner->setContentsMargins(0, 0, 0, 0);
     inner->addWidget(makeDyeBox());
-    inner->addWidget(makeLevelBox());
+    inner->addWidget(makeLevelBox(actions), 1);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(makeTable(), 1);
-    layout->addWidget(details_, 0);
+    layout->addWidget(makeTable(actions));
+    layout->addWidget(details_, 1);
     connectEditors();
+    connectTable();
     showChannels();
+    const QList<QWidget*> fields{dyeBox_, left_, up_, black_, white_, gamma_, percent_};
+    for (QWidget* field : fields) {
+        field->setFocusPolicy(Qt::StrongFocus);
+        field->installEventFilter(this);
+    }
 }
 
-QWidget* ChannelPanel::makeTable() {
+bool ChannelPanel::eventFilter(QObject* field, QEvent* event) {
+    const auto* widget = qobject_cast<QWidget*>(field);
+    if (event->type() != QEvent::Wheel || !widget || widget->hasFocus())
+        return QWidget::eventFilter(field, event);
+    event->ignore();
+    return true;
+}
+
+QWidget* ChannelPanel::makeTable(const Actions& actions) {
     table_ = new QTableView(this);
     table_->setModel(&model_);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
     table_->setTabKeyNavigation(false); // Tab leads out of the table
     table_->setShowGrid(false);
+    table_->setWordWrap(false);
     table_->setAlternatingRowColors(true);
-    table_->setMinimumHeight(140);
+    table_->setSizeAdjustPolicy(
+        QAbstractScrollArea::AdjustToContents); // the histogram has the rest
+    table_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    table_->setMinimumHeight(80);
     table_->setAccessibleName(tr("Channels"));
     table_->verticalHeader()->hide();
     QHeaderView* header = table_->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
-    header->setSectionResizeMode(ChannelModel::dyeColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(ChannelModel::nameColumn, QHeaderView::Stretch);
     header->setHighlightSections(false);
+    table_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (const ActionId id : {ActionId::solo, ActionId::showAll, ActionId::rename, ActionId::moveUp,
+                              ActionId::moveDown, ActionId::remove})
+        table_->addAction(&actions[id]);
     return table_;
 }
 
@@ -84,18 +112,13 @@ QWidget* ChannelPanel::makeDyeBox() {
     auto* box = new QWidget(this);
     auto* form = new QFormLayout(box);
     form->setContentsMargins(0, 0, 0, 0);
-    dyeField_ = new DyeField(model_.dyes(), box);
-    dyeSlider_ = new DyeSlider(model_.dyes(), box);
-    form->addRow(tr("&Dye"), dyeField_);
-    form->addRow(dyeSlider_);
-    QLayout* offset = makeOffsetRow();
-    auto* label = new QLabel(tr("&Offset"), box);
-    label->setBuddy(left_);
-    form->addRow(label, offset);
+    dyeBox_ = new DyeBox(box);
+    form->addRow(tr("Dye"), dyeBox_);
+    form->addRow(tr("Offset"), makeOffsetRow());
     return box;
 }
 
-/// The offset with the signs of the command.
+/// The offset with the signs of the command, as the table shows it.
 QLayout* ChannelPanel::makeOffsetRow() {
     constexpr int farthest = 99999;
     left_ = numberBox(tr("Pixels to the left"), -farthest, farthest);
@@ -108,18 +131,26 @@ QLayout* ChannelPanel::makeOffsetRow() {
     return row;
 }
 
-QWidget* ChannelPanel::makeLevelBox() {
+QWidget* ChannelPanel::makeLevelBox(const Actions& actions) {
     auto* box = new QWidget(this);
     auto* column = new QVBoxLayout(box);
     column->setContentsMargins(0, 0, 0, 0);
     levels_ = new LevelEditor(box);
     note_ = new QLabel(box);
+    note_->setWordWrap(true);
     column->addWidget(levels_, 1);
     column->addWidget(note_);
+    column->addLayout(makeLimitsRow(box));
+    column->addLayout(makeContrastRows(actions, box));
+    return box;
+}
 
+QLayout* ChannelPanel::makeLimitsRow(QWidget* box) {
     black_ = numberBox(tr("Black level"), 0, 65535);
     white_ = numberBox(tr("White level"), 0, 65535);
-    gammaOn_ = new QCheckBox(tr("&Gamma"), box);
+    for (QSpinBox* field : {black_, white_})
+        field->setStepType(QAbstractSpinBox::AdaptiveDecimalStepType);
+    gammaOn_ = new QCheckBox(tr("Gamma"), box);
     gamma_ = new QDoubleSpinBox(box);
     gamma_->setRange(0.05, 10);
     gamma_->setSingleStep(0.05);
@@ -130,39 +161,38 @@ QWidget* ChannelPanel::makeLevelBox() {
     numbers->addWidget(white_, 1);
     numbers->addWidget(gammaOn_);
     numbers->addWidget(gamma_);
-    column->addLayout(numbers);
+    return numbers;
+}
 
-    auto* buttons = new QHBoxLayout;
-    const auto addButton = [&](const QString& text, const QString& tip, auto action) {
-        auto* button = new QPushButton(text, box);
-        button->setToolTip(tip);
-        connect(button, &QPushButton::clicked, this, action);
-        buttons->addWidget(button);
+QLayout* ChannelPanel::makeContrastRows(const Actions& actions, QWidget* box) {
+    percent_ = new QDoubleSpinBox(box);
+    percent_->setRange(0, 10);
+    percent_->setDecimals(2);
+    percent_->setSingleStep(0.05);
+    percent_->setSuffix(tr(" % saturated"));
+    percent_->setToolTip(tr("Pixels that auto-contrast saturates at each end"));
+    percent_->setAccessibleName(tr("Saturated pixels"));
+    percent_->setKeyboardTracking(false);
+    auto* grid = new QGridLayout;
+    const auto addButton = [&](ActionId id, const QString& text, int row, int column) {
+        auto* button = new QToolButton(box);
+        actions[id].setIconText(text);
+        button->setDefaultAction(&actions[id]);
+        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        grid->addWidget(button, row, column);
     };
-    addButton(tr("A&uto"), tr("Auto-contrast: saturate 0.1 % of the pixels at each end"),
-              [this] { model_.useAutomaticLevels(currentRow()); });
-    addButton(tr("&Reset"), tr("Full range of the bit depth, no gamma"), [this] {
-        model_.useFullRange(currentRow());
-        model_.setGamma(currentRow(), 1);
-    });
-    addButton(tr("To a&ll"), tr("Copy levels and gamma to all channels"),
-              [this] { model_.copyLevelsToAll(currentRow()); });
-    continuous_ = new QCheckBox(tr("Con&tinuous"), box);
-    continuous_->setToolTip(tr("Auto-contrast for all channels in every frame"));
-    buttons->addWidget(continuous_);
-    column->addLayout(buttons);
-    return box;
+    addButton(ActionId::automatic, tr("Auto"), 0, 0);
+    grid->addWidget(percent_, 0, 1);
+    addButton(ActionId::continuous, tr("Continuous"), 0, 2);
+    addButton(ActionId::reset, tr("Reset"), 1, 0);
+    addButton(ActionId::toAll, tr("Copy to All"), 1, 1);
+    addButton(ActionId::dataRange, tr("Data Range"), 1, 2);
+    return grid;
 }
 
 void ChannelPanel::connectEditors() {
-    connect(dyeField_, &QLineEdit::editingFinished, this, [this] {
-        const int row = currentRow();
-        if (row >= 0 && dyeField_->isModified() && !model_.setDye(row, dyeField_->text()))
-            dyeField_->selectAll();
-        dyeField_->setModified(false);
-    });
-    connect(dyeSlider_, &DyeSlider::dyeChosen, this,
-            [this](const Dye& dye) { model_.setDye(currentRow(), dye); });
+    connect(dyeBox_, &DyeBox::dyeChosen, this,
+            [this](const QString& dye) { model_.setDye(currentRow(), dye); });
     connect(levels_, &LevelEditor::levelsMoved, this,
             [this](ContrastLimits levels) { model_.setLevels(currentRow(), levels); });
     connect(black_, QOverload<int>::of(&QSpinBox::valueChanged), this,
@@ -178,17 +208,44 @@ void ChannelPanel::connectEditors() {
     });
     connect(gamma_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
             [this](double gamma) { model_.setGamma(currentRow(), gamma); });
-    connect(continuous_, &QCheckBox::toggled, &model_, &ChannelModel::setContinuousLevels);
+    connect(percent_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
+            &ChannelPanel::saturatedPercentChanged);
+}
+
+void ChannelPanel::connectTable() {
+    // A click shows one channel alone; the second click of two takes that back and asks for a
+    // colour. Its release is a click or is none, as Qt likes.
     connect(table_, &QTableView::clicked, this, [this](const QModelIndex& cell) {
-        if (cell.column() == ChannelModel::colourColumn)
-            model_.solo(cell.row());
+        if (std::exchange(isDoubleClick_, false) || cell.column() != ChannelModel::colourColumn)
+            return;
+        visibleBefore_.clear();
+        for (const ChannelRow& row : model_.rows())
+            visibleBefore_.push_back(row.channel.visible);
+        model_.solo(cell.row());
+    });
+    connect(table_, &QTableView::doubleClicked, this, [this](const QModelIndex& cell) {
+        isDoubleClick_ = cell.column() == ChannelModel::colourColumn;
+        if (isDoubleClick_)
+            QTimer::singleShot(0, this, [this, row = cell.row()] {
+                isDoubleClick_ = false;
+                model_.showOnly(visibleBefore_);
+                chooseColour(row);
+            });
     });
     connect(&model_, &ChannelModel::modelReset, this, &ChannelPanel::showChannels);
     connect(&model_, &ChannelModel::dataChanged, this, &ChannelPanel::showCurrent);
     connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] {
+        if (currentRow() >= 0)
+            row_ = currentRow();
         showCurrent();
         emit currentRowChanged(currentRow());
     });
+}
+
+void ChannelPanel::chooseColour(int row) {
+    const QColor colour = QColorDialog::getColor(toQt(model_.channel(row).colour), this);
+    if (colour.isValid())
+        model_.setColour(row, toColour(colour));
 }
 
 int ChannelPanel::currentRow() const {
@@ -197,7 +254,16 @@ int ChannelPanel::currentRow() const {
 }
 
 void ChannelPanel::setCurrentRow(int row) {
-    table_->setCurrentIndex(model_.index(row, ChannelModel::dyeColumn));
+    table_->setCurrentIndex(model_.index(row, ChannelModel::nameColumn));
+}
+
+double ChannelPanel::saturatedPercent() const { return percent_->value(); }
+
+void ChannelPanel::setSaturatedPercent(double percent) { percent_->setValue(percent); }
+
+void ChannelPanel::renameCurrent() {
+    if (currentRow() >= 0)
+        table_->edit(model_.index(currentRow(), ChannelModel::nameColumn));
 }
 
 void ChannelPanel::focusChannels() { table_->setFocus(Qt::ShortcutFocusReason); }
@@ -208,10 +274,10 @@ void ChannelPanel::focusLevels() {
 }
 
 void ChannelPanel::showChannels() {
-    dyeField_->updateNames(model_.dyes());
-    dyeSlider_->updateDyes(model_.dyes());
+    dyeBox_->setDyes(model_.dyes());
+    table_->updateGeometry();
     if (currentRow() < 0 && model_.size() > 0)
-        setCurrentRow(0);
+        setCurrentRow(std::min(row_, model_.size() - 1));
     showCurrent();
 }
 
@@ -223,13 +289,10 @@ void ChannelPanel::showCurrent() {
     const Channel& channel = model_.channel(row);
     const ChannelStatistics& statistics = model_.statistics(row);
     const ContrastLimits levels = channel.levels.value_or(ContrastLimits{});
-    const QSignalBlocker blockers[] = {QSignalBlocker(left_),      QSignalBlocker(up_),
-                                       QSignalBlocker(black_),     QSignalBlocker(white_),
-                                       QSignalBlocker(gammaOn_),   QSignalBlocker(gamma_),
-                                       QSignalBlocker(continuous_)};
-    if (!dyeField_->isModified())
-        dyeField_->setText(channelLabel(channel));
-    dyeSlider_->showDye(channel.dye);
+    const QSignalBlocker blockers[] = {QSignalBlocker(left_),    QSignalBlocker(up_),
+                                       QSignalBlocker(black_),   QSignalBlocker(white_),
+                                       QSignalBlocker(gammaOn_), QSignalBlocker(gamma_)};
+    dyeBox_->showDye(channelLabel(channel));
     showNumber(left_, channel.offset.x);
     showNumber(up_, channel.offset.y);
     showNumber(black_, levels.low);
@@ -238,7 +301,6 @@ void ChannelPanel::showCurrent() {
     gamma_->setEnabled(channel.gamma != 1);
     if (!gamma_->hasFocus())
         gamma_->setValue(channel.gamma);
-    continuous_->setChecked(model_.hasContinuousLevels());
     levels_->setColour(toQt(channel.colour));
     levels_->setLevels(levels, channel.gamma);
     levels_->setStatistics(statistics);

@@ -1,57 +1,78 @@
 // The channels, and everything about the selected one.
 #pragma once
 
+#include "apps/viewer/actions.h"
+
 #include <QWidget>
+
+#include <vector>
 
 class QCheckBox;
 class QDoubleSpinBox;
 class QLabel;
 class QLayout;
+class QModelIndex;
 class QSpinBox;
 class QTableView;
 
 namespace lumetra {
 
 class ChannelModel;
-class DyeField;
-class DyeSlider;
+class DyeBox;
 class LevelEditor;
 
 /// A table of all channels above the dye and the levels of the current one.
 class ChannelPanel : public QWidget {
     Q_OBJECT
 public:
-    explicit ChannelPanel(ChannelModel& model, QWidget* parent = nullptr);
+    ChannelPanel(ChannelModel& model, const Actions& actions, QWidget* parent = nullptr);
 
     /// The row that is edited; -1 if there are none.
     int currentRow() const;
     void setCurrentRow(int row);
 
+    /// What auto-contrast saturates at each end, in percent of the pixels.
+    double saturatedPercent() const;
+    void setSaturatedPercent(double percent);
+
+    LevelEditor& levelEditor() { return *levels_; }
+
     void focusChannels();
     void focusLevels();
+    void renameCurrent();
+
+    /// Leaves the wheel to the scroll area around it, unless a field is being edited.
+    bool eventFilter(QObject* field, QEvent* event) override;
 
 signals:
     void currentRowChanged(int row);
+    void saturatedPercentChanged(double percent);
 
 private:
-    QWidget* makeTable();
+    QWidget* makeTable(const Actions& actions);
     QWidget* makeDyeBox();
     QLayout* makeOffsetRow();
-    QWidget* makeLevelBox();
+    QWidget* makeLevelBox(const Actions& actions);
+    QLayout* makeLimitsRow(QWidget* box);
+    QLayout* makeContrastRows(const Actions& actions, QWidget* box);
     void connectEditors();
+    void connectTable();
+    void chooseColour(int row);
     void showChannels();
     void showCurrent();
 
     ChannelModel& model_;
     QTableView* table_ = nullptr;
     QWidget* details_ = nullptr;
-    DyeField* dyeField_ = nullptr;
-    DyeSlider* dyeSlider_ = nullptr;
+    DyeBox* dyeBox_ = nullptr;
     LevelEditor* levels_ = nullptr;
     QSpinBox *left_ = nullptr, *up_ = nullptr, *black_ = nullptr, *white_ = nullptr;
-    QCheckBox *gammaOn_ = nullptr, *continuous_ = nullptr;
-    QDoubleSpinBox* gamma_ = nullptr;
+    QCheckBox* gammaOn_ = nullptr;
+    QDoubleSpinBox *gamma_ = nullptr, *percent_ = nullptr;
     QLabel* note_ = nullptr;
+    bool isDoubleClick_ = false;
+    std::vector<bool> visibleBefore_; ///< The click that shows one channel alone.
+    int row_ = 0;                     ///< The current one, also while the table is made anew.
 };
 
 } // namespace lumetra

@@ -3,7 +3,7 @@
 #include "render/level_policy.h"
 
 #include <algorithm>
-#include <cmath>
+#include <numeric>
 
 namespace lumetra {
 namespace {
@@ -14,19 +14,21 @@ cv::Mat someRows(const cv::Mat& plane, int apart) {
     return {rows, plane.cols, plane.type(), plane.data, plane.step * static_cast<size_t>(apart)};
 }
 
-void drawCurve(const Histogram& histogram, int axis,
-               std::array<float, ChannelStatistics::bins>& curve) {
-    const int width = (axis + 1) / ChannelStatistics::bins;
-    auto next = histogram.counts().begin();
-    for (float& height : curve) {
+/// Adds up the counts between the ends of the axis in parts of equal width.
+void drawCurve(const Histogram& histogram, ChannelStatistics& result) {
+    const auto& counts = histogram.counts();
+    const auto width =
+        static_cast<std::size_t>(result.axis.high) - static_cast<std::size_t>(result.axis.low) + 1;
+    const auto at = [&](std::size_t bin) {
+        return static_cast<std::size_t>(result.axis.low) + bin * width / ChannelStatistics::bins;
+    };
+    for (std::size_t bin = 0; bin < result.curve.size(); ++bin) {
+        const std::size_t first = at(bin), last = std::max(at(bin + 1), first + 1);
         std::uint64_t sum = 0;
-        for (int i = 0; i < width; ++i)
-            sum += *next++;
-        height = static_cast<float>(std::log1p(static_cast<double>(sum)));
+        for (std::size_t value = first; value < last; ++value)
+            sum += counts[value];
+        result.curve[bin] = static_cast<float>(sum);
     }
-    const float highest = *std::max_element(curve.begin(), curve.end());
-    for (float& height : curve)
-        height /= std::max(highest, 1e-6F);
 }
 
 } // namespace
@@ -38,23 +40,34 @@ int significantBits(int largestValue) {
     return bits;
 }
 
-void ChannelMeter::measure(const cv::Mat& plane, bool isLive, ChannelStatistics& result) {
+void ChannelMeter::measure(const cv::Mat& plane, int bits, const MeasureOptions& options,
+                           ChannelStatistics& result) {
     constexpr std::size_t pixelsForLive = 1 << 18;
     Histogram& histogram = plane.depth() == CV_8U ? histogram8_ : histogram16_;
     histogram.clear();
-    const int apart = isLive ? static_cast<int>(plane.total() / pixelsForLive) + 1 : 1;
+    const int apart = options.isLive ? static_cast<int>(plane.total() / pixelsForLive) + 1 : 1;
     histogram.add(someRows(plane, apart));
+    if (result.bits != histogram.bitDepth())
+        result.largest = 0;
     result.bits = histogram.bitDepth();
     result.range = histogram.range();
-    result.automatic = *levelsOf(histogram, LevelPolicy{});
-    const int largest = result.range.high;
-    result.axis = largestOf(significantBits(largest));
-    const bool isAtEnd = largest == result.axis;
-    const auto count = histogram.counts()[static_cast<std::size_t>(largest)];
-    result.saturated = isAtEnd && !histogram.isEmpty()
-                           ? static_cast<double>(count) / static_cast<double>(histogram.total())
-                           : 0;
-    drawCurve(histogram, result.axis, result.curve);
+    LevelPolicy policy;
+    policy.percent = options.saturatedPercent;
+    result.automatic = *levelsOf(histogram, policy);
+    const int guessed = largestOf(significantBits(result.range.high));
+    result.largest = bits > 0 ? std::min(largestOf(bits), largestOf(result.bits))
+                              : std::max(guessed, result.largest);
+    const auto& counts = histogram.counts();
+    const auto saturated =
+        std::accumulate(counts.begin() + result.largest, counts.end(), std::uint64_t{0});
+    result.saturated = histogram.isEmpty() ? 0
+                                           : static_cast<double>(saturated) /
+                                                 static_cast<double>(histogram.total());
+    result.axis = options.showsDataRange ? result.range : ContrastLimits{0, result.largest};
+    result.axis.high = std::max({result.axis.high, result.range.high, result.axis.low + 1});
+    if (result.axis.high > largestOf(result.bits)) // of an image that is white everywhere
+        result.axis = {result.range.low - 1, result.range.high};
+    drawCurve(histogram, result);
 }
 
 } // namespace lumetra

@@ -1,10 +1,9 @@
 #include "apps/viewer/display_settings.h"
 
-#include "apps/common/error.h"
 #include "render/overlap.h"
 #include "render/render_error.h"
 
-#include <QCoreApplication>
+#include <algorithm>
 
 namespace lumetra {
 namespace {
@@ -18,18 +17,40 @@ bool areEqual(const std::optional<PseudoColour>& a, const std::optional<PseudoCo
     return a && b ? a->channel == b->channel && a->lut == b->lut : a.has_value() == b.has_value();
 }
 
-void render(Renderer& renderer, const std::vector<cv::Mat>& planes, const DisplaySettings& settings,
-            cv::Mat& image, PixelFormat form) {
-    if (planes.size() != settings.channels.size())
-        throw Error(QCoreApplication::translate("DisplaySettings",
-                                                "channels expected: %1; in the camera's frame: %2")
-                        .arg(settings.channels.size())
-                        .arg(planes.size()));
+void renderPixels(Renderer& renderer, const std::vector<cv::Mat>& planes,
+                  const DisplaySettings& settings, cv::Mat& image, PixelFormat format) {
     if (!settings.pseudo)
-        return renderer.render(planes, settings.channels, image, form);
+        return renderer.render(planes, settings.channels, image, format);
     const Channel& channel = settings.channels.at(settings.pseudo->channel);
     renderer.applyColormap(planes.at(settings.pseudo->channel), channel.levels, channel.gamma,
-                           settings.pseudo->lut, image, form);
+                           settings.pseudo->lut, image, format);
+}
+
+bool hasPanels(const DisplaySettings& settings) { return settings.panels && !settings.pseudo; }
+
+/// The settings of the panels in their order; the last one is that of all channels.
+std::vector<DisplaySettings> panelSettings(const DisplaySettings& settings) {
+    std::vector<DisplaySettings> panels;
+    for (std::size_t i = 0; hasPanels(settings) && i < settings.channels.size(); ++i) {
+        if (!settings.channels[i].visible)
+            continue;
+        panels.push_back(settings);
+        panels.back().channels = channelAlone(settings.channels, i, *settings.panels);
+    }
+    panels.push_back(settings);
+    return panels;
+}
+
+/// Draws legend and scale bar; on panels, their names in place of a legend. A LUT needs none.
+void draw(const DisplaySettings& panel, bool isLast, cv::Mat& image) {
+    if (isLast)
+        annotate(image, panel.pseudo ? std::vector<Channel>{} : panel.channels, panel.annotation);
+    if (!hasPanels(panel) || (isLast && panel.annotation.legend))
+        return;
+    const auto alone = std::find_if(panel.channels.begin(), panel.channels.end(),
+                                    [](const Channel& channel) { return channel.visible; });
+    isLast ? drawName(image, QStringLiteral("Merge"), {255, 255, 255})
+           : drawName(image, panelName(*alone), alone->colour);
 }
 
 template<class Value>
@@ -52,21 +73,21 @@ void markSaturated(const std::vector<cv::Mat>& planes, const DisplaySettings& se
         if (!(settings.pseudo ? settings.pseudo->channel == i : settings.channels[i].visible))
             continue;
         const cv::Mat part = planes[i](*shownPart(settings, planes[i].size(), i));
-        const int limit = largestOf(significantBits(statistics[i].range.high));
         if (part.depth() == CV_8U)
-            markFrom<unsigned char>(limit, part, image);
+            markFrom<unsigned char>(statistics[i].largest, part, image);
         else
-            markFrom<std::uint16_t>(limit, part, image);
+            markFrom<std::uint16_t>(statistics[i].largest, part, image);
     }
 }
 
 } // namespace
 
 bool operator==(const DisplaySettings& a, const DisplaySettings& b) {
-    return a.channels == b.channels && areEqual(a.pseudo, b.pseudo) &&
+    return a.channels == b.channels && a.planes == b.planes && areEqual(a.pseudo, b.pseudo) &&
            a.annotation.legend == b.annotation.legend &&
            areEqual(a.annotation.scaleBar, b.annotation.scaleBar) &&
-           a.marksSaturated == b.marksSaturated && a.isLive == b.isLive;
+           a.marksSaturated == b.marksSaturated && a.panels == b.panels &&
+           a.measuring == b.measuring;
 }
 
 std::optional<cv::Rect> shownPart(const DisplaySettings& settings, cv::Size plane,
@@ -82,21 +103,34 @@ std::optional<cv::Rect> shownPart(const DisplaySettings& settings, cv::Size plan
 
 void renderForFile(Renderer& renderer, const std::vector<cv::Mat>& planes,
                    const DisplaySettings& settings, cv::Mat& image) {
-    render(renderer, planes, settings, image, PixelFormat::bgr);
-    annotateImage(settings, image);
+    const auto panels = panelSettings(settings);
+    std::vector<cv::Mat> images(panels.size());
+    for (std::size_t i = 0; i < panels.size(); ++i) {
+        renderPixels(renderer, planes, panels[i], images[i], PixelFormat::bgr);
+        draw(panels[i], i + 1 == panels.size(), images[i]);
+    }
+    if (images.size() > 1)
+        setInRow(images, panelGap(images.front().cols), image);
+    else
+        image = images.front();
 }
 
 void renderForScreen(Renderer& renderer, const std::vector<cv::Mat>& planes,
                      const DisplaySettings& settings,
-                     const std::vector<ChannelStatistics>& statistics, cv::Mat& image) {
-    render(renderer, planes, settings, image, PixelFormat::bgra);
-    if (settings.marksSaturated)
-        markSaturated(planes, settings, statistics, image);
-}
-
-void annotateImage(const DisplaySettings& settings, cv::Mat& image) {
-    annotate(image, settings.pseudo ? std::vector<Channel>{} : settings.channels,
-             settings.annotation);
+                     const std::vector<ChannelStatistics>& statistics, std::vector<cv::Mat>& images,
+                     QString& problem) {
+    const auto panels = panelSettings(settings);
+    images.resize(panels.size());
+    for (std::size_t i = 0; i < panels.size(); ++i) {
+        renderPixels(renderer, planes, panels[i], images[i], PixelFormat::bgra);
+        if (settings.marksSaturated)
+            markSaturated(planes, panels[i], statistics, images[i]);
+        try {
+            draw(panels[i], i + 1 == panels.size(), images[i]);
+        } catch (...) {
+            problem = currentExceptionText();
+        }
+    }
 }
 
 } // namespace lumetra

@@ -2,44 +2,12 @@
 
 #include "apps/common/error.h"
 #include "apps/common/settings.h"
-#include "apps/common/text.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
-#include <tuple>
 
 namespace lumetra {
-namespace {
-
-/// Whether a word stands in a text without letters beside it: "DIC" is not meant by "indicator".
-bool holdsWord(const QString& text, const QString& word) {
-    for (auto at = text.indexOf(word, 0, Qt::CaseInsensitive); at >= 0;
-         at = text.indexOf(word, at + 1, Qt::CaseInsensitive)) {
-        const auto end = at + word.size();
-        if ((at == 0 || !text[at - 1].isLetter()) && (end == text.size() || !text[end].isLetter()))
-            return true;
-    }
-    return false;
-}
-
-} // namespace
-
-Channel guessedChannel(const QString& file, int number, const DyeList& dyes) {
-    constexpr std::size_t shortestName = 3;
-    const QString name = QFileInfo(file).completeBaseName();
-    Channel channel;
-    for (const Dye& dye : dyes.all())
-        if (dye.name.size() >= std::max(shortestName, channel.dye.size() + 1) &&
-            dye.origin != DyeOrigin::colour && holdsWord(name, toQt(dye.name)))
-            std::tie(channel.dye, channel.colour) = std::tie(dye.name, dye.colour);
-    if (channel.dye.empty()) {
-        static const char* const usual[] = {"DAPI", "FITC", "TRITC", "Cy5"};
-        const Dye& dye = dyes.at(usual[number % 4]);
-        std::tie(channel.dye, channel.colour) = std::tie(dye.name, dye.colour);
-    }
-    return channel;
-}
 
 FileOpener::FileOpener(ChannelModel& model) : model_(model) {
     connect(&worker_, &Worker::failed, this, [this](const QString& reason) {
@@ -55,7 +23,7 @@ void FileOpener::open(const QStringList& texts, bool adds) {
 
 void FileOpener::clear() {
     requests_.clear();
-    files_.clear();
+    source_.reset();
     pendingSettings_.clear();
     ++turn_;
 }
@@ -74,29 +42,40 @@ void FileOpener::openNext() {
 }
 
 void FileOpener::begin(const Request& request) {
-    const bool adds = request.adds && !files_.empty();
-    std::vector<ChannelFile> files = adds ? files_ : std::vector<ChannelFile>();
+    const bool adds = request.adds && source_;
+    std::vector<ChannelFile> files = adds ? shownFiles() : std::vector<ChannelFile>();
     const auto more = parsed(withoutSettings(request.texts));
     files.insert(files.end(), more.begin(), more.end());
     if (more.empty())
         return;
-    worker_.run([this, files, adds, turn = turn_]() -> Worker::Outcome {
-        auto source = std::make_shared<FileSource>(files);
+    worker_.run([this, files, adds, dyes = model_.dyes(), turn = turn_]() -> Worker::Outcome {
+        auto source = std::make_shared<FileSource>(files, dyes);
         Frame first;
         source->grab(first); // throws before anything changes
-        source->setPage(1);
-        return [this, source, adds, turn] {
+        std::vector<int> bits;
+        for (const cv::Mat& plane : first.planes)
+            bits.push_back(plane.depth() == CV_8U ? 8 : 16);
+        return [this, source, bits, adds, turn] {
             if (turn == turn_)
-                finish(source, adds);
+                finish(source, bits, adds);
             openNext();
         };
     });
 }
 
-void FileOpener::finish(const std::shared_ptr<FileSource>& source, bool adds) {
-    const std::vector<Channel> channels = channelsFor(source->files(), adds);
+/// What is open, without the channels that were removed.
+std::vector<ChannelFile> FileOpener::shownFiles() const {
+    std::vector<ChannelFile> files;
+    for (const std::size_t plane : model_.planes())
+        files.push_back(source_->channels().at(plane).input);
+    return files;
+}
+
+void FileOpener::finish(const std::shared_ptr<FileSource>& source, const std::vector<int>& bits,
+                        bool adds) {
+    const std::vector<Channel> channels = channelsFor(*source, bits, adds);
     pendingSettings_.clear();
-    files_ = source->files();
+    source_ = source;
     emit opened(source, channels);
 }
 
@@ -127,32 +106,47 @@ std::vector<ChannelFile> FileOpener::parsed(const QStringList& texts) const {
     for (const QString& text : texts) {
         files.push_back(isChannelText(text) ? parseChannelFile(text, model_.dyes())
                                             : parseFile(text));
-        const InputFile& input = files.back();
-        if (input.channels.isNamed() || input.slices.isNamed() || input.frames.isNamed())
-            throw Error(tr("%1: the viewer opens pages, as FILE[3]").arg(text));
         files.back().file = QFileInfo(files.back().file).absoluteFilePath();
     }
     return files;
 }
 
-/// What the texts say; where they name no dye, what the channel in this place was before.
-std::vector<Channel> FileOpener::channelsFor(const std::vector<ChannelFile>& files,
+/// Whether files say of their channels what those say that are open.
+bool FileOpener::isLike(const FileSource& source) const {
+    const auto isAlike = [](const FileSource::FileChannel& a, const FileSource::FileChannel& b) {
+        return a.described.name == b.described.name && a.described.dye == b.described.dye;
+    };
+    const auto& channels = source.channels();
+    return source_ && std::equal(channels.begin(), channels.end(), source_->channels().begin(),
+                                 source_->channels().end(), isAlike);
+}
+
+/// What the texts say; otherwise settings that came with them, what the channel was before, or what
+/// the file says.
+std::vector<Channel> FileOpener::channelsFor(const FileSource& source, const std::vector<int>& bits,
                                              bool adds) const {
-    const auto& before = model_.channels();
-    const bool keeps = adds || (keepsSettings_ && before.size() == files.size());
+    const std::vector<ChannelRow>& rows = model_.rows();
+    const bool keeps = keepsSettings_ && isLike(source);
     std::vector<Channel> channels;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        const Channel& named = files[i].channel;
-        Channel channel = guessedChannel(files[i].file, static_cast<int>(i), model_.dyes());
-        const bool isNamed = !named.dye.empty() || named.colour != Channel{}.colour;
+    for (std::size_t i = 0; i < source.channels().size(); ++i) {
+        const FileSource::FileChannel& opened = source.channels()[i];
+        const auto before =
+            adds ? std::next(rows.begin(), static_cast<std::ptrdiff_t>(std::min(i, rows.size())))
+                 : std::find_if(rows.begin(), rows.end(),
+                                [&](const ChannelRow& row) { return keeps && row.plane == i; });
+        Channel channel = opened.described;
         if (i < pendingSettings_.size())
             channel = pendingSettings_[i];
-        else if (keeps && i < before.size())
-            channel = before[i];
-        if (isNamed && !(adds && i < before.size())) {
-            channel.dye = named.dye;
-            channel.colour = named.colour;
-            channel.offset = named.offset;
+        else if (before != rows.end())
+            channel = before->channel;
+        if (i >= pendingSettings_.size() && channel.levelsBits != bits[i]) {
+            channel.levels.reset();
+            channel.levelsBits = 0;
+        }
+        if (opened.isNamed && !(adds && before != rows.end())) {
+            channel.dye = opened.input.channel.dye;
+            channel.colour = opened.input.channel.colour;
+            channel.offset = opened.input.channel.offset;
         }
         channels.push_back(channel);
     }

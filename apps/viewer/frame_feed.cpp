@@ -73,6 +73,7 @@ void FrameFeed::grabOne() {
         return;
     }
     frame_.number = ++frames_;
+    frame_.bits = source_->bitDepth();
     deliver_(frame_);
 }
 

@@ -19,16 +19,13 @@ void ImageSaver::save(const QString& file, const QStringList& inputs,
     });
 }
 
-void ImageSaver::saveImage(const QString& file, const QStringList& inputs,
-                           const std::vector<cv::Mat>& planes, const DisplaySettings& settings) {
-    save(file, inputs, [file, planes, settings] {
+void ImageSaver::saveImage(const QString& file, const Snapshot& snapshot) {
+    save(file, snapshot.inputs, [file, snapshot] {
         static_cast<void>(outputFormat(file)); // refuses unknown ones before there is work
         Renderer renderer;
         cv::Mat image;
-        renderForFile(renderer, planes, settings, image);
-        const auto& bar = settings.annotation.scaleBar;
-        writeImage(file, image, Existing::replace,
-                   bar ? std::optional(bar->pixelSize) : std::nullopt);
+        renderForFile(renderer, snapshot.planes, snapshot.settings, image);
+        writeImage(file, image, Existing::replace, snapshot.pixelSize);
     });
 }
 

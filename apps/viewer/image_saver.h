@@ -8,17 +8,23 @@
 
 namespace lumetra {
 
+/// What is to be saved: an image of it can be made later.
+struct Snapshot {
+    std::vector<cv::Mat> planes;     ///< One for each channel; nobody else may write to them.
+    DisplaySettings settings;        ///< All channels have levels.
+    QStringList inputs;              ///< Files that must not be replaced.
+    std::optional<double> pixelSize; ///< In µm.
+};
+
 /// Renders and writes in another thread. A signal gives the outcome.
 class ImageSaver : public QObject {
     Q_OBJECT
 public:
     ImageSaver();
 
-    /// @param inputs    Files that must not be replaced.
-    /// @param planes    Read in the other thread, so nobody else may write to them.
-    /// @param settings  All channels have levels.
-    void saveImage(const QString& file, const QStringList& inputs,
-                   const std::vector<cv::Mat>& planes, const DisplaySettings& settings);
+    void saveImage(const QString& file, const Snapshot& snapshot);
+
+    /// @param inputs  Files that must not be replaced.
     void saveSettings(const QString& file, const QStringList& inputs,
                       const std::vector<Channel>& channels);
 

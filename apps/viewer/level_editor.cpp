@@ -35,20 +35,35 @@ void LevelEditor::setColour(const QColor& colour) {
     update();
 }
 
+void LevelEditor::setLogarithmic(bool on) {
+    isLogarithmic_ = on;
+    update();
+}
+
 QRectF LevelEditor::box() const {
     return QRectF(rect()).adjusted(handleSize + 1, 2, -handleSize - 1, -2 * handleSize);
 }
 
 /// The axis of the curve, or a longer one if a level lies beyond its end.
-int LevelEditor::axis() const {
-    return std::max(statistics_.axis, largestOf(significantBits(levels_.high)));
+ContrastLimits LevelEditor::axis() const {
+    return {std::min(statistics_.axis.low, levels_.low),
+            std::max(statistics_.axis.high, levels_.high)};
 }
 
-double LevelEditor::xOf(int value) const { return box().left() + box().width() * value / axis(); }
+double LevelEditor::shareOfAxis(double value) const {
+    const ContrastLimits ends = axis();
+    return (value - ends.low) / (ends.high - ends.low);
+}
+
+double LevelEditor::xOf(int value) const {
+    return box().left() + box().width() * shareOfAxis(value);
+}
 
 int LevelEditor::valueAt(double x) const {
     const double share = (x - box().left()) / std::max(box().width(), 1.0);
-    return static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * axis()));
+    const ContrastLimits ends = axis();
+    return ends.low +
+           static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * (ends.high - ends.low)));
 }
 
 /// What the pixel values between the levels become, drawn as a line.
@@ -60,10 +75,33 @@ QPolygonF LevelEditor::rise() const {
     for (int i = 0; i <= steps; ++i) {
         const double share = double(i) / steps;
         const double value = levels_.low + share * (levels_.high - levels_.low);
-        line << QPointF(area.left() + area.width() * value / axis(),
+        line << QPointF(area.left() + area.width() * shareOfAxis(value),
                         area.bottom() - area.height() * std::pow(share, gamma_));
     }
     return line << area.topRight();
+}
+
+/// The curve as steps, one for each part of the axis.
+QPolygonF LevelEditor::outline() const {
+    const QRectF area = box();
+    const auto height = [&](float count) {
+        return isLogarithmic_ ? std::log1p(double{count}) : double{count};
+    };
+    const auto& curve = statistics_.curve;
+    const double highest = std::max(height(*std::max_element(curve.begin(), curve.end())), 1e-6);
+    const ContrastLimits ends = statistics_.axis;
+    const double width = double(ends.high - ends.low + 1) / ChannelStatistics::bins;
+    const auto xOfValue = [&](double value) {
+        return std::min(area.left() + area.width() * shareOfAxis(value), area.right());
+    };
+    QPolygonF outline;
+    outline << QPointF(xOfValue(ends.low), area.bottom());
+    for (std::size_t i = 0; i < curve.size(); ++i) {
+        const double y = area.bottom() - area.height() * 0.95 * height(curve[i]) / highest;
+        const double first = ends.low + width * static_cast<double>(i);
+        outline << QPointF(xOfValue(first), y) << QPointF(xOfValue(first + width), y);
+    }
+    return outline << QPointF(xOfValue(ends.high), area.bottom());
 }
 
 void LevelEditor::drawHandle(QPainter& painter, int value, const QColor& fill) const {
@@ -79,22 +117,11 @@ void LevelEditor::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF area = box();
     painter.fillRect(area, QColor(0x1b, 0x1c, 0x1e));
-    const double width =
-        area.width() * (statistics_.axis + 1) / (axis() + 1) / ChannelStatistics::bins;
-    QPolygonF outline;
-    outline << area.bottomLeft();
-    double x = area.left();
-    for (const float height : statistics_.curve) {
-        const double y = area.bottom() - area.height() * 0.95 * double{height};
-        outline << QPointF(x, y) << QPointF(x + width, y);
-        x += width;
-    }
-    outline << QPointF(x, area.bottom());
     QColor fill = colour_;
     fill.setAlphaF(0.75F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill);
-    painter.drawPolygon(outline);
+    painter.drawPolygon(outline());
 
     painter.setClipRect(area);
     painter.setBrush(Qt::NoBrush);

@@ -8,8 +8,7 @@
 
 namespace lumetra {
 
-/// Draws how often each pixel value occurs, with logarithmic height, and the line from black to
-/// white above it.
+/// Draws how often each pixel value occurs, and the line from black to white above it.
 class LevelEditor : public QWidget {
     Q_OBJECT
 public:
@@ -18,6 +17,9 @@ public:
     void setStatistics(const ChannelStatistics& statistics);
     void setLevels(ContrastLimits levels, double gamma);
     void setColour(const QColor& colour);
+
+    /// Whether the height is the logarithm of the number of pixels, or the number itself.
+    void setLogarithmic(bool on);
 
     /// Where a pixel value lies in the widget, and the other way round.
     double xOf(int value) const;
@@ -40,7 +42,9 @@ private:
     enum class Handle { none, black, white };
 
     QRectF box() const;
-    int axis() const;
+    ContrastLimits axis() const;
+    double shareOfAxis(double value) const;
+    QPolygonF outline() const;
     void drawHandle(QPainter& painter, int value, const QColor& fill) const;
     QPolygonF rise() const;
 
@@ -48,6 +52,7 @@ private:
     ContrastLimits levels_;
     double gamma_ = 1;
     QColor colour_ = Qt::white;
+    bool isLogarithmic_ = true;
     Handle dragged_ = Handle::none;
 };
 

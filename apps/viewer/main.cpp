@@ -10,6 +10,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 
 namespace {
 
@@ -23,7 +26,7 @@ struct Options {
                               QStringLiteral("FILE")};
     QCommandLineOption camera{
         QStringLiteral("camera"),
-        QCoreApplication::translate("main", "Start a simulated camera with 2 to 4 channels."),
+        QCoreApplication::translate("main", "Start a simulated camera with 1 to 4 channels."),
         QStringLiteral("N")};
     QCommandLineOption rate{QStringLiteral("rate"),
                             QCoreApplication::translate("main", "Frames per second of the camera."),
@@ -62,9 +65,23 @@ void openNamedFiles(lumetra::Window& window, const QCommandLineParser& parser,
     viewer.open(texts);
 }
 
+/// Speaks the user's language, where there is a translation, with the buttons of Qt's own dialogs.
+void translate(QTranslator& texts, QTranslator& textsOfQt) {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    const QString folder = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+#else
+    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+#endif
+    if (!texts.load(QLocale(), QString(), QString(), QStringLiteral(":/viewer")))
+        return;
+    QCoreApplication::installTranslator(&texts);
+    if (textsOfQt.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"), folder))
+        QCoreApplication::installTranslator(&textsOfQt);
+}
+
 int run(QApplication& application) {
     QCommandLineParser parser;
-    Options options;
+    const Options options;
     parser.setApplicationDescription(QCoreApplication::translate(
         "main", "Viewer for multi-channel fluorescence images, live and from "
                 "files."));
@@ -73,8 +90,9 @@ int run(QApplication& application) {
     parser.addOptions({options.settings, options.custom, options.camera, options.rate});
     parser.addPositionalArgument(
         QStringLiteral("CHANNEL"),
-        QCoreApplication::translate("main", "Channels: FILE, or FILE[PAGE]=DYE+X+Y as for 'lumetra "
-                                            "merge'; a FILE that ends in .json holds settings."),
+        QCoreApplication::translate("main", "Channels: FILE, FILE[c1,z3,t2] or FILE[PAGE], "
+                                            "with =DYE+X+Y as for 'lumetra merge'; a FILE "
+                                            "that ends in .json holds settings."),
         QStringLiteral("[CHANNEL...]"));
     if (!parser.parse(QApplication::arguments())) {
         lumetra::printStatus(QStringLiteral("lumetra-viewer: %1\n").arg(parser.errorText()));
@@ -87,7 +105,7 @@ int run(QApplication& application) {
     window.show();
     if (parser.isSet(options.camera)) {
         window.viewer().setRate(rate);
-        window.viewer().simulateCamera(static_cast<int>(numberOf(parser, options.camera, 2, 4)));
+        window.viewer().simulateCamera(static_cast<int>(numberOf(parser, options.camera, 1, 4)));
     } else {
         openNamedFiles(window, parser, options);
     }
@@ -106,7 +124,10 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("lumetra-viewer"));
     QApplication::setApplicationVersion(QStringLiteral(LUMETRA_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("lumetra-viewer"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lumetra-viewer")));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lumetra-viewer"),
+                                                 QIcon(QStringLiteral(":/viewer/icon.png"))));
+    QTranslator texts, textsOfQt;
+    translate(texts, textsOfQt);
     lumetra::silenceLibraries();
     cv::setNumThreads(1); // one core is for the camera
     return run(application);

@@ -43,28 +43,42 @@ void RenderLoop::clear() {
     hasFrame_ = false;
 }
 
-std::vector<int> RenderLoop::intensitiesAt(QPoint pixel, const DisplaySettings& settings) const {
-    const std::lock_guard lock(frameMutex_);
-    std::vector<int> intensities;
-    if (frame_.planes.size() != settings.channels.size())
+/// Locks the last frame, unless it is one that was to be forgotten.
+std::unique_lock<std::mutex> RenderLoop::lockFrame() const {
+    const std::lock_guard lock(mutex_);
+    return isCleared_ ? std::unique_lock<std::mutex>() : std::unique_lock(frameMutex_);
+}
+
+std::vector<std::vector<int>> RenderLoop::intensitiesAt(const std::vector<QPoint>& pixels,
+                                                        const DisplaySettings& settings) const {
+    std::vector<std::vector<int>> intensities(pixels.size());
+    std::vector<cv::Mat> parts;
+    const auto lock = lockFrame();
+    if (!lock)
         return intensities;
-    for (std::size_t i = 0; i < settings.channels.size(); ++i) {
-        const cv::Mat& plane = frame_.planes[i];
-        const auto part = shownPart(settings, plane.size(), i);
-        if (!part)
-            return {};
-        const cv::Point at = part->tl() + cv::Point(pixel.x(), pixel.y());
-        if (!part->contains(at))
-            return {};
-        intensities.push_back(plane.depth() == CV_8U ? plane.at<unsigned char>(at)
-                                                     : plane.at<std::uint16_t>(at));
+    try {
+        for (const cv::Mat& plane : ofChannels(settings, frame_.planes)) {
+            const auto part = shownPart(settings, plane.size(), parts.size());
+            parts.push_back(part ? plane(*part) : cv::Mat());
+        }
+    } catch (const Error&) { // a frame of a camera that has lost a channel
+        parts.clear();
     }
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        for (const cv::Mat& part : parts) {
+            const cv::Point at(pixels[i].x(), pixels[i].y());
+            if (cv::Rect({0, 0}, part.size()).contains(at))
+                intensities[i].push_back(part.depth() == CV_8U ? part.at<unsigned char>(at)
+                                                               : part.at<std::uint16_t>(at));
+        }
     return intensities;
 }
 
 std::vector<cv::Mat> RenderLoop::planes() const {
-    const std::lock_guard lock(frameMutex_);
     std::vector<cv::Mat> copies;
+    const auto lock = lockFrame();
+    if (!lock)
+        return copies;
     for (const cv::Mat& plane : frame_.planes)
         copies.push_back(plane.clone());
     return copies;
@@ -78,11 +92,13 @@ bool RenderLoop::waitForWork(DisplaySettings& settings, bool& isNewFrame) {
     settings = settings_;
     hasSettings_ = hasFrame_ = false;
     const bool isCleared = std::exchange(isCleared_, false);
-    lock.unlock();
 
     const std::lock_guard frameLock(frameMutex_);
-    if (isCleared)
+    lock.unlock(); // only now, so that nobody sees an old frame as the new one
+    if (isCleared) {
         frame_ = {};
+        statistics_.clear();
+    }
     isNewFrame = frames_.take(frame_);
     if (isCleared || isNewFrame)
         drawn_.reset();
@@ -91,34 +107,28 @@ bool RenderLoop::waitForWork(DisplaySettings& settings, bool& isNewFrame) {
 
 void RenderLoop::measure(DisplaySettings& settings, bool isNewFrame) {
     const auto& planes = frame_.planes;
-    if (isNewFrame || statistics_.size() != planes.size() || (measuredLive_ && !settings.isLive)) {
+    const MeasureOptions& wanted = settings.measuring;
+    const bool countsMore = measured_.isLive && !wanted.isLive;
+    measured_.isLive = wanted.isLive; // to count fewer pixels of the same frame changes nothing
+    if (isNewFrame || statistics_.size() != planes.size() || countsMore || !(measured_ == wanted)) {
         statistics_.resize(planes.size());
         for (std::size_t i = 0; i < planes.size(); ++i)
-            meter_.measure(planes[i], settings.isLive, statistics_[i]);
-        measuredLive_ = settings.isLive;
+            meter_.measure(planes[i], frame_.bits, wanted, statistics_[i]);
+        measured_ = wanted;
     }
-    rendered_.levels.resize(settings.channels.size());
-    for (std::size_t i = 0; i < std::min(planes.size(), settings.channels.size()); ++i) {
+    rendered_.statistics = ofChannels(settings, statistics_);
+    rendered_.levels.clear();
+    for (std::size_t i = 0; i < settings.channels.size(); ++i) {
         auto& levels = settings.channels[i].levels;
         if (!levels)
-            levels = statistics_[i].automatic;
-        rendered_.levels[i] = *levels;
-    }
-}
-
-void RenderLoop::draw(const DisplaySettings& settings) {
-    renderForScreen(renderer_, frame_.planes, settings, statistics_, rendered_.screen);
-    try {
-        annotateImage(settings, rendered_.screen);
-    } catch (...) {
-        rendered_.problem = currentExceptionText();
+            levels = rendered_.statistics[i].automatic;
+        rendered_.levels.push_back(*levels);
     }
 }
 
 void RenderLoop::publish(const DisplaySettings& settings) {
-    rendered_.statistics = statistics_;
     rendered_.frame = frame_.number;
-    rendered_.page = frame_.page;
+    rendered_.position = frame_.position;
     rendered_.revision = settings.revision;
     const std::uint64_t published = rendered_.frame;
     if (!images_.put(rendered_))
@@ -136,10 +146,11 @@ void RenderLoop::run() {
         rendered_.problem.clear();
         try {
             measure(settings, isNewFrame);
-            draw(settings);
+            renderForScreen(renderer_, ofChannels(settings, frame_.planes), settings,
+                            rendered_.statistics, rendered_.screens, rendered_.problem);
         } catch (...) {
             rendered_.problem = currentExceptionText();
-            rendered_.screen.release();
+            rendered_.screens.clear();
         }
         drawn_ = settings; // with the levels that were measured
         publish(settings);

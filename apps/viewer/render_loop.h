@@ -17,11 +17,14 @@ namespace lumetra {
 
 /// An image on its way to the window, and what was measured on the way.
 struct RenderedFrame {
-    cv::Mat screen; ///< CV_8UC4, as QImage::Format_RGB32 has it; empty if nothing can be shown.
-    std::vector<ChannelStatistics> statistics;
-    std::vector<ContrastLimits> levels;
-    std::uint64_t frame = 0; ///< As `Frame::number`.
-    int page = 0, revision = 0;
+    /// CV_8UC4, as QImage::Format_RGB32 has it: one image, or panels of one size with that of all
+    /// channels last; none if nothing can be shown.
+    std::vector<cv::Mat> screens;
+    std::vector<ChannelStatistics> statistics; ///< Of each channel.
+    std::vector<ContrastLimits> levels;        ///< As `statistics`.
+    std::uint64_t frame = 0;                   ///< As `Frame::number`.
+    StackPosition position;
+    int revision = 0;
     QString problem; ///< Why there is no image, or what is missing in it.
 };
 
@@ -45,10 +48,12 @@ public:
     /// How many frames came too late, because a newer one was there before they could be shown.
     std::uint64_t dropped() const { return dropped_; }
 
-    /// The pixel values of all channels below a pixel of the image; empty outside.
-    std::vector<int> intensitiesAt(QPoint pixel, const DisplaySettings& settings) const;
+    /// The pixel values of all channels below pixels of the image: a list for each pixel, empty
+    /// outside of it.
+    std::vector<std::vector<int>> intensitiesAt(const std::vector<QPoint>& pixels,
+                                                const DisplaySettings& settings) const;
 
-    /// A copy of the planes that are shown.
+    /// A copy of the last frame's planes.
     std::vector<cv::Mat> planes() const;
 
     /// Forgets the last frame.
@@ -59,10 +64,10 @@ signals:
     void ready();
 
 private:
+    std::unique_lock<std::mutex> lockFrame() const;
     void run();
     bool waitForWork(DisplaySettings& settings, bool& isNewFrame);
     void measure(DisplaySettings& settings, bool isNewFrame);
-    void draw(const DisplaySettings& settings);
     void publish(const DisplaySettings& settings);
 
     Mailbox<Frame> frames_;
@@ -72,7 +77,7 @@ private:
     mutable std::mutex frameMutex_; // held to exchange the frame, not while it is drawn
     Frame frame_;                   // written by the loop's thread only
 
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::condition_variable work_;
     DisplaySettings settings_;
     bool hasFrame_ = false, hasSettings_ = false, isCleared_ = false, quitting_ = false;
@@ -80,8 +85,8 @@ private:
     // Of the thread alone.
     Renderer renderer_;
     ChannelMeter meter_;
-    std::vector<ChannelStatistics> statistics_;
-    bool measuredLive_ = false;
+    std::vector<ChannelStatistics> statistics_; ///< Of each plane of the frame.
+    MeasureOptions measured_;                   ///< How they were measured.
     RenderedFrame rendered_;
     std::optional<DisplaySettings> drawn_; ///< What the last frame was drawn with.
 

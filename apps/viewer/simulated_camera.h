@@ -22,6 +22,7 @@ class SimulatedCamera : public FrameSource {
 public:
     explicit SimulatedCamera(SimulatedCameraOptions options);
     void grab(Frame& frame) override;
+    int bitDepth() const override { return 16; }
 
 private:
     void prepare();

@@ -12,7 +12,8 @@ class QLabel;
 
 namespace lumetra {
 
-/// Pixel values below the mouse, gammas, zoom, and the rate of frames.
+/// Pixel values below the mouse, pixel size, zoom, and the rate of frames. A message takes the
+/// place of the pixel values for a while.
 class StatusLine : public QStatusBar {
     Q_OBJECT
 public:
@@ -22,8 +23,8 @@ public:
     void showIntensities(QPoint pixel, const std::vector<int>& intensities,
                          const std::vector<Channel>& channels);
 
-    /// The gammas other than 1, since they make intensities incomparable.
-    void showGammas(const std::vector<Channel>& channels);
+    /// @param micrometres  None where it is not known.
+    void showPixelSize(std::optional<double> micrometres);
 
     /// @param scale  Pixels of the screen for one of the image.
     void showZoom(double scale);
@@ -32,9 +33,9 @@ public:
     void showFrameRate(std::optional<double> framesPerSecond, std::uint64_t dropped);
 
 private:
-    QLabel* addLabel(int stretch);
+    QLabel* addLabel();
 
-    QLabel *intensities_, *gammas_, *zoom_, *rate_;
+    QLabel *intensities_, *pixelSize_, *zoom_, *rate_;
 };
 
 } // namespace lumetra

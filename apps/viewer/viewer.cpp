@@ -3,10 +3,13 @@
 #include "apps/common/error.h"
 #include "apps/common/lut_file.h"
 #include "apps/common/shell.h"
+#include "apps/common/text.h"
 #include "apps/viewer/simulated_camera.h"
 #include "render/colormaps.h"
+#include "render/palette.h"
 
 #include <QFileInfo>
+#include <QLocale>
 
 #include <algorithm>
 
@@ -20,8 +23,10 @@ Viewer::Viewer() {
             [this](const std::shared_ptr<FileSource>& files, const std::vector<Channel>& channels) {
                 setSource(files, channels);
                 files_ = files;
+                pixelSize_ = files->pixelSize();
                 emit sourceChanged();
-                feed_->snap();
+                emit filesOpened();
+                setPosition({1, 1, projection_});
             });
     connect(&opener_, &FileOpener::statusMessage, this, &Viewer::statusMessage);
     connect(&opener_, &FileOpener::errorOccurred, this, &Viewer::errorOccurred);
@@ -48,11 +53,7 @@ void Viewer::simulateCamera(int channels, int side) {
 
 void Viewer::simulateCameraFromImages() {
     SimulatedCameraOptions options;
-    options.images = loop_.planes();
-    if (options.images.empty()) {
-        emit errorOccurred(tr("Open the images first that the camera is to show"));
-        return;
-    }
+    options.images = snapshot().planes;
     std::vector<Channel> channels = model_.channels();
     for (Channel& channel : channels)
         channel.levels.reset(); // the camera has a bit depth of its own
@@ -66,6 +67,7 @@ void Viewer::closeSource() {
     loop_.clear();
     rendered_ = {};
     requested_.reset();
+    pixelSize_.reset();
 }
 
 void Viewer::setSource(std::shared_ptr<FrameSource> source, const std::vector<Channel>& channels) {
@@ -97,9 +99,22 @@ QString Viewer::title() const {
     if (!files_)
         return tr("Camera");
     QStringList names;
-    for (const ChannelFile& file : files_->files())
-        names << QFileInfo(file.file).fileName();
+    for (const QString& file : inputs())
+        names << QFileInfo(file).fileName();
     return names.join(QStringLiteral(", "));
+}
+
+QStringList Viewer::inputs() const {
+    QStringList inputs;
+    for (const std::size_t plane : model_.planes())
+        if (files_ && !inputs.contains(files_->channels()[plane].input.file))
+            inputs << files_->channels()[plane].input.file;
+    return inputs;
+}
+
+void Viewer::setPixelSize(double micrometres) {
+    pixelSize_ = micrometres;
+    emit sourceChanged();
 }
 
 void Viewer::start() {
@@ -129,10 +144,11 @@ void Viewer::setRate(double framesPerSecond) {
         feed_->start(rate_);
 }
 
-void Viewer::setPage(int page) {
+void Viewer::setPosition(const StackPosition& position) {
     if (!files_)
         return;
-    files_->setPage(page);
+    projection_ = axes().slices > 1 ? position.projection : projection_;
+    files_->setPosition(position);
     feed_->snap();
 }
 
@@ -154,15 +170,22 @@ void Viewer::setOptions(const ViewOptions& options) {
 
 DisplaySettings Viewer::settings(std::vector<Channel> channels) const {
     const auto isVisible = [](const Channel& channel) { return channel.visible; };
+    const std::vector<Colour> safe = safePalette(channels.size());
+    for (std::size_t i = 0; options_.safeColours && i < channels.size(); ++i)
+        channels[i].colour = safe[i];
     if (options_.graySingle && std::count_if(channels.begin(), channels.end(), isVisible) == 1)
         std::find_if(channels.begin(), channels.end(), isVisible)->colour = Channel{}.colour;
+    for (Channel& channel : channels)
+        channel.name.clear(); // panels have the names of the legend, as the command has them
     DisplaySettings settings;
     settings.channels = std::move(channels);
+    settings.planes = model_.planes();
     if (options_.lut && options_.pseudoChannel >= 0 && options_.pseudoChannel < model_.size())
         settings.pseudo = PseudoColour{static_cast<std::size_t>(options_.pseudoChannel), lut_};
     settings.annotation = options_.annotation;
     settings.marksSaturated = options_.marksSaturated;
-    settings.isLive = isRunning();
+    settings.panels = options_.panels;
+    settings.measuring = {isRunning(), options_.saturatedPercent, options_.showsDataRange};
     return settings;
 }
 
@@ -201,33 +224,40 @@ void Viewer::takeImage() {
     emit imageChanged();
 }
 
-std::vector<int> Viewer::intensitiesAt(QPoint pixel) const {
-    return loop_.intensitiesAt(pixel, settings(model_.channels()));
+std::vector<std::vector<int>> Viewer::intensitiesAt(const std::vector<QPoint>& pixels) const {
+    return loop_.intensitiesAt(pixels, settings(model_.channels()));
 }
 
 QImage Viewer::image() const {
-    const cv::Mat& screen = rendered_.screen;
-    if (screen.empty())
+    if (rendered_.screens.empty())
         return {};
+    const cv::Mat& screen = rendered_.screens.back();
     return QImage(screen.data, screen.cols, screen.rows, static_cast<int>(screen.step),
                   QImage::Format_RGB32)
         .copy();
 }
 
-QStringList Viewer::inputs() const {
-    QStringList inputs;
-    if (files_)
-        for (const ChannelFile& input : files_->files())
-            inputs << input.file;
-    return inputs;
+Snapshot Viewer::snapshot() const {
+    const DisplaySettings settings = shownSettings();
+    const std::vector<cv::Mat> planes = loop_.planes();
+    if (planes.empty())
+        throw Error(tr("There is no image yet"));
+    return {ofChannels(settings, planes), settings, inputs(), pixelSize_};
 }
 
-void Viewer::saveImage(const QString& file) {
-    saver_.saveImage(file, inputs(), loop_.planes(), shownSettings());
+void Viewer::saveImage(const QString& file, const Snapshot& snapshot) {
+    saver_.saveImage(file, snapshot);
 }
 
-void Viewer::saveSettings(const QString& file) {
-    saver_.saveSettings(file, inputs(), model_.channels());
+void Viewer::saveSettings(const QString& file, const std::vector<Channel>& channels) {
+    saver_.saveSettings(file, inputs(), channels);
+}
+
+BatchCommand Viewer::batchCommand() const {
+    if (!files_)
+        throw Error(tr("There is no command for camera images: they are not in files"));
+    const DisplaySettings settings = shownSettings();
+    return lumetra::batchCommand(*files_, settings, rendered_.position);
 }
 
 QString Viewer::command() const {
@@ -235,7 +265,7 @@ QString Viewer::command() const {
         throw Error(hasSource() ? tr("There is no command for camera images: they are not in files")
                                 : tr("There are no channels"));
     const DisplaySettings settings = shownSettings();
-    std::vector<ChannelFile> channels = files_->filesAt(std::max(rendered_.page, 1));
+    std::vector<ChannelFile> channels = ofChannels(settings, files_->filesAt(rendered_.position));
     std::vector<QString> levels;
     for (std::size_t i = 0; i < channels.size(); ++i) {
         channels[i].channel = settings.channels[i];
@@ -247,7 +277,17 @@ QString Viewer::command() const {
         arguments << pseudoArguments(channels[i], levels[i], *options_.lut, settings.annotation);
     } else {
         arguments << mergeArguments(channels, levels, settings.annotation, DyeList());
+        if (settings.panels)
+            arguments << (*settings.panels == PanelColours::gray
+                              ? QStringLiteral("--panels")
+                              : QStringLiteral("--panels=colour"));
     }
+    if (rendered_.position.projection)
+        arguments << QStringLiteral("--project")
+                  << toQt(projectionText(*rendered_.position.projection));
+    if (pixelSize_ && pixelSize_ != files_->pixelSize() && !settings.annotation.scaleBar)
+        arguments << QStringLiteral("--pixel-size")
+                  << QString::number(*pixelSize_, 'g', QLocale::FloatingPointShortest);
     return shellLine(arguments + QStringList{QStringLiteral("-o"), QStringLiteral("image.png")});
 }
 

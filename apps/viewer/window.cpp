@@ -5,10 +5,13 @@
 #include "apps/viewer/channel_actions.h"
 #include "apps/viewer/channel_panel.h"
 #include "apps/viewer/custom_dyes_dialog.h"
+#include "apps/viewer/level_editor.h"
 #include "apps/viewer/lut_bar.h"
 #include "apps/viewer/lut_box.h"
 #include "apps/viewer/message_bar.h"
-#include "apps/viewer/page_bar.h"
+#include "apps/viewer/profile_view.h"
+#include "apps/viewer/recent_menu.h"
+#include "apps/viewer/stack_bar.h"
 #include "apps/viewer/status_line.h"
 
 #include <QApplication>
@@ -21,23 +24,37 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QInputDialog>
+#include <QLocale>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QScrollArea>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QStyle>
 #include <QToolBar>
 #include <QUrl>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <tuple>
+#include <type_traits>
 
 namespace lumetra {
 namespace {
 
 constexpr std::pair<ActionId, const char*> keptChoices[] = {
-    {ActionId::legend, "legend"},
-    {ActionId::gray, "graySingle"},
-    {ActionId::keepSettings, "keepSettings"}};
+    {ActionId::legend, "legend"},           {ActionId::gray, "graySingle"},
+    {ActionId::safeColours, "safeColours"}, {ActionId::keepSettings, "keepSettings"},
+    {ActionId::dataRange, "dataRange"},     {ActionId::logarithmic, "logarithmic"}};
+
+/// The choices that change how frames are shown.
+constexpr ActionId viewChoices[] = {
+    ActionId::gray,     ActionId::safeColours,  ActionId::saturated, ActionId::legend,
+    ActionId::panels,   ActionId::colourPanels, ActionId::scaleBar,  ActionId::pseudo,
+    ActionId::inverted, ActionId::dataRange};
 
 /// The file in which the user's custom dyes are kept from run to run. It need not exist; the folder
 /// is made.
@@ -45,6 +62,23 @@ QString customDyesFile() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
     QDir().mkpath(folder);
     return folder + QStringLiteral("/dyes.ini");
+}
+
+/// Asks where to save something. A name without an extension gets that of the filter chosen.
+/// @return The file, or nothing.
+QString askForFile(QWidget* parent, const QString& title, const QString& suggested,
+                   const QStringList& filters) {
+    QFileDialog dialog(parent, title, QFileInfo(suggested).path());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters(filters);
+    const auto useFilter = [&](const QString& filter) {
+        dialog.setDefaultSuffix(filter.section(QStringLiteral("*."), 1, 1)
+                                    .section(QRegularExpression(QStringLiteral("[ )]")), 0, 0));
+    };
+    QObject::connect(&dialog, &QFileDialog::filterSelected, useFilter);
+    useFilter(filters.front());
+    dialog.selectFile(QFileInfo(suggested).fileName());
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 } // namespace
@@ -61,11 +95,13 @@ double roundLength(double micrometres) {
 
 Window::Window() {
     setAcceptDrops(true);
-    resize(1360, 900);
+    const QSize room = screen()->availableSize();
+    resize(QSize(1360, 900).boundedTo(room * 0.95));
     makeCentre();
     actions_ = std::make_unique<Actions>(*this, *canvas_);
-    makeDock();
+    makeDocks();
     makeToolBar();
+    setIcons();
     statusLine_ = new StatusLine(this);
     setStatusBar(statusLine_);
     connectViewer();
@@ -76,6 +112,10 @@ Window::Window() {
     restoreState();
     restoreCustomDyes();
     showSource();
+    constexpr int rest = 300; // milliseconds
+    saving_.setSingleShot(true);
+    saving_.setInterval(rest);
+    connect(&saving_, &QTimer::timeout, this, &Window::saveState);
 }
 
 Window::~Window() {
@@ -85,7 +125,7 @@ Window::~Window() {
 void Window::makeCentre() {
     auto* centre = new QWidget(this);
     messageBar_ = new MessageBar(centre);
-    pageBar_ = new PageBar(centre);
+    stackBar_ = new StackBar(centre);
     canvas_ = new Canvas(centre);
     lutBar_ = new LutBar(centre);
     lutBar_->hide();
@@ -98,20 +138,35 @@ void Window::makeCentre() {
     column->setSpacing(0);
     column->addWidget(messageBar_);
     column->addLayout(row, 1);
-    column->addWidget(pageBar_);
+    column->addWidget(stackBar_);
     setCentralWidget(centre);
 }
 
-void Window::makeDock() {
-    panel_ = new ChannelPanel(viewer_.model(), this);
-    auto* dock = new QDockWidget(tr("Channels"), this);
-    dock->setObjectName(QStringLiteral("channels"));
-    dock->setWidget(panel_);
-    addDockWidget(Qt::RightDockWidgetArea, dock);
-    resizeDocks({dock}, {380}, Qt::Horizontal);
-    QAction& action = (*actions_)[ActionId::channelPanel];
-    action.setChecked(true);
-    connect(&action, &QAction::triggered, dock, &QDockWidget::setVisible);
+void Window::makeDocks() {
+    panel_ = new ChannelPanel(viewer_.model(), *actions_, this);
+    auto* scroll = new QScrollArea(this); // for small screens
+    scroll->setWidget(panel_);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setMinimumWidth(panel_->minimumSizeHint().width());
+    addDock(tr("Channels"), QStringLiteral("channels"), scroll, Qt::RightDockWidgetArea,
+            ActionId::channelPanel);
+    profile_ = new ProfileView(this);
+    addDock(tr("Line Profile"), QStringLiteral("profile"), profile_, Qt::BottomDockWidgetArea,
+            ActionId::profile);
+    (*actions_)[ActionId::channelPanel].setChecked(true);
+}
+
+/// Adds a dock that an action shows and hides.
+void Window::addDock(const QString& title, const QString& name, QWidget* content,
+                     Qt::DockWidgetArea area, ActionId id) {
+    auto* dock = new QDockWidget(title, this);
+    dock->setObjectName(name);
+    dock->setWidget(content);
+    addDockWidget(area, dock);
+    QAction& action = (*actions_)[id];
+    dock->setVisible(false);
+    connect(&action, &QAction::toggled, dock, &QDockWidget::setVisible);
     connect(dock->toggleViewAction(), &QAction::toggled, &action, &QAction::setChecked);
 }
 
@@ -119,11 +174,12 @@ void Window::makeToolBar() {
     auto* bar = addToolBar(tr("Tools"));
     bar->setObjectName(QStringLiteral("tools"));
     bar->setMovable(false);
-    bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     Actions& act = *actions_;
     act[ActionId::open].setIconText(tr("Open"));
     act[ActionId::saveImage].setIconText(tr("Save"));
     act[ActionId::fit].setIconText(tr("Fit"));
+    act[ActionId::panels].setIconText(tr("Panels"));
     rate_ = new QDoubleSpinBox(bar);
     rate_->setRange(0.1, 100);
     rate_->setDecimals(1);
@@ -137,8 +193,21 @@ void Window::makeToolBar() {
     bar->addWidget(rate_);
     bar->addSeparator();
     bar->addActions({&act[ActionId::fit], &act[ActionId::actualSize], &act[ActionId::legend],
-                     &act[ActionId::scaleBar], &act[ActionId::pseudo]});
+                     &act[ActionId::scaleBar], &act[ActionId::panels], &act[ActionId::pseudo]});
     bar->addWidget(lutBox_);
+}
+
+/// The icons of the desktop's theme, or, where it has none, of the style.
+void Window::setIcons() {
+    const std::tuple<ActionId, const char*, QStyle::StandardPixmap> icons[] = {
+        {ActionId::open, "document-open", QStyle::SP_DialogOpenButton},
+        {ActionId::saveImage, "document-save", QStyle::SP_DialogSaveButton},
+        {ActionId::undo, "edit-undo", QStyle::SP_ArrowBack},
+        {ActionId::redo, "edit-redo", QStyle::SP_ArrowForward},
+        {ActionId::closeAll, "document-close", QStyle::SP_DialogCloseButton}};
+    for (const auto& [id, name, standard] : icons)
+        (*actions_)[id].setIcon(
+            QIcon::fromTheme(QLatin1String(name), style()->standardIcon(standard)));
 }
 
 void Window::connectViewer() {
@@ -146,9 +215,14 @@ void Window::connectViewer() {
     connect(&viewer_, &Viewer::sourceChanged, this, &Window::showSource);
     connect(&viewer_, &Viewer::errorOccurred, this, &Window::showError);
     connect(&viewer_, &Viewer::statusMessage, this, [this](const QString& text) {
-        messageBar_->hide();
+        hideError();
         statusLine_->showMessage(text, 4000);
     });
+    connect(&viewer_, &Viewer::filesOpened, this, [this] {
+        hideError();
+        recent_->add(viewer_.inputs());
+    });
+    connect(&viewer_.model(), &ChannelModel::edited, this, &Window::hideError);
     connect(&monitor_, &FrameMonitor::measured, statusLine_, &StatusLine::showFrameRate);
     connect(&monitor_, &FrameMonitor::stalled, this, [this](double seconds) {
         showError(tr("No frame from the camera for %1 s").arg(seconds, 0, 'f', 0));
@@ -157,35 +231,52 @@ void Window::connectViewer() {
     connect(canvas_, &Canvas::hovered, this, &Window::showIntensities);
     connect(canvas_, &Canvas::scaleChanged, this,
             [this] { statusLine_->showZoom(canvas_->scale()); });
+    connect(canvas_, &Canvas::lineDrawn, this, &Window::showProfile);
     connect(&viewer_.model(), &ChannelModel::dataChanged, this, &Window::showChannels);
-    connect(pageBar_, &PageBar::pageChosen, &viewer_, &Viewer::setPage);
+    connect(stackBar_, &StackBar::positionChosen, &viewer_, &Viewer::setPosition);
 }
 
-/// Lets an action that is triggered do something.
+/// Lets an action that is triggered do something, or tell why it cannot.
 template<class Do>
 void Window::on(ActionId id, const Do& action) {
-    connect(&(*actions_)[id], &QAction::triggered, this, action);
+    connect(&(*actions_)[id], &QAction::triggered, this, [this, action](bool isOn) {
+        try {
+            if constexpr (std::is_invocable_v<Do, Window&>)
+                std::invoke(action, *this);
+            else if constexpr (std::is_invocable_v<Do, bool>)
+                action(isOn);
+            else
+                action();
+        } catch (const std::runtime_error&) {
+            showError(currentExceptionText());
+        }
+    });
 }
 
 void Window::connectFileActions() {
+    recent_ = new RecentMenu(this);
+    (*actions_)[ActionId::recent].setMenu(recent_);
+    connect(recent_, &RecentMenu::chosen, this,
+            [this](const QStringList& files) { viewer_.open(files); });
     on(ActionId::open, [this] { askAndOpen(false); });
     on(ActionId::add, [this] { askAndOpen(true); });
     on(ActionId::saveImage, &Window::askAndSaveImage);
     on(ActionId::saveSettings, &Window::askAndSaveSettings);
     on(ActionId::copyImage, [this] { QApplication::clipboard()->setImage(viewer_.image()); });
     on(ActionId::copyCommand, &Window::copyCommand);
+    on(ActionId::copyValues, &Window::copyValues);
+    on(ActionId::batchCommand, &Window::askForBatchCommand);
     on(ActionId::customDyes, &Window::editCustomDyes);
     on(ActionId::closeAll, [this] { viewer_.close(); });
     on(ActionId::quit, &Window::close);
-    on(ActionId::shortcuts, &Window::showShortcuts);
     on(ActionId::about, &Window::showAbout);
     connect(&(*actions_)[ActionId::keepSettings], &QAction::toggled, &viewer_,
             &Viewer::keepSettings);
 }
 
 void Window::connectFrameActions() {
-    for (int channels = 2; channels <= 4; ++channels)
-        on(ActionId::camera2 + (channels - 2),
+    for (int channels = 1; channels <= 4; ++channels)
+        on(ActionId::camera1 + (channels - 1),
            [this, channels] { viewer_.simulateCamera(channels); });
     on(ActionId::cameraFromImages, [this] { viewer_.simulateCameraFromImages(); });
     on(ActionId::live, [this](bool isOn) { isOn ? viewer_.start() : viewer_.stop(); });
@@ -193,9 +284,16 @@ void Window::connectFrameActions() {
         viewer_.stop();
         viewer_.snap();
     });
-    const auto turn = [this](int by) { viewer_.setPage(viewer_.rendered().page + by); };
-    on(ActionId::previousPage, [turn] { turn(-1); });
-    on(ActionId::nextPage, [turn] { turn(1); });
+    const auto step = [this](int slices, int frames) {
+        StackPosition position = viewer_.rendered().position;
+        position.slice += slices;
+        position.frame += frames;
+        viewer_.setPosition(position);
+    };
+    on(ActionId::previousSlice, [step] { step(-1, 0); });
+    on(ActionId::nextSlice, [step] { step(1, 0); });
+    on(ActionId::previousFrame, [step] { step(0, -1); });
+    on(ActionId::nextFrame, [step] { step(0, 1); });
     connect(rate_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), &viewer_,
             &Viewer::setRate);
 }
@@ -208,13 +306,18 @@ void Window::connectViewActions() {
     on(ActionId::zoomOut, [this] { canvas_->zoom(1 / step); });
     on(ActionId::pixelSize, &Window::askPixelSize);
     on(ActionId::scaleBar, [this](bool isOn) {
-        if (isOn && pixelSize_ <= 0)
+        if (isOn && viewer_.hasSource() && !viewer_.pixelSize())
             askPixelSize();
     });
     on(ActionId::fullScreen, [this](bool isOn) { isOn ? showFullScreen() : showNormal(); });
-    for (const ActionId choice : {ActionId::gray, ActionId::saturated, ActionId::legend,
-                                  ActionId::scaleBar, ActionId::pseudo, ActionId::inverted})
+    for (const ActionId choice : viewChoices)
         connect(&(*actions_)[choice], &QAction::toggled, this, &Window::updateOptions);
+    connect(&(*actions_)[ActionId::profile], &QAction::toggled, canvas_, &Canvas::drawLines);
+    connect(&(*actions_)[ActionId::logarithmic], &QAction::toggled, this, [this](bool isOn) {
+        panel_->levelEditor().setLogarithmic(isOn);
+        saving_.start();
+    });
+    connect(panel_, &ChannelPanel::saturatedPercentChanged, this, &Window::updateOptions);
     connect(lutBox_, &LutBox::errorOccurred, this, &Window::showError);
     connect(lutBox_, &LutBox::lutChosen, this, [this] {
         (*actions_)[ActionId::pseudo].setChecked(true);
@@ -227,10 +330,12 @@ void Window::restoreState() {
     const QSettings kept;
     restoreGeometry(kept.value(QStringLiteral("geometry")).toByteArray());
     QMainWindow::restoreState(kept.value(QStringLiteral("layout")).toByteArray());
-    pixelSize_ = kept.value(QStringLiteral("pixelSize"), 0).toDouble();
+    panel_->setSaturatedPercent(
+        kept.value(QStringLiteral("saturated"), viewer_.options().saturatedPercent).toDouble());
     rate_->setValue(kept.value(QStringLiteral("rate"), viewer_.rate()).toDouble());
     lutBox_->setLut(kept.value(QStringLiteral("lut"), lutBox_->lut()).toString());
-    (*actions_)[ActionId::keepSettings].setChecked(true);
+    for (const ActionId id : {ActionId::keepSettings, ActionId::logarithmic})
+        (*actions_)[id].setChecked(true);
     for (const auto& [id, key] : keptChoices) {
         QAction& choice = (*actions_)[id];
         choice.setChecked(kept.value(QLatin1String(key), choice.isChecked()).toBool());
@@ -241,7 +346,7 @@ void Window::saveState() {
     QSettings kept;
     kept.setValue(QStringLiteral("geometry"), saveGeometry());
     kept.setValue(QStringLiteral("layout"), QMainWindow::saveState());
-    kept.setValue(QStringLiteral("pixelSize"), pixelSize_);
+    kept.setValue(QStringLiteral("saturated"), panel_->saturatedPercent());
     kept.setValue(QStringLiteral("rate"), rate_->value());
     kept.setValue(QStringLiteral("lut"), lutBox_->lut());
     for (const auto& [id, key] : keptChoices)
@@ -279,109 +384,167 @@ void Window::editCustomDyes() {
 }
 
 void Window::askAndOpen(bool adds) {
+    const QStringList inputs = viewer_.inputs();
     const QStringList files = QFileDialog::getOpenFileNames(
-        this, adds ? tr("Add Channels") : tr("Open"), {},
-        tr("Images and settings (*.tif *.tiff *.png *.jpg *.jpeg *.bmp *.pgm *.json)"
+        this, adds ? tr("Add Channels") : tr("Open"),
+        inputs.isEmpty() ? QString() : QFileInfo(inputs.front()).path(),
+        tr("Images and settings (*.tif *.tiff *.png *.jpg *.jpeg *.bmp *.pgm *.ppm *.stk *.json)"
            ";;All files (*)"));
     viewer_.open(files, adds);
 }
 
+/// A name for what is made of the files that are shown, in their folder.
+QString Window::suggestedFile(const QString& ending) const {
+    const QStringList inputs = viewer_.inputs();
+    const QFileInfo first(inputs.value(0, QStringLiteral("camera")));
+    return first.path() + QLatin1Char('/') + first.completeBaseName() + ending;
+}
+
 void Window::askAndSaveImage() {
+    const Snapshot snapshot = viewer_.snapshot(); // frames go on while the dialog is open
     const QString file =
-        QFileDialog::getSaveFileName(this, tr("Save Image"), QStringLiteral("image.png"),
-                                     tr("PNG (*.png);;TIFF (*.tif *.tiff);;JPEG (*.jpg *.jpeg)"));
+        askForFile(this, tr("Save Image"), suggestedFile(QStringLiteral("_image.png")),
+                   {tr("PNG (*.png)"), tr("TIFF (*.tif *.tiff)"), tr("JPEG (*.jpg *.jpeg)")});
     if (!file.isEmpty())
-        viewer_.saveImage(file);
+        viewer_.saveImage(file, snapshot);
 }
 
 void Window::askAndSaveSettings() {
     const QString file =
-        QFileDialog::getSaveFileName(this, tr("Save Channel Settings"),
-                                     QStringLiteral("channels.json"), tr("Settings (*.json)"));
+        askForFile(this, tr("Save Channel Settings"),
+                   suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
     if (!file.isEmpty())
-        viewer_.saveSettings(file);
+        viewer_.saveSettings(file, viewer_.model().channels());
 }
 
 void Window::askPixelSize() {
+    const auto known = viewer_.pixelSize();
+    const QLocale locale;
     bool isGiven = false;
-    const double size =
-        QInputDialog::getDouble(this, tr("Pixel Size"), tr("Pixel size in the specimen (µm):"),
-                                pixelSize_ > 0 ? pixelSize_ : 0.1, 1e-6, 1e6, 6, &isGiven);
-    if (isGiven)
-        pixelSize_ = size;
-    if (pixelSize_ <= 0)
+    const QString text = QInputDialog::getText(
+        this, tr("Pixel Size"), tr("Pixel size in the specimen (µm):"), QLineEdit::Normal,
+        known ? locale.toString(*known, 'g', 6) : QString(), &isGiven);
+    bool isNumber = false;
+    double size = locale.toDouble(text, &isNumber);
+    if (!isNumber)
+        size = text.toDouble(&isNumber);
+    constexpr double smallest = 1e-6, largest = 1e6;
+    if (isGiven && isNumber && size >= smallest && size <= largest)
+        viewer_.setPixelSize(size);
+    else if (isGiven)
+        showError(tr("\"%1\" is not a pixel size").arg(text));
+    if (!viewer_.pixelSize())
         (*actions_)[ActionId::scaleBar].setChecked(false);
-    updateOptions();
+}
+
+void Window::askForBatchCommand() {
+    const BatchCommand batch = viewer_.batchCommand();
+    const QString settings =
+        askForFile(this, tr("Save Channel Settings for the Folder"),
+                   suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
+    if (settings.isEmpty())
+        return;
+    viewer_.saveSettings(settings, batch.channels);
+    const QString line = batch.line(settings);
+    QApplication::clipboard()->setText(line);
+    QInputDialog::getMultiLineText(
+        this, tr("Batch Command"),
+        tr("This command renders every field of the folder with the settings shown here.\n"
+           "It is on the clipboard."),
+        line);
 }
 
 void Window::copyCommand() {
-    try {
-        QApplication::clipboard()->setText(viewer_.command());
-        statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
-    } catch (const std::runtime_error&) {
-        showError(currentExceptionText());
-    }
+    QApplication::clipboard()->setText(viewer_.command());
+    statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
 }
 
-void Window::showShortcuts() {
-    QMessageBox box(QMessageBox::NoIcon, tr("Keyboard Shortcuts"), actions_->shortcutTable(),
-                    QMessageBox::Close, this);
-    box.exec();
+/// The pixel that was pointed at last, or the line that was drawn, as a table.
+void Window::copyValues() {
+    const std::vector<QPoint> pixels = line_.isNull() || !(*actions_)[ActionId::profile].isChecked()
+                                           ? std::vector<QPoint>{pointed_}
+                                           : pixelsOf(line_);
+    QApplication::clipboard()->setText(
+        intensityTable(pixels, viewer_.intensitiesAt(pixels), viewer_.model().channels()));
+    statusLine_->showMessage(tr("Pixel values copied to the clipboard"), 4000);
 }
 
 void Window::showAbout() {
     QMessageBox::about(this, tr("About Lumetra Viewer"),
                        tr("<b>Lumetra Viewer %1</b><p>Viewer for multi-channel fluorescence "
-                          "images, live and from files.")
-                           .arg(QStringLiteral(LUMETRA_VERSION)));
+                          "images, live and from files.<p>Free software under the MIT licence; "
+                          "running with Qt %2.")
+                           .arg(QStringLiteral(LUMETRA_VERSION), QLatin1String(qVersion())));
 }
 
 void Window::showImage() {
     const RenderedFrame& rendered = viewer_.rendered();
-    if (rendered.screen.cols != imageWidth_) { // another scale bar is a round one now
-        imageWidth_ = rendered.screen.cols;
+    const int width = rendered.screens.empty() ? 0 : rendered.screens.back().cols;
+    if (width != imageWidth_) { // another scale bar is a round one now
+        imageWidth_ = width;
         updateOptions();
     }
-    canvas_->setImage(rendered.screen, !viewer_.isRunning());
+    canvas_->setImages(rendered.screens, !viewer_.isRunning());
     if (rendered.problem != renderProblem_) {
         renderProblem_ = rendered.problem;
-        renderProblem_.isEmpty() ? messageBar_->hide() : showError(renderProblem_);
+        renderProblem_.isEmpty() ? hideError() : showError(renderProblem_);
     }
-    pageBar_->showPage(rendered.page);
+    stackBar_->showPosition(rendered.position);
     if (viewer_.isRunning() && pointed_.x() >= 0)
         showIntensities(pointed_);
+    if ((*actions_)[ActionId::profile].isChecked())
+        showProfile(line_);
 }
 
 void Window::showSource() {
     const QString title = viewer_.title();
     setWindowTitle(title.isEmpty() ? tr("Lumetra Viewer") : tr("%1 — Lumetra Viewer").arg(title));
-    const bool isCamera = viewer_.isCamera(), isPaged = viewer_.pages() > 1;
+    const bool isCamera = viewer_.isCamera();
+    const Axes axes = viewer_.axes();
+    const bool hasSlices = axes.slices > 1, hasFrames = axes.frames > 1;
     Actions& act = *actions_;
-    for (const ActionId id :
-         {ActionId::saveImage, ActionId::saveSettings, ActionId::copyImage, ActionId::copyCommand,
-          ActionId::closeAll, ActionId::cameraFromImages})
+    for (const ActionId id : {ActionId::saveImage, ActionId::saveSettings, ActionId::copyImage,
+                              ActionId::copyCommand, ActionId::copyValues, ActionId::batchCommand,
+                              ActionId::closeAll, ActionId::cameraFromImages, ActionId::pixelSize})
         act[id].setEnabled(viewer_.hasSource());
-    act[ActionId::live].setText(isPaged ? tr("P&lay Pages") : tr("&Live"));
-    act[ActionId::live].setEnabled(isCamera || isPaged);
+    act[ActionId::live].setText(hasSlices || hasFrames ? tr("P&lay") : tr("&Live"));
+    act[ActionId::live].setEnabled(isCamera || hasSlices || hasFrames);
     act[ActionId::live].setChecked(viewer_.isRunning());
     act[ActionId::snap].setEnabled(isCamera);
-    act[ActionId::previousPage].setEnabled(isPaged);
-    act[ActionId::nextPage].setEnabled(isPaged);
-    pageBar_->setPages(viewer_.pages());
+    for (const ActionId id : {ActionId::previousSlice, ActionId::nextSlice})
+        act[id].setEnabled(hasSlices);
+    for (const ActionId id : {ActionId::previousFrame, ActionId::nextFrame})
+        act[id].setEnabled(hasFrames);
+    stackBar_->setAxes(axes, viewer_.hasPages());
+    statusLine_->showPixelSize(viewer_.hasSource() ? viewer_.pixelSize() : std::nullopt);
+    if (viewer_.hasSource() && !viewer_.pixelSize() && act[ActionId::scaleBar].isChecked()) {
+        act[ActionId::scaleBar].setChecked(false);
+        statusLine_->showMessage(tr("No scale bar: the pixel size is not known"), 4000);
+    }
     updateOptions();
 }
 
 void Window::showError(const QString& reason) { messageBar_->showMessage(reason); }
 
+/// What is mended need not be told any longer.
+void Window::hideError() {
+    if (renderProblem_.isEmpty())
+        messageBar_->hide();
+}
+
 void Window::showIntensities(QPoint pixel) {
     pointed_ = pixel;
-    statusLine_->showIntensities(pixel,
-                                 pixel.x() < 0 ? std::vector<int>() : viewer_.intensitiesAt(pixel),
+    statusLine_->showIntensities(pixel, viewer_.intensitiesAt({pixel}).front(),
                                  viewer_.model().channels());
 }
 
+void Window::showProfile(QLine line) {
+    line_ = line;
+    const std::vector<QPoint> pixels = pixelsOf(line);
+    profile_->setValues(viewer_.intensitiesAt(pixels), viewer_.model().channels());
+}
+
 void Window::showChannels() {
-    statusLine_->showGammas(viewer_.model().channels());
     const int row = panel_->currentRow();
     if (viewer_.options().lut && row >= 0) {
         const Channel& channel = viewer_.model().channel(row);
@@ -390,25 +553,37 @@ void Window::showChannels() {
 }
 
 std::optional<ScaleBar> Window::scaleBar() const {
-    const int width = viewer_.rendered().screen.cols;
-    if (!(*actions_)[ActionId::scaleBar].isChecked() || pixelSize_ <= 0 || width == 0)
+    const auto size = viewer_.pixelSize();
+    if (!(*actions_)[ActionId::scaleBar].isChecked() || !size || imageWidth_ == 0)
         return std::nullopt;
-    return ScaleBar{roundLength(width * pixelSize_), pixelSize_};
+    return ScaleBar{roundLength(imageWidth_ * *size), *size};
 }
 
 void Window::updateOptions() {
     Actions& act = *actions_;
     ViewOptions options;
     options.graySingle = act[ActionId::gray].isChecked();
+    options.safeColours = act[ActionId::safeColours].isChecked();
     options.marksSaturated = act[ActionId::saturated].isChecked();
     options.annotation = {act[ActionId::legend].isChecked(), scaleBar()};
     if (act[ActionId::pseudo].isChecked())
         options.lut = LutChoice{lutBox_->lut(), act[ActionId::inverted].isChecked()};
     options.pseudoChannel = std::max(panel_->currentRow(), 0);
+    if (act[ActionId::panels].isChecked())
+        options.panels =
+            act[ActionId::colourPanels].isChecked() ? PanelColours::colour : PanelColours::gray;
+    options.saturatedPercent = panel_->saturatedPercent();
+    options.showsDataRange = act[ActionId::dataRange].isChecked();
     viewer_.setOptions(options);
     lutBar_->setVisible(options.lut.has_value() && viewer_.hasSource());
     lutBar_->setLut(viewer_.lut());
     showChannels();
+    saving_.start();
+}
+
+void Window::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    saving_.start();
 }
 
 void Window::closeEvent(QCloseEvent* event) {
@@ -427,7 +602,12 @@ void Window::dropEvent(QDropEvent* event) {
     for (const QUrl& url : event->mimeData()->urls())
         if (url.isLocalFile())
             files << url.toLocalFile();
-    viewer_.open(files, true);
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    const Qt::KeyboardModifiers keys = event->keyboardModifiers();
+#else
+    const Qt::KeyboardModifiers keys = event->modifiers();
+#endif
+    viewer_.open(files, keys.testFlag(Qt::ShiftModifier));
     event->acceptProposedAction();
 }
 

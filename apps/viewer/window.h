@@ -6,7 +6,9 @@
 #include "apps/viewer/frame_monitor.h"
 #include "apps/viewer/viewer.h"
 
+#include <QLine>
 #include <QMainWindow>
+#include <QTimer>
 
 class QDoubleSpinBox;
 
@@ -17,7 +19,9 @@ class ChannelPanel;
 class LutBar;
 class LutBox;
 class MessageBar;
-class PageBar;
+class ProfileView;
+class RecentMenu;
+class StackBar;
 class StatusLine;
 
 class Window : public QMainWindow {
@@ -34,13 +38,17 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
     void makeCentre();
-    void makeDock();
+    void makeDocks();
+    void addDock(const QString& title, const QString& name, QWidget* content,
+                 Qt::DockWidgetArea area, ActionId id);
     void makeToolBar();
+    void setIcons();
     template<class Do>
     void on(ActionId id, const Do& action);
     void connectViewer();
@@ -55,16 +63,20 @@ private:
     void askAndSaveImage();
     void askAndSaveSettings();
     void askPixelSize();
+    void askForBatchCommand();
+    QString suggestedFile(const QString& ending) const;
     void copyCommand();
+    void copyValues();
     void editCustomDyes();
     void showAbout();
-    void showShortcuts();
 
     void showImage();
     void showSource();
     void showIntensities(QPoint pixel);
+    void showProfile(QLine line);
     void showChannels();
     void showError(const QString& reason);
+    void hideError();
     void updateOptions();
     std::optional<ScaleBar> scaleBar() const;
 
@@ -75,15 +87,18 @@ private:
     LutBar* lutBar_ = nullptr;
     LutBox* lutBox_ = nullptr;
     MessageBar* messageBar_ = nullptr;
-    PageBar* pageBar_ = nullptr;
+    ProfileView* profile_ = nullptr;
+    RecentMenu* recent_ = nullptr;
+    StackBar* stackBar_ = nullptr;
     StatusLine* statusLine_ = nullptr;
     QDoubleSpinBox* rate_ = nullptr;
     std::unique_ptr<Actions> actions_;
+    QTimer saving_; ///< Of preferences, when they have rested for a moment.
     QPoint pointed_{-1, -1};
+    QLine line_;
     int imageWidth_ = 0;
     QString renderProblem_;
     CustomDyes customDyes_;
-    double pixelSize_ = 0; ///< Micrometres; 0 until it is known.
 };
 
 /// A round length, 1, 2 or 5 times a power of ten, of about a fifth of an image.

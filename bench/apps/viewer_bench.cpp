@@ -69,7 +69,7 @@ ViewerBench::ViewerBench(int channels, double framesPerSecond)
             }) {
     const lumetra::DyeList dyes;
     lumetra::DisplaySettings settings;
-    settings.isLive = true;
+    settings.measuring.isLive = true;
     for (int i = 0; i < channels; ++i)
         settings.channels.push_back(lumetra::guessedChannel({}, i, dyes));
     loop_.setSettings(settings);
@@ -86,7 +86,7 @@ void ViewerBench::showImage() {
     if (!loop_.take(frame_))
         return;
     const std::int64_t start = threadTime();
-    canvas_.setImage(frame_.screen, false);
+    canvas_.setImages(frame_.screens, false);
     painting_ += threadTime() - start;
     ++shown_;
 }

@@ -29,6 +29,8 @@ private slots:
     void dyesAreNamedInAnyCaseOrRefused();
     void customDyesColourTheirChannels();
     void levelsAndSettingsAreHandedOn();
+    void editsAreUndone();
+    void channelsAreMovedAndRemoved();
     void statisticsTellRangeBitDepthAndSaturation_data();
     void statisticsTellRangeBitDepthAndSaturation();
     void liveStatisticsLookAtSomeRowsOnly();
@@ -50,8 +52,10 @@ void ModelTest::isASoundTable() {
     model.solo(0); // rows that are not there
     model.setLevels(-1, {0, 1});
     model.nudge(3, {1, 1});
-    model.useFullRange(0);
+    model.resetContrast(0);
     model.copyLevelsToAll(0);
+    model.remove(0);
+    model.move(0, 1);
 }
 
 void ModelTest::levelsStayInOrder_data() {
@@ -143,7 +147,8 @@ void ModelTest::aNudgeMovesAsFarAsNumbersGo() {
     model.setChannels({channelOf(Qt::red)});
     model.nudge(0, {3, -2}); // to the right and up
     QCOMPARE(model.channel(0).offset, cv::Point(-3, 2));
-    QCOMPARE(model.index(0, ChannelModel::offsetColumn).data().toString(), QStringLiteral("→3 ↑2"));
+    QCOMPARE(model.index(0, ChannelModel::offsetColumn).data().toString(),
+             QStringLiteral("← -3 ↑ 2"));
     constexpr int most = std::numeric_limits<int>::max();
     model.nudge(0, {most, most});
     model.nudge(0, {most, most});
@@ -186,53 +191,128 @@ void ModelTest::levelsAndSettingsAreHandedOn() {
     QCOMPARE(model.channel(2).gamma, 0.5);
     model.useFullRange(1, 12);
     QVERIFY((model.channel(1).levels == ContrastLimits{0, 4095}));
-    model.useFullRange(1);
-    QVERIFY((model.channel(1).levels == ContrastLimits{0, 65535}));
+    std::vector<ChannelStatistics> statistics(3);
+    statistics[1].bits = 16;
+    statistics[1].largest = 1023;
+    model.adopt({{0, 1}, {0, 1}, {0, 1}}, statistics);
+    model.resetContrast(1);
+    QVERIFY((model.channel(1).levels == ContrastLimits{0, 1023}));
+    QCOMPARE(model.channel(1).gamma, 1.0);
     model.applySettings({channelOf(Qt::cyan, ContrastLimits{1, 9})});
     QCOMPARE(toQt(model.channel(0).colour), QColor(Qt::cyan));
     QCOMPARE(toQt(model.channel(1).colour), QColor(Qt::green));
 }
 
+void ModelTest::editsAreUndone() {
+    ChannelModel model;
+    model.setChannels({channelOf(Qt::red, ContrastLimits{1, 9}), channelOf(Qt::green)});
+    const std::vector<ChannelRow> before = model.rows();
+    const std::pair<const char*, std::function<void()>> edits[] = {
+        {"colour",
+         [&] {
+             model.setColour(0, {1, 2, 3});
+         }},
+        {"dye", [&] { model.setDye(0, "Cy5"); }},
+        {"name", [&] { model.setName(1, "Actin"); }},
+        {"hidden", [&] { model.setVisible(1, false); }},
+        {"alone", [&] { model.solo(0); }},
+        {"auto", [&] { model.useAutomaticLevels(0); }},
+        {"reset", [&] { model.resetContrast(0); }},
+        {"to all", [&] { model.copyLevelsToAll(0); }},
+        {"settings", [&] { model.applySettings({channelOf(Qt::cyan)}); }},
+        {"moved", [&] { model.move(0, 1); }},
+        {"removed", [&] { model.remove(0); }},
+        {"dragged", [&] {
+             for (int i = 2; i < 8; ++i) // one edit
+                 model.setLevels(0, {i, 100});
+         }}};
+    for (const auto& [name, edit] : edits) {
+        edit();
+        const std::vector<ChannelRow> after = model.rows();
+        QVERIFY2(!(after == before), name);
+        model.undoStack().undo();
+        QVERIFY2(model.rows() == before, name);
+        model.undoStack().redo();
+        QVERIFY2(model.rows() == after, name);
+        model.undoStack().undo();
+    }
+}
+
+void ModelTest::channelsAreMovedAndRemoved() {
+    ChannelModel model;
+    const QAbstractItemModelTester tester(&model,
+                                          QAbstractItemModelTester::FailureReportingMode::QtTest);
+    model.setChannels({channelOf(Qt::red), channelOf(Qt::green), channelOf(Qt::blue)});
+    model.move(0, 1);
+    model.move(0, -1); // there is nothing above
+    model.remove(2);
+    QVERIFY((model.planes() == std::vector<size_t>{1, 0}));
+    QCOMPARE(toQt(model.channel(0).colour), QColor(Qt::green));
+    model.remove(0);
+    model.remove(0); // the last one stays
+    QCOMPARE(model.size(), 1);
+}
+
 void ModelTest::statisticsTellRangeBitDepthAndSaturation_data() {
     QTest::addColumn<int>("type");
+    QTest::addColumn<int>("bits"); // that the source knows of
     QTest::addColumn<int>("largest");
-    QTest::addColumn<int>("axis");
+    QTest::addColumn<int>("expected");
     QTest::addColumn<double>("saturated");
-    QTest::newRow("8 bits") << CV_8UC1 << 200 << 255 << 0.0;
-    QTest::newRow("8 bits, full") << CV_8UC1 << 255 << 255 << 0.01;
-    QTest::newRow("12 bits") << CV_16UC1 << 4094 << 4095 << 0.0;
-    QTest::newRow("12 bits, full") << CV_16UC1 << 4095 << 4095 << 0.01;
-    QTest::newRow("just 14 bits") << CV_16UC1 << 4096 << 16383 << 0.0;
-    QTest::newRow("16 bits, full") << CV_16UC1 << 65535 << 65535 << 0.01;
+    QTest::newRow("8 bits") << CV_8UC1 << 0 << 200 << 255 << 0.0;
+    QTest::newRow("8 bits, full") << CV_8UC1 << 0 << 255 << 255 << 0.01;
+    QTest::newRow("12 bits") << CV_16UC1 << 0 << 4094 << 4095 << 0.0;
+    QTest::newRow("12 bits, full") << CV_16UC1 << 0 << 4095 << 4095 << 0.01;
+    QTest::newRow("just 14 bits") << CV_16UC1 << 0 << 4096 << 16383 << 0.0;
+    QTest::newRow("16 bits, full") << CV_16UC1 << 0 << 65535 << 65535 << 0.01;
+    QTest::newRow("known: 16 bits") << CV_16UC1 << 16 << 999 << 65535 << 0.0;
+    QTest::newRow("known: 12 bits") << CV_16UC1 << 12 << 60000 << 4095 << 0.01;
 }
 
 void ModelTest::statisticsTellRangeBitDepthAndSaturation() {
     QFETCH(int, type);
+    QFETCH(int, bits);
     QFETCH(int, largest);
+    QFETCH(int, expected);
     cv::Mat plane(10, 10, type, cv::Scalar::all(3));
     plane(cv::Rect(4, 5, 1, 1)).setTo(largest);
     ChannelStatistics measured;
-    ChannelMeter().measure(plane, false, measured);
+    ChannelMeter meter;
+    meter.measure(plane, bits, {}, measured);
     QVERIFY((measured.range == ContrastLimits{3, largest}));
-    QTEST(measured.axis, "axis");
+    QCOMPARE(measured.largest, expected);
     QTEST(measured.saturated, "saturated");
-    const auto bin = static_cast<size_t>(3 * ChannelStatistics::bins / (measured.axis + 1));
-    QCOMPARE(measured.curve[bin], 1.F); // 99 of 100 pixels
-    const auto sum = std::accumulate(measured.curve.begin(), measured.curve.end(), 0.0);
-    QVERIFY(sum > 1.1 && sum < 1.2); // log(1 + 1) beside log(1 + 99)
+    QCOMPARE(measured.axis.low, 0);
+    const auto bin = static_cast<size_t>(3 * ChannelStatistics::bins / (measured.axis.high + 1));
+    QCOMPARE(measured.curve[bin], 99.F);
+    QCOMPARE(std::accumulate(measured.curve.begin(), measured.curve.end(), 0.0), 100.0);
+    MeasureOptions options;
+    options.showsDataRange = true;
+    meter.measure(plane, bits, options, measured);
+    QVERIFY(measured.axis == measured.range);
+    QCOMPARE(measured.curve.front(), 99.F);
+    QCOMPARE(measured.curve.back(), 1.F);
+    meter.measure(cv::Mat(4, 4, type, cv::Scalar::all(largest)), bits, options, measured);
+    QVERIFY(measured.axis.low < measured.axis.high);
 }
 
+/// In every eighth, or ninth, row there are other values than in the rest.
 void ModelTest::liveStatisticsLookAtSomeRowsOnly() {
     cv::Mat plane(4096, 512, CV_16UC1, cv::Scalar::all(500));
-    plane.row(8).setTo(900); // among every eighth, or ninth, row
+    plane.row(8).setTo(900);
     plane.row(9).setTo(901);
     plane.row(11).setTo(60000);
     ChannelStatistics measured;
     ChannelMeter meter;
-    meter.measure(plane, true, measured);
+    MeasureOptions live;
+    live.isLive = true;
+    meter.measure(plane, 0, live, measured);
     QVERIFY(measured.range.high == 900 || measured.range.high == 901);
-    meter.measure(plane, false, measured);
+    meter.measure(plane, 0, {}, measured);
     QCOMPARE(measured.range.high, 60000);
+    meter.measure(plane, 0, live, measured); // the bit depth that was guessed never shrinks
+    QCOMPARE(measured.largest, 65535);
+    QCOMPARE(measured.saturated, 0.0);
 }
 
 std::unique_ptr<QObject> makeSuite() { return std::make_unique<ModelTest>(); }

@@ -6,6 +6,7 @@
 #include "apps/viewer/canvas.h"
 
 #include <QApplication>
+#include <QSettings>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -61,6 +62,7 @@ void PicturesTest::showTheWindow() {
     QFETCH(bool, isPseudo);
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
+    QSettings().clear(); // the window before kept its choices
     Window window;
     window.resize(1280, 820);
     window.show();

@@ -6,6 +6,7 @@
 #include "apps/common/settings.h"
 #include "apps/viewer/mailbox.h"
 
+#include <QDir>
 #include <QProcess>
 
 namespace lumetra {
@@ -16,10 +17,14 @@ private slots:
     void theNewestWinsAndNothingIsTakenTwice();
     void badFilesAreNamedAndChangeNothing_data();
     void badFilesAreNamedAndChangeNothing();
-    void stacksTurnForthAndBack();
+    void stacksGoRound();
+    void filesHaveAxes();
+    void settingsAreKeptForFilesAlike();
     void nothingIsRenderedWhereNothingChanges();
     void aSavedImageEqualsTheCommands_data();
     void aSavedImageEqualsTheCommands();
+    void aFolderIsRenderedLikeOneField_data();
+    void aFolderIsRenderedLikeOneField();
     void commandsTakeNoNameForAnOption();
     void aSlowWindowDropsFramesAndShowsTheNewest();
     void camerasMayFail_data();
@@ -35,6 +40,18 @@ namespace {
 
 QByteArray settingsOf(const Viewer& viewer) {
     return settingsJson({viewer.model().channels(), std::nullopt});
+}
+
+/// Runs a line of the program's in a folder, and gives what it has to complain about.
+QByteArray runInShell(QString line, const QString& folder = {}) {
+    QProcess shell;
+    shell.setWorkingDirectory(folder);
+    if (!line.startsWith("lumetra "))
+        return "not a line for the command";
+    line.replace(0, 7, qEnvironmentVariable("LUMETRA"));
+    shell.start("/bin/sh", {"-c", line});
+    shell.waitForFinished();
+    return shell.exitCode() == 0 ? QByteArray() : shell.readAllStandardError() + "failed";
 }
 
 } // namespace
@@ -102,30 +119,108 @@ void ViewerTest::badFilesAreNamedAndChangeNothing() {
     QCOMPARE(viewer.title(), QStringLiteral("good.tif"));
 }
 
-void ViewerTest::stacksTurnForthAndBack() {
+void ViewerTest::stacksGoRound() {
     const Folder folder;
     std::vector<cv::Mat> pages;
     for (int i = 1; i <= 3; ++i)
         pages.emplace_back(8, 8, CV_8UC1, cv::Scalar::all(i));
     const QString stack = folder.writeStack("stack.tif", pages);
     const QString still = folder.write("still.tif", pages[1]);
-    FileSource source({parseFile(stack), parseFile(still), parseFile(stack + "[3]")});
-    QCOMPARE(source.pages(), 3);
+    FileSource source({parseFile(stack), parseFile(still), parseFile(stack + "[3]")}, DyeList());
+    QCOMPARE(source.axes().slices, 3);
+    QVERIFY(source.hasPages());
     Frame frame;
-    QString order;
-    for (int i = 0; i < 7; ++i) {
+    const auto values = [&] {
+        QString text;
         source.grab(frame);
-        order += QString::number(frame.page);
-        QCOMPARE(int(frame.planes[0].at<unsigned char>(0, 0)), frame.page);
-        QCOMPARE(int(frame.planes[1].at<unsigned char>(0, 0)), 2);
-        QCOMPARE(int(frame.planes[2].at<unsigned char>(0, 0)), 3);
+        for (const cv::Mat& plane : frame.planes)
+            text += QString::number(plane.at<unsigned char>(0, 0));
+        return text;
+    };
+    for (const char* const expected : {"123", "223", "323", "123"})
+        QCOMPARE(values(), QString(expected));
+    source.setPosition({99, 1, {}});
+    QCOMPARE(values(), QStringLiteral("323"));
+    source.setPosition({2, 1, ProjectionMethod::mean});
+    QCOMPARE(values(), QStringLiteral("223"));
+    source.setPosition({1, 1, ProjectionMethod::max});
+    QCOMPARE(values(), QStringLiteral("323"));
+    QCOMPARE(values(), QStringLiteral("323")); // there is nothing to go on to
+    QCOMPARE(fileSpec(source.filesAt({2, 1, {}})[0]), stack + "[2]");
+    QCOMPARE(fileSpec(source.filesAt({2, 1, {}})[1]), still);
+    QCOMPARE(fileSpec(source.filesAt({2, 1, ProjectionMethod::max})[0]), stack);
+}
+
+/// A file of two channels, three z-slices and two time points: as it says, and with parts named.
+void ViewerTest::filesHaveAxes() {
+    const Folder folder;
+    const QString file = folder.writeHyperstack("cells.tif");
+    Viewer viewer;
+    viewer.open({file});
+    QVERIFY(waitForImage(viewer));
+    const ChannelModel& model = viewer.model();
+    QCOMPARE(model.size(), 2);
+    QCOMPARE(toQt(model.channel(0).name), QStringLiteral("DAPI"));
+    QCOMPARE(toQt(model.channel(0).dye), QStringLiteral("DAPI"));
+    QCOMPARE(toQt(model.channel(1).name), QStringLiteral("Membrane"));
+    QCOMPARE(toQt(model.channel(1).colour), QColor("#ff8000"));
+    QCOMPARE(viewer.axes().slices, 3);
+    QCOMPARE(viewer.axes().frames, 2);
+    QCOMPARE(viewer.pixelSize(), std::optional(0.25));
+    const auto values = [&] { return viewer.intensitiesAt({{1, 1}}).front(); };
+    QCOMPARE(values(), (std::vector<int>{111, 211})); // channel, z-slice, time point
+    viewer.setPosition({3, 2, {}});
+    QTRY_COMPARE(values(), (std::vector<int>{132, 232}));
+    QTRY_VERIFY(viewer.command().contains("cells.tif[c2,z3,t2]=Membrane#ff8000"));
+    viewer.setPosition({1, 2, ProjectionMethod::max});
+    QTRY_VERIFY(viewer.command().contains("--project max"));
+    QCOMPARE(values(), (std::vector<int>{132, 232}));
+    QVERIFY(viewer.command().contains("cells.tif[c1,t2]=DAPI"));
+    viewer.setPosition({1, 2, ProjectionMethod::mean});
+    QTRY_COMPARE(values(), (std::vector<int>{122, 222}));
+
+    viewer.setPosition({1, 1, {}});
+    viewer.open({file + "[c2,z2-3]=FITC", file + "[c1,z1,t2]"});
+    QTRY_COMPARE(viewer.axes().slices, 2);
+    QTRY_COMPARE(values(), (std::vector<int>{221, 112}));
+    QCOMPARE(toQt(model.channel(0).dye), QStringLiteral("FITC"));
+    const QSignalSpy problems(&viewer, &Viewer::errorOccurred);
+    for (const char* const wrong : {"=FITC", "[c3]", "[z4]", "[t3]", "[c1-2]=FITC"}) {
+        const auto before = problems.size();
+        viewer.open({file + wrong});
+        QTRY_COMPARE(problems.size(), before + 1);
+        QVERIFY2(problems.back()[0].toString().contains("cells.tif"), wrong);
     }
-    QCOMPARE(order, QStringLiteral("1232123"));
-    source.setPage(99);
-    source.grab(frame);
-    QCOMPARE(frame.page, 3);
-    QCOMPARE(fileSpec(source.filesAt(2)[0]), stack + "[2]");
-    QCOMPARE(fileSpec(source.filesAt(2)[1]), still);
+}
+
+/// Levels are kept for files alike: of equal channels and, for the levels, equal bit depth.
+void ViewerTest::settingsAreKeptForFilesAlike() {
+    const Folder folder;
+    const auto file = [&](const QString& name, int type) {
+        return folder.write(name, noisePlane({20, 20}, type, 3));
+    };
+    Viewer viewer;
+    ChannelModel& model = viewer.model();
+    const auto levelsAfter = [&](const QString& name) {
+        viewer.open({name});
+        return QTest::qWaitFor([&] {
+            return !viewer.isBusy() && viewer.inputs() == QStringList{name} &&
+                   model.channel(0).levelsBits > 0;
+        })
+                   ? *model.channel(0).levels
+                   : ContrastLimits{};
+    };
+    levelsAfter(file("a1.tif", CV_16UC1));
+    model.setLevels(0, {1000, 2000});
+    model.setGamma(0, 0.5);
+    QVERIFY((levelsAfter(file("a2.tif", CV_16UC1)) == ContrastLimits{1000, 2000}));
+    const ContrastLimits of8Bits = levelsAfter(file("a3.png", CV_8UC1));
+    QVERIFY(of8Bits.high <= 255);
+    QCOMPARE(model.channel(0).gamma, 0.5);                       // is for any bit depth
+    QVERIFY(levelsAfter(file("a4.tif", CV_16UC1)).high > 10000); // and the other way round
+    model.setLevels(0, {1000, 2000});
+    QVERIFY(levelsAfter(file("x_Cy5.tif", CV_16UC1)).high > 10000); // another channel
+    QCOMPARE(model.channel(0).gamma, 1.0);
 }
 
 void ViewerTest::nothingIsRenderedWhereNothingChanges() {
@@ -166,6 +261,8 @@ void ViewerTest::aSavedImageEqualsTheCommands_data() {
     QTest::newRow("legend, scale bar, custom dye, one in gray") << 2;
     QTest::newRow("pseudo-colour") << 3;
     QTest::newRow("page of a stack") << 4;
+    QTest::newRow("panels of channels moved and removed") << 5;
+    QTest::newRow("projection in safe colours, with a pixel size") << 6;
 }
 
 void ViewerTest::aSavedImageEqualsTheCommands() {
@@ -175,7 +272,7 @@ void ViewerTest::aSavedImageEqualsTheCommands() {
     QStringList files{folder.write("it's one.tif", noisePlane(size, CV_16UC1, 1)),
                       folder.write("zwei ü.png", noisePlane(size, CV_8UC1, 2)),
                       folder.write("3.tif", noisePlane(size, CV_16UC1, 3))};
-    if (variant == 4)
+    if (variant == 4 || variant == 6)
         files[0] = folder.writeStack(
             "stack.tif", {noisePlane(size, CV_16UC1, 4), noisePlane(size, CV_16UC1, 5)});
     Viewer viewer;
@@ -193,6 +290,7 @@ void ViewerTest::aSavedImageEqualsTheCommands() {
     } else if (variant == 2) {
         options.annotation.legend = true;
         options.annotation.scaleBar = ScaleBar{5, 0.1};
+        viewer.setPixelSize(0.1);
         options.graySingle = true;
         model.setDye(2, "Custom dye");
         model.solo(2);
@@ -201,22 +299,27 @@ void ViewerTest::aSavedImageEqualsTheCommands() {
         options.pseudoChannel = 2;
         model.setGamma(2, 1.5);
     } else if (variant == 4) {
-        viewer.setPage(2);
-        QTRY_COMPARE(viewer.rendered().page, 2);
+        viewer.setPosition({2, 1, {}});
+        QTRY_COMPARE(viewer.rendered().position.slice, 2);
+    } else if (variant == 5) {
+        options.panels = PanelColours::colour;
+        options.annotation.scaleBar = ScaleBar{5, 0.1};
+        viewer.setPixelSize(0.1);
+        model.move(0, 2);
+        model.remove(1);
+        model.setName(0, "Nuclei");
+    } else if (variant == 6) {
+        viewer.setPosition({1, 1, ProjectionMethod::mean});
+        QTRY_VERIFY(viewer.rendered().position.projection);
+        viewer.setPixelSize(0.3);
+        options.safeColours = true;
     }
     viewer.setOptions(options);
     const QSignalSpy saved(&viewer, &Viewer::statusMessage);
-    viewer.saveImage(folder.path("viewer.png"));
+    viewer.saveImage(folder.path("viewer.png"), viewer.snapshot());
     QTRY_COMPARE_WITH_TIMEOUT(saved.size(), 1, 20000);
 
-    QProcess shell;
-    shell.setWorkingDirectory(folder.path("."));
-    QString line = viewer.command();
-    QVERIFY(line.startsWith("lumetra "));
-    line.replace(0, 7, qEnvironmentVariable("LUMETRA"));
-    shell.start("/bin/sh", {"-c", line});
-    QVERIFY(shell.waitForFinished());
-    QVERIFY2(shell.exitCode() == 0, shell.readAllStandardError().constData());
+    QCOMPARE(runInShell(viewer.command(), folder.path(".")), QByteArray());
     QVERIFY(!folder.read("viewer.png").isEmpty());
     QVERIFY(folder.read("viewer.png") == folder.read("image.png"));
 }
@@ -247,7 +350,7 @@ void ViewerTest::aSlowWindowDropsFramesAndShowsTheNewest() {
     }
     RenderedFrame rendered;
     QTRY_VERIFY((loop.take(rendered), rendered.frame == frames));
-    QCOMPARE(int(rendered.screen.at<cv::Vec4b>(0, 0)[0]), frames);
+    QCOMPARE(int(rendered.screens[0].at<cv::Vec4b>(0, 0)[0]), frames);
     QVERIFY(signalled <= 2); // signals do not pile up
     QVERIFY(loop.dropped() >= frames - 2 && loop.dropped() < frames);
 }
@@ -293,19 +396,22 @@ void ViewerTest::camerasMayFail() {
 
 void ViewerTest::aCameraMayChangeItsSize() {
     std::atomic<int> width{32};
-    auto camera = std::make_shared<ScriptedCamera>([&](int, Frame& frame) {
-        frame.planes = flatPlanes(2, {width, 16}, 5000);
-    });
+    const auto camera = std::make_shared<ScriptedCamera>(
+        [&](int, Frame& frame) {
+            frame.planes = flatPlanes(2, {width, 16}, 900);
+        },
+        12);
     Viewer viewer;
     viewer.connectCamera(camera, {channelOf(Qt::red), channelOf(Qt::green)});
     viewer.setRate(200);
     viewer.start();
     for (const int next : {32, 64, 8, 33}) {
         width = next;
-        QTRY_COMPARE(viewer.rendered().screen.cols, next);
+        QTRY_COMPARE(shownSize(viewer).width, next);
         QVERIFY(viewer.rendered().problem.isEmpty());
     }
-    viewer.close(); // before what the camera refers to goes
+    QCOMPARE(viewer.model().statistics(0).largest, 4095); // as the camera says, not its pixels
+    viewer.close();                                       // before what the camera refers to goes
 }
 
 void ViewerTest::closingNeverWaitsForAStalledCamera() {
@@ -340,10 +446,13 @@ void ViewerTest::intensitiesAreThoseBelowTheImage() {
     Viewer viewer;
     viewer.open({file + "=DAPI", file + "=FITC+3-2"}); // FITC: 3 to the left, 2 down
     QVERIFY(waitForImage(viewer));
-    QCOMPARE(viewer.rendered().screen.size(), cv::Size(37, 28));
-    QCOMPARE(viewer.intensitiesAt({5, 10}), (std::vector<int>{1205, 1008}));
-    QVERIFY(viewer.intensitiesAt({-1, 0}).empty());
-    QVERIFY(viewer.intensitiesAt({37, 0}).empty());
+    QCOMPARE(shownSize(viewer), cv::Size(37, 28));
+    const std::vector<std::vector<int>> expected{{1205, 1008}, {}, {}};
+    QVERIFY(viewer.intensitiesAt({{5, 10}, {-1, 0}, {37, 0}}) == expected);
+    viewer.model().move(0, 1);
+    QCOMPARE(viewer.intensitiesAt({{5, 10}}).front(), (std::vector<int>{1008, 1205}));
+    viewer.model().remove(0);
+    QCOMPARE(viewer.intensitiesAt({{5, 10}}).front(), std::vector<int>{1005});
 }
 
 void ViewerTest::settingsGoOutAndIn() {
@@ -356,7 +465,7 @@ void ViewerTest::settingsGoOutAndIn() {
         viewer.model().setLevels(0, {11, 2222});
         viewer.model().setGamma(1, 2);
         const QSignalSpy saved(&viewer, &Viewer::statusMessage);
-        viewer.saveSettings(folder.path("s.json"));
+        viewer.saveSettings(folder.path("s.json"), viewer.model().channels());
         QTRY_COMPARE(saved.size(), 1);
     }
     Viewer viewer;
@@ -366,9 +475,9 @@ void ViewerTest::settingsGoOutAndIn() {
     QVERIFY((viewer.model().channel(0).levels == ContrastLimits{11, 2222}));
     QCOMPARE(viewer.model().channel(1).gamma, 2.0);
     const QSignalSpy problems(&viewer, &Viewer::errorOccurred);
-    viewer.saveImage(file); // would replace what is looked at
+    viewer.saveImage(file, viewer.snapshot()); // would replace what is looked at
     QTRY_COMPARE(problems.size(), 1);
-    viewer.saveSettings(folder.path("no/such/folder/s.json"));
+    viewer.saveSettings(folder.path("no/such/folder/s.json"), {});
     QTRY_COMPARE(problems.size(), 2);
 }
 
@@ -388,6 +497,40 @@ void ViewerTest::theSimulatedCameraDriftsAndHasHotPixels() {
     SimulatedCamera filming({2, 64, {noisePlane({20, 20}, CV_8UC1, 1)}});
     filming.grab(frame);
     QCOMPARE(frame.planes.size(), size_t(1));
+}
+
+/// The line renders every field of the folder as this one looks, this one to the same bytes.
+void ViewerTest::aFolderIsRenderedLikeOneField_data() {
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QString>("pattern");
+    QTest::newRow("field before") << QStringList{"A1_s1_w1.tif", "A1_s1_w2.tif", "B2_s1_w1.tif",
+                                                 "B2_s1_w2.tif"}
+                                  << "{field}_w{channel}.tif";
+    QTest::newRow("channel before")
+        << QStringList{"DAPI-1 {a}.tif", "red-1 {a}.tif", "DAPI-2 {a}.tif", "red-2 {a}.tif"}
+        << "{channel}-{field}.tif";
+}
+
+void ViewerTest::aFolderIsRenderedLikeOneField() {
+    QFETCH(QStringList, names);
+    QFETCH(QString, pattern);
+    const Folder folder;
+    for (int i = 0; i < names.size(); ++i)
+        names[i] = folder.write(names[i], noisePlane({60, 40}, CV_16UC1, i));
+    Viewer viewer;
+    viewer.open({names[0] + "=DAPI", names[1] + "=Cy5+2-1"});
+    QVERIFY(waitForImage(viewer));
+    viewer.model().setLevels(0, {500, 40000});
+    viewer.saveImage(folder.path("one.png"), viewer.snapshot());
+    QTRY_VERIFY(!viewer.isBusy());
+    const BatchCommand batch = viewer.batchCommand();
+    QCOMPARE(batch.arguments.front(), folder.path(pattern));
+    viewer.saveSettings(folder.path("s.json"), batch.channels);
+    QTRY_VERIFY(!viewer.isBusy());
+    QCOMPARE(runInShell(batch.line(folder.path("s.json"))), QByteArray());
+    const QDir out(folder.path("out"), "*.png");
+    QCOMPARE(int(out.count()), 2);
+    QCOMPARE(folder.read("out/" + out.entryList().front()), folder.read("one.png"));
 }
 
 std::unique_ptr<QObject> makeSuite() { return std::make_unique<ViewerTest>(); }

@@ -5,24 +5,35 @@
 #include "apps/viewer/canvas.h"
 #include "apps/viewer/channel_panel.h"
 #include "apps/viewer/custom_dyes_dialog.h"
-#include "apps/viewer/dye_controls.h"
+#include "apps/viewer/dye_box.h"
 #include "apps/viewer/level_editor.h"
 #include "apps/viewer/lut_box.h"
 #include "apps/viewer/message_bar.h"
+#include "apps/viewer/stack_bar.h"
+#include "apps/viewer/status_line.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
+#include <QColorDialog>
 #include <QCompleter>
 #include <QDropEvent>
+#include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QScreen>
 #include <QSet>
 #include <QSettings>
+#include <QSlider>
 #include <QSpinBox>
 #include <QTableView>
+#include <QTimer>
+#include <QToolButton>
 
 namespace lumetra {
 
@@ -35,13 +46,13 @@ private slots:
     void everyActionCanBeUsedAtAnyTime();
     void keysSwitchAndMoveChannels();
     void fieldsKeepTheirKeys();
-    void dyesAreFoundAsTheyAreTyped();
+    void dyesAreChosenAndTyped();
     void handlesMoveLevels();
     void theTableShowsAndHidesChannels();
     void theImageFitsZoomsAndPans();
     void oneToOneIsCrisp_data();
     void oneToOneIsCrisp();
-    void droppedFilesAreAddedOrRefused();
+    void droppedFilesReplaceOrAreAdded();
     void dropsInQuickSuccessionAreAllTaken();
     void whatIsAskedForLastIsShown();
     void offsetsAreWrittenInFields();
@@ -50,7 +61,13 @@ private slots:
     void closesWhileFramesCome();
     void customDyesAreKept();
     void choicesAreKeptBetweenRuns();
-    void scaleBarsAreRound();
+    void choicesAreKeptWithoutAClose();
+    void scaleBarsAreRoundAndOfTheirSource();
+    void messagesAreSeen();
+    void noButtonTakesAMenusLetter();
+    void aFrameIsSavedAsItWas();
+    void panelsShareScaleAndPosition();
+    void valuesAreCopiedAsATable();
 
 private:
     void openTwo();
@@ -60,6 +77,12 @@ private:
         return window_->findChild<Part*>();
     }
     QString message() { return part<MessageBar>()->message(); }
+    QStringList statusTexts() {
+        QStringList texts;
+        for (const auto* label : part<StatusLine>()->findChildren<QLabel*>())
+            texts << label->text();
+        return texts;
+    }
     ChannelModel& model() { return window_->viewer().model(); }
 
     std::unique_ptr<Folder> folder_;
@@ -86,7 +109,31 @@ void moveMouse(QWidget& widget, QPoint to, Qt::MouseButtons buttons) {
     QApplication::sendEvent(&widget, &move);
 }
 
-void drop(Window& window, const QStringList& files) {
+void turnWheel(QWidget& widget, QPoint at, int notches) {
+    for (int i = 0; i < notches; ++i) {
+        QWheelEvent wheel(at, widget.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&widget, &wheel);
+    }
+}
+
+/// Answers the next dialog of a kind, once it is there, as a user does who then accepts it.
+template<class Dialog, class Answer>
+void whenAsked(const Answer& answer) {
+    auto* timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, answer] {
+        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        timer->deleteLater();
+        timer->stop();
+        answer(*dialog);
+        static_cast<QDialog*>(dialog)->accept(); // which a file dialog hides
+    });
+    timer->start(10);
+}
+
+void drop(Window& window, const QStringList& files, Qt::KeyboardModifiers keys = {}) {
     QMimeData data;
     QList<QUrl> urls;
     for (const QString& file : files)
@@ -95,7 +142,7 @@ void drop(Window& window, const QStringList& files) {
     QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&window, &enter);
     QVERIFY(enter.isAccepted());
-    QDropEvent event(QPointF(9, 9), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent event(QPointF(9, 9), Qt::CopyAction, &data, Qt::LeftButton, keys);
     QApplication::sendEvent(&window, &event);
 }
 
@@ -146,6 +193,10 @@ void WindowTest::everyActionCanBeUsedAtAnyTime() {
     openTwo();
     useAll();
     QVERIFY(window_->viewer().isCamera()); // one of the actions was its start
+    auto idle = std::make_shared<ScriptedCamera>([](int, Frame&) {});
+    window_->viewer().connectCamera(idle, {channelOf(Qt::red)});
+    act(ActionId::saveImage).trigger(); // before there is a frame
+    QCOMPARE(message(), QStringLiteral("There is no image yet"));
     act(ActionId::closeAll).trigger();
     QVERIFY(!window_->viewer().hasSource());
     QVERIFY(!act(ActionId::saveImage).isEnabled());
@@ -167,11 +218,23 @@ void WindowTest::keysSwitchAndMoveChannels() {
     press(Qt::Key_Left); // the channel moves to the left, which are positive offsets
     press(Qt::Key_Up, Qt::ShiftModifier);
     QCOMPARE(model().channel(1).offset, cv::Point(1, 10));
-    QTRY_COMPARE(window_->viewer().rendered().screen.size(), cv::Size(63, 38));
+    QTRY_COMPARE(shownSize(window_->viewer()), cv::Size(63, 38));
     press(Qt::Key_Backspace, Qt::ControlModifier);
     QCOMPARE(model().channel(1).offset, cv::Point());
     press(Qt::Key_3, Qt::AltModifier);
     QVERIFY((model().channel(1).levels == ContrastLimits{0, 255})); // 12 bits of a channel of 8
+    press(Qt::Key_2);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY(model().channel(0).visible);
+    press(Qt::Key_Down, Qt::ControlModifier);
+    press(Qt::Key_Up, Qt::ControlModifier);
+    QCOMPARE(part<ChannelPanel>()->currentRow(), 0);
+    QVERIFY((model().planes() == std::vector<size_t>{1, 0}));
+    press(Qt::Key_Delete, Qt::ControlModifier);
+    QCOMPARE(model().size(), 1);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY((model().planes() == std::vector<size_t>{0, 1}));
     press(Qt::Key_C, Qt::ShiftModifier);
     QCOMPARE(window_->focusWidget()->accessibleName(), QStringLiteral("Black level"));
     press(Qt::Key_Z, Qt::ShiftModifier);
@@ -189,33 +252,61 @@ void WindowTest::fieldsKeepTheirKeys() {
     QCOMPARE(model().channel(0).levels->low, 120);
     QVERIFY(model().channel(0).visible); // 1 was a digit
     QTest::keyClick(black, Qt::Key_Up);
-    QCOMPARE(model().channel(0).levels->low, 121);
+    QCOMPARE(model().channel(0).levels->low, 130); // in steps that suit the number
     QVERIFY(model().channel(0).offset == cv::Point());
+    part<Canvas>()->setFocus();
+    turnWheel(*black, {3, 3}, 1); // scrolls a small window
+    QCOMPARE(model().channel(0).levels->low, 130);
 }
 
-void WindowTest::dyesAreFoundAsTheyAreTyped() {
+void WindowTest::dyesAreChosenAndTyped() {
     openTwo();
-    auto* field = part<DyeField>();
-    field->setFocus();
-    field->selectAll();
-    QTest::keyClicks(field, "oregon");
-    QCompleter* completer = field->completer();
-    QVERIFY(completer->completionCount() > 1);
-    QVERIFY(completer->currentCompletion().contains("Oregon Green"));
-    field->selectAll();
-    QTest::keyClicks(field, "cy5");
-    completer->popup()->hide();
-    QTest::keyClick(field, Qt::Key_Return);
-    QCOMPARE(model().channel(0).dye, std::string("Cy5"));
-    field->selectAll();
-    QTest::keyClicks(field, "nonsense");
-    completer->popup()->hide();
-    QTest::keyClick(field, Qt::Key_Return);
-    QCOMPARE(model().channel(0).dye, std::string("Cy5"));
+    auto* box = part<DyeBox>();
+    const auto dye = [this] { return toQt(model().channel(0).dye); };
+    const auto type = [&](const QString& text) {
+        window_->activateWindow(); // popups were active
+        static_cast<void>(QTest::qWaitForWindowActive(window_.get()));
+        box->setFocus();
+        box->lineEdit()->selectAll();
+        QTest::keyClicks(box->lineEdit(), text);
+    };
+    QAbstractItemView* popup = box->completer()->popup();
+    const auto choose = [&](const QString& name) {
+        for (int row = 0; row < popup->model()->rowCount(); ++row)
+            if (popup->model()->index(row, 0).data().toString() == name)
+                popup->setCurrentIndex(popup->model()->index(row, 0));
+    };
+    type("green 48"); // anywhere in the name
+    QTRY_VERIFY(popup->isVisible());
+    choose("Oregon Green 488");
+    QTest::keyClick(popup, Qt::Key_Return);
+    QCOMPARE(dye(), QStringLiteral("Oregon Green 488"));
+    type("cy");
+    QTRY_VERIFY(popup->isVisible());
+    choose("Cy5");
+    popup->scrollTo(popup->currentIndex());
+    QTest::mouseClick(popup->viewport(), Qt::LeftButton, {},
+                      popup->visualRect(popup->currentIndex()).center());
+    QCOMPARE(dye(), QStringLiteral("Cy5"));
+    box->showPopup(); // the list of all
+    const int row = box->findText("FITC");
+    QVERIFY(box->itemData(row, Qt::DecorationRole).value<QColor>().isValid());
+    box->view()->setCurrentIndex(box->model()->index(row, 0));
+    QTest::keyClick(box->view(), Qt::Key_Return);
+    QCOMPARE(dye(), QStringLiteral("FITC"));
+    type("af488"); // another name, and nothing that contains it
+    QTest::keyClick(box->lineEdit(), Qt::Key_Return);
+    QCOMPARE(dye(), QStringLiteral("Alexa 488"));
+    QCOMPARE(box->currentText(), dye());
+    type("nonsense");
+    QTest::keyClick(box->lineEdit(), Qt::Key_Tab);
+    QCOMPARE(dye(), QStringLiteral("Alexa 488"));
     QVERIFY(message().contains("nonsense"));
-    auto* slider = part<DyeSlider>();
-    slider->setValue(20);
-    QCOMPARE(model().channel(0).dye, slider->dye().name);
+    type("tritc");
+    QTRY_VERIFY(popup->isVisible());
+    QTest::keyClick(popup, Qt::Key_Tab);
+    QCOMPARE(dye(), QStringLiteral("TRITC"));
+    QVERIFY(message().isEmpty()); // the fault is mended
 }
 
 void WindowTest::handlesMoveLevels() {
@@ -250,11 +341,36 @@ void WindowTest::theTableShowsAndHidesChannels() {
     QVERIFY(!model().channel(0).visible && model().channel(1).visible);
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre(1, ChannelModel::colourColumn));
     QVERIFY(model().channel(0).visible && model().channel(1).visible);
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre(0, ChannelModel::dyeColumn));
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre(0, ChannelModel::limitsColumn));
     QVERIFY(model().channel(1).visible); // selected, and nothing else
     table->setCurrentIndex(model().index(1, ChannelModel::visibleColumn));
     QTest::keyClick(table, Qt::Key_Space);
     QVERIFY(model().channel(0).visible && !model().channel(1).visible);
+
+    const QPoint swatch = centre(1, ChannelModel::colourColumn);
+    whenAsked<QColorDialog>([](QColorDialog& dialog) { dialog.setCurrentColor("#123456"); });
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                            QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, swatch, table->viewport()->mapToGlobal(swatch), Qt::LeftButton,
+                          Qt::LeftButton, {});
+        QApplication::sendEvent(table->viewport(), &event);
+    }
+    QTRY_COMPARE(toQt(model().channel(1).colour), QColor("#123456"));
+    QVERIFY(model().channel(0).visible && !model().channel(1).visible); // as it was
+
+    window_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    act(ActionId::rename).trigger();
+    QTest::qWait(20);
+    auto* field = table->findChild<QLineEdit*>();
+    QVERIFY(field);
+    field->setText("Nuclei");
+    QTest::keyClick(field, Qt::Key_Return);
+    QTRY_COMPARE(model().channel(1).name, std::string("Nuclei"));
+    act(ActionId::continuous).setChecked(true);
+    model().setLevels(0, {1, 99}); // by hand
+    QCOMPARE(model().index(0, ChannelModel::limitsColumn).data().toString(),
+             QStringLiteral("1 – 99 fixed"));
 }
 
 void WindowTest::theImageFitsZoomsAndPans() {
@@ -267,17 +383,10 @@ void WindowTest::theImageFitsZoomsAndPans() {
     QCOMPARE(canvas.pixelAt(centre + QPointF(0.5, 0.5)), QPoint(32, 24));
     QCOMPARE(canvas.pixelAt({0, 0}), QPoint(-1, -1));
     const QPoint point = centre.toPoint() + QPoint(10, -5);
-    const auto turnWheel = [&](int notches) {
-        for (int i = 0; i < notches; ++i) {
-            QWheelEvent wheel(point, canvas.mapToGlobal(point), {}, {0, 120}, Qt::NoButton,
-                              Qt::NoModifier, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(&canvas, &wheel);
-        }
-    };
-    turnWheel(15); // until it is larger than the widget
+    turnWheel(canvas, point, 15); // until it is larger than the widget
     QVERIFY(canvas.scale() > 28);
     const QPoint pixel = canvas.pixelAt(point);
-    turnWheel(2);
+    turnWheel(canvas, point, 2);
     const QPoint left = canvas.pixelAt(point);
     QCOMPARE(left, pixel);
     QTest::mousePress(&canvas, Qt::LeftButton, {}, {100, 100});
@@ -287,7 +396,7 @@ void WindowTest::theImageFitsZoomsAndPans() {
     QTest::keyClick(&canvas, Qt::Key_0);
     QCOMPARE(canvas.scale(), fitted);
     const QSignalSpy hovered(&canvas, &Canvas::hovered);
-    moveMouse(canvas, centre.toPoint() + QPoint(5, 5), Qt::NoButton); // within a large pixel
+    moveMouse(canvas, centre.toPoint() + QPoint(2, 2), Qt::NoButton); // within a large pixel
     QCOMPARE(hovered[0][0].toPoint(), QPoint(32, 24));
 }
 
@@ -321,16 +430,25 @@ void WindowTest::oneToOneIsCrisp() {
     QCOMPARE(seen.copy({first, size}).convertToFormat(image.format()), image.copy({corner, size}));
 }
 
-void WindowTest::droppedFilesAreAddedOrRefused() {
+void WindowTest::droppedFilesReplaceOrAreAdded() {
     openTwo();
-    drop(*window_, {folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3))});
+    const QString file = folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3));
+    drop(*window_, {file}, Qt::ShiftModifier);
     QTRY_COMPARE(model().size(), 3);
     QCOMPARE(model().channel(0).dye, std::string("DAPI")); // what was there stays as it was
-    drop(*window_, {folder_->write("d.tif", noisePlane({65, 48}, CV_16UC1, 3))});
+    drop(*window_, {folder_->write("d.tif", noisePlane({65, 48}, CV_16UC1, 3))}, Qt::ShiftModifier);
     QTRY_VERIFY(message().contains("65 x 48"));
     QVERIFY(message().contains("64 x 48"));
     QCOMPARE(model().size(), 3);
     QVERIFY(!QApplication::activeModalWidget()); // a word in the window, never a box
+    model().remove(0);
+    drop(*window_, {file}, Qt::ShiftModifier); // beside what is left
+    QTRY_COMPARE(window_->viewer().title(), QStringLiteral("b.png, c.tif"));
+    QTRY_COMPARE(model().size(), 3);
+    QCOMPARE(model().channel(0).dye, std::string("FITC"));
+    drop(*window_, {file});
+    QTRY_COMPARE(window_->viewer().title(), QStringLiteral("c.tif"));
+    QCOMPARE(model().size(), 1);
 }
 
 void WindowTest::dropsInQuickSuccessionAreAllTaken() {
@@ -338,15 +456,14 @@ void WindowTest::dropsInQuickSuccessionAreAllTaken() {
         return folder_->write(name, noisePlane({width, 48}, CV_16UC1, width));
     };
     openTwo();
-    drop(*window_, {file("c.tif", 64)});
-    drop(*window_, {file("odd.tif", 65)}); // refused, and nothing else is
-    drop(*window_, {file("d.tif", 64)});
+    drop(*window_, {file("c.tif", 64)}, Qt::ShiftModifier);
+    drop(*window_, {file("odd.tif", 65)}, Qt::ShiftModifier); // refused, and nothing else is
+    drop(*window_, {file("d.tif", 64)}, Qt::ShiftModifier);
     QTRY_COMPARE(model().size(), 4);
     QVERIFY(waitForImage(window_->viewer()));
-    QVERIFY(message().contains("65 x 48"));
     QCOMPARE(window_->viewer().title(), QStringLiteral("a.tif, b.png, c.tif, d.tif"));
     window_->viewer().open({file("e.tif", 32)}); // what is added next belongs to this one
-    drop(*window_, {file("f.tif", 32)});
+    drop(*window_, {file("f.tif", 32)}, Qt::ShiftModifier);
     QTRY_COMPARE(window_->viewer().title(), QStringLiteral("e.tif, f.tif"));
 }
 
@@ -354,7 +471,7 @@ void WindowTest::whatIsAskedForLastIsShown() {
     openTwo();
     Viewer& viewer = window_->viewer();
     const QString file = folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3));
-    drop(*window_, {file}); // and closed before it is there
+    drop(*window_, {file}, Qt::ShiftModifier); // and closed before it is there
     viewer.close();
     QTRY_VERIFY(!viewer.isBusy());
     QVERIFY(!viewer.hasSource());
@@ -378,7 +495,7 @@ void WindowTest::offsetsAreWrittenInFields() {
     fields[1]->stepBy(3);
     QCOMPARE(model().channel(1).offset, cv::Point(-12, 3));
     QVERIFY(model().channel(0).offset == cv::Point());
-    QTRY_COMPARE(window_->viewer().rendered().screen.size(), cv::Size(52, 45));
+    QTRY_COMPARE(shownSize(window_->viewer()), cv::Size(52, 45));
     part<ChannelPanel>()->setCurrentRow(0);
     QCOMPARE(fields[0]->value(), 0);
     model().nudge(0, {-5, 0});
@@ -472,20 +589,171 @@ void WindowTest::choicesAreKeptBetweenRuns() {
     QCOMPARE(window_->width(), 1000);
 }
 
-void WindowTest::scaleBarsAreRound() {
+void WindowTest::scaleBarsAreRoundAndOfTheirSource() {
     QCOMPARE(roundLength(100), 20.0);
     QCOMPARE(roundLength(249), 20.0);
     QCOMPARE(roundLength(250), 50.0);
     QCOMPARE(roundLength(0.0499), 0.005);
+    Viewer& viewer = window_->viewer();
+    const auto bar = [&] { return viewer.options().annotation.scaleBar; };
     openTwo();
-    QTimer::singleShot(100, [] {
-        auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
-        dialog->setDoubleValue(0.5);
-        dialog->accept();
-    });
+    const auto answer = [](const QString& text) {
+        whenAsked<QInputDialog>([text](QInputDialog& dialog) {
+            QVERIFY(dialog.textValue().isEmpty());
+            dialog.setTextValue(text);
+        });
+    };
+    answer("no number");
     act(ActionId::scaleBar).trigger();
-    QCOMPARE(window_->viewer().options().annotation.scaleBar->micrometres, 5.0); // of 32
-    QCOMPARE(window_->viewer().options().annotation.scaleBar->pixelSize, 0.5);
+    QVERIFY(!act(ActionId::scaleBar).isChecked());
+    QVERIFY(message().contains("no number"));
+    answer("0.5");
+    act(ActionId::scaleBar).trigger();
+    QCOMPARE(bar()->micrometres, 5.0); // of 32
+    QCOMPARE(bar()->pixelSize, 0.5);
+    QVERIFY(statusTexts().contains("0.5 µm/pixel"));
+
+    viewer.open({folder_->writeHyperstack("cells.tif")}); // says it itself
+    QTRY_COMPARE(shownSize(viewer).width, 32);
+    QTRY_COMPARE(bar()->pixelSize, 0.25);
+    viewer.connectCamera(std::make_shared<ScriptedCamera>([](int, Frame&) {}), {Channel()});
+    QVERIFY(!viewer.pixelSize());
+    viewer.open({folder_->write("c.tif", noisePlane({64, 48}, CV_16UC1, 3))});
+    QTRY_COMPARE(shownSize(viewer).width, 64);
+    QVERIFY(!bar() && !act(ActionId::scaleBar).isChecked()); // asked for again
+    QVERIFY(statusTexts().contains("pixel size unknown"));
+}
+
+void WindowTest::messagesAreSeen() {
+    openTwo();
+    auto* line = part<StatusLine>();
+    moveMouse(*part<Canvas>(), part<Canvas>()->rect().center(), Qt::NoButton);
+    QTest::qWait(20);
+    const QImage before = line->grab().toImage();
+    line->showMessage("Saved something");
+    QVERIFY(!line->findChild<QLabel*>()->isVisible()); // which it would lie below
+    QTest::qWait(20);
+    QVERIFY(line->grab().toImage() != before);
+    line->clearMessage();
+    QVERIFY(line->findChild<QLabel*>()->isVisible());
+}
+
+/// A letter after Alt belongs to a menu, if to anything.
+void WindowTest::noButtonTakesAMenusLetter() {
+    QSet<QChar> letters;
+    for (const QAction* menu : window_->menuBar()->actions()) {
+        const QChar letter = menu->text().section('&', 1, 1).at(0).toUpper();
+        QVERIFY2(!letters.contains(letter), qPrintable(menu->text()));
+        letters << letter;
+    }
+    for (const auto* widget : window_->findChildren<QWidget*>())
+        QVERIFY2(!QString(widget->property("text").toString()).contains('&') ||
+                     qobject_cast<const QToolButton*>(widget),
+                 qPrintable(widget->property("text").toString()));
+    const QSize room = window_->screen()->availableSize();
+    QVERIFY(window_->width() <= room.width() && window_->height() <= room.height());
+}
+
+/// While the dialog is open, the camera goes on; what is saved is the frame that was there before.
+void WindowTest::aFrameIsSavedAsItWas() {
+    std::atomic<int> value{1000};
+    auto camera = std::make_shared<ScriptedCamera>([&](int, Frame& frame) {
+        frame.planes = flatPlanes(1, {16, 16}, value);
+    });
+    Viewer& viewer = window_->viewer();
+    viewer.connectCamera(camera, {channelOf(Qt::white, ContrastLimits{0, 65535})});
+    viewer.setRate(100);
+    viewer.start();
+    const auto shown = [&] { return viewer.intensitiesAt({{1, 1}}).front(); };
+    QTRY_COMPARE(shown(), std::vector<int>{1000});
+    const QString name = folder_->path("frame"); // without an extension
+    whenAsked<QFileDialog>([&](QFileDialog& dialog) {
+        value = 50000;
+        QVERIFY(QTest::qWaitFor([&] { return shown() == std::vector<int>{50000}; }));
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(name);
+    });
+    act(ActionId::saveImage).trigger();
+    QTRY_VERIFY(!folder_->read("frame.png").isEmpty());
+    const cv::Mat saved = cv::imread(folder_->path("frame.png").toStdString());
+    QCOMPARE(int(saved.at<cv::Vec3b>(1, 1)[0]), 4); // 1000 of 65535
+    viewer.close();
+}
+
+void WindowTest::panelsShareScaleAndPosition() {
+    openTwo();
+    Canvas& canvas = *part<Canvas>();
+    act(ActionId::panels).setChecked(true);
+    QTRY_COMPARE(int(window_->viewer().rendered().screens.size()), 3);
+    const auto middle = [&](int cell) {
+        const double share = (2 * cell + 1) / 6.0;
+        const bool isRow = canvas.width() > canvas.height();
+        return QPointF(canvas.width() * (isRow ? share : 0.5),
+                       canvas.height() * (isRow ? 0.5 : share));
+    };
+    QCOMPARE(canvas.pixelAt(middle(0)), canvas.pixelAt(middle(2)));
+    const QPoint fixed = middle(2).toPoint() + QPoint(20, 20);
+    turnWheel(canvas, fixed, 8); // until the image is larger than its cell
+    const QPoint pixel = canvas.pixelAt(fixed);
+    turnWheel(canvas, fixed, 2);
+    QCOMPARE(canvas.pixelAt(fixed), pixel);
+    QVERIFY(canvas.pixelAt({3, 3}).x() > 5);
+    const QImage seen = canvas.grab().toImage();
+    const QImage merged = window_->viewer().image();
+    QCOMPARE(seen.pixelColor(canvas.width() - 5, canvas.height() - 5),
+             merged.pixelColor(canvas.pixelAt({canvas.width() - 5.0, canvas.height() - 5.0})));
+    const QColor gray = seen.pixelColor(3, 3); // the first channel, in gray
+    QVERIFY(gray.red() == gray.green() && gray.red() == gray.blue());
+}
+
+void WindowTest::valuesAreCopiedAsATable() {
+    window_->viewer().open({folder_->writeHyperstack("cells.tif")});
+    QVERIFY(waitForImage(window_->viewer()));
+    Canvas& canvas = *part<Canvas>();
+    QSlider* slices = part<StackBar>()->findChild<QSlider*>();
+    slices->setValue(3);
+    QTRY_COMPARE(window_->viewer().rendered().position.slice, 3);
+    const auto at = [&](QPoint pixel) {
+        QPoint point = canvas.rect().center();
+        while (canvas.pixelAt(point).x() < pixel.x())
+            point.rx() += 1;
+        while (canvas.pixelAt(point).y() < pixel.y())
+            point.ry() += 1;
+        return point;
+    };
+    const auto copied = [&] {
+        act(ActionId::copyValues).trigger();
+        return QApplication::clipboard()->text();
+    };
+    canvas.actualSize();
+    canvas.zoom(8);
+    const QPoint corner = canvas.pixelAt(canvas.rect().center());
+    moveMouse(canvas, at(corner), Qt::NoButton);
+    QCOMPARE(
+        copied(),
+        QStringLiteral("x\ty\tDAPI\tMembrane\n%1\t%2\t131\t231\n").arg(corner.x()).arg(corner.y()));
+    act(ActionId::profile).setChecked(true);
+    QTest::mousePress(&canvas, Qt::LeftButton, {}, at(corner));
+    moveMouse(canvas, at(corner + QPoint(3, 1)), Qt::LeftButton);
+    QTest::mouseRelease(&canvas, Qt::LeftButton, {}, at(corner + QPoint(3, 1)));
+    const QStringList lines = copied().split('\n', Qt::SkipEmptyParts);
+    QCOMPARE(int(lines.size()), 5);
+    QCOMPARE(lines[4], QStringLiteral("%1\t%2\t131\t231").arg(corner.x() + 3).arg(corner.y() + 1));
+}
+
+/// Preferences outlive a program that is killed.
+void WindowTest::choicesAreKeptWithoutAClose() {
+    QTRY_VERIFY(QSettings().contains("geometry")); // of the start
+    act(ActionId::safeColours).setChecked(true);
+    QTRY_VERIFY(QSettings().value("safeColours").toBool());
+    openTwo();
+    window_ = std::make_unique<Window>();
+    QVERIFY(act(ActionId::safeColours).isChecked());
+    QVERIFY(window_->viewer().options().safeColours);
+    QMenu* recent = act(ActionId::recent).menu();
+    QCOMPARE(recent->actions().front()->text(), QStringLiteral("a.tif, b.png"));
+    recent->actions().front()->trigger();
+    QVERIFY(waitForImage(window_->viewer()));
+    QCOMPARE(model().size(), 2);
 }
 
 std::unique_ptr<QObject> makeSuite() { return std::make_unique<WindowTest>(); }

@@ -20,11 +20,9 @@ bool describeChannel(const ImageFile& file, int number, const DyeList& dyes, Cha
 /// @throws Error if it names channels that are not there.
 std::vector<InputFile> channelsOf(const ImageFile& file, const InputFile& input);
 
-/// An argument of `merge` as channels: `FILE=DYE` is one, `FILE` stands for all that it has, in
-/// the dyes and colours that it says.
-/// @throws UsageError if a file without `=DYE` does not say a colour; FileError if it cannot be
-/// read.
-std::vector<ChannelFile> channelFilesOf(const QString& argument, const DyeList& dyes);
+/// All channels that a file is left with, in the dyes and colours that it says.
+/// @throws UsageError if it does not say a colour; FileError if it cannot be read.
+std::vector<ChannelFile> channelFilesOf(const InputFile& named, const DyeList& dyes);
 
 /// Lets the channels of a data set name those of its files, each of which holds them all: by number
 /// or by the name in the metadata.

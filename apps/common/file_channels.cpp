@@ -1,6 +1,5 @@
-#include "apps/cli/file_channels.h"
+#include "apps/common/file_channels.h"
 
-#include "apps/cli/slice_files.h"
 #include "apps/common/error.h"
 #include "apps/common/text.h"
 
@@ -57,14 +56,7 @@ std::vector<InputFile> channelsOf(const ImageFile& file, const InputFile& input)
     return channels;
 }
 
-std::vector<ChannelFile> channelFilesOf(const QString& argument, const DyeList& dyes) {
-    if (isChannelText(argument)) { // the file is opened when its turn comes, so that a log has it
-        ChannelFile channel = parseChannelFile(argument, dyes);
-        findSliceFiles(channel);
-        return {channel};
-    }
-    InputFile named = parseFile(argument);
-    findSliceFiles(named);
+std::vector<ChannelFile> channelFilesOf(const InputFile& named, const DyeList& dyes) {
     const ImageFile file(named.sliceFiles.value(0, named.file));
     const std::vector<InputFile> inputs = channelsOf(file, named);
     std::vector<ChannelFile> channels;
