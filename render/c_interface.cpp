@@ -382,9 +382,12 @@ int lumetra_parse_level_policy(const char* text, lumetra_level_policy* policy, c
         require(text, "there is no text");
         auto known = current<lumetra_level_policy>(policy);
         const LevelPolicy parsed = parseLevelPolicy(text);
+        const auto limits = parsed.known();
+        require(limits || parsed.method != LevelPolicy::Method::fixed,
+                "contrast limits of 8- and 16-bit planes are whole numbers from 0 to 65535");
         known.method = static_cast<std::int32_t>(parsed.method);
-        known.low = parsed.limits.low;
-        known.high = parsed.limits.high;
+        known.low = limits ? limits->low : 0;
+        known.high = limits ? limits->high : 0;
         known.percent = parsed.percent;
         giveBack(known, policy);
     });

@@ -7,6 +7,8 @@
 #include <opencv2/core.hpp>
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 
 namespace lumetra {
 namespace {
@@ -23,13 +25,52 @@ void requireAlike(const std::vector<cv::Mat>& images, std::size_t channels) {
     }
 }
 
-void layOver(Blend blend, const cv::Mat& over, cv::Mat& under) {
+template<class Component>
+constexpr std::uint32_t largest = std::numeric_limits<Component>::max();
+
+template<class Component>
+struct Added {
+    std::uint32_t operator()(std::uint32_t a, std::uint32_t b) const {
+        return std::min(a + b, largest<Component>);
+    }
+};
+
+/// A product p of two components divided by the largest one, rounded, is (q + q / n) / n for
+/// n = largest + 1 and q = p + n / 2; all of it fits 32 bits.
+template<class Component>
+struct Screened {
+    std::uint32_t operator()(std::uint32_t a, std::uint32_t b) const {
+        constexpr int bits = std::numeric_limits<Component>::digits;
+        const std::uint32_t product =
+            (largest<Component> - a) * (largest<Component> - b) + (1U << (bits - 1));
+        return largest<Component> - ((product + (product >> bits)) >> bits);
+    }
+};
+
+struct Darkest {
+    std::uint32_t operator()(std::uint32_t a, std::uint32_t b) const { return std::min(a, b); }
+};
+
+template<class Component, class Blended>
+void layRowsOver(const cv::Mat& over, cv::Mat& under, const Blended& blended) {
     const auto components = static_cast<std::size_t>(under.cols) * 3;
     for (int y = 0; y < under.rows; ++y) {
-        if (under.depth() == CV_8U)
-            blendOver(blend, over.ptr(y), under.ptr(y), components);
-        else
-            blendOver(blend, over.ptr<std::uint16_t>(y), under.ptr<std::uint16_t>(y), components);
+        const auto* const from = over.ptr<Component>(y);
+        auto* const to = under.ptr<Component>(y);
+        for (std::size_t i = 0; i < components; ++i)
+            to[i] = static_cast<Component>(blended(to[i], from[i]));
+    }
+}
+
+template<class Component>
+void layOver(Blend blend, const cv::Mat& over, cv::Mat& under) {
+    switch (blend) {
+    case Blend::add:
+        return layRowsOver<Component>(over, under, Added<Component>());
+    case Blend::screen:
+        return layRowsOver<Component>(over, under, Screened<Component>());
+    case Blend::darkest:
+        return layRowsOver<Component>(over, under, Darkest());
     }
 }
 
@@ -57,7 +98,8 @@ void compositeImages(const std::vector<cv::Mat>& images, const std::vector<Chann
         return composite(parts, result);
     parts.front().copyTo(result);
     for (std::size_t i = 1; i < parts.size(); ++i)
-        layOver(blends[i], parts[i], result);
+        result.depth() == CV_8U ? layOver<std::uint8_t>(blends[i], parts[i], result)
+                                : layOver<std::uint16_t>(blends[i], parts[i], result);
 }
 
 } // namespace lumetra
