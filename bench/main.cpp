@@ -7,6 +7,7 @@ int main(int argc, char** argv) {
     registerLevels();
     registerColourise();
     registerComposite();
+    registerRender();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

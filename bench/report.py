@@ -20,7 +20,7 @@ def rows(document):
     for run in document["benchmarks"]:
         if run["run_type"] == "iteration":
             key = tuple(run["run_name"].rsplit("/", 2))
-            times[key].append(run["real_time"])
+            times[key].append(run["cpu_time"])
             counters[key] = run
     median = {key: statistics.median(values) for key, values in times.items()}
     operations = sorted({(op, int(side)) for op, way, side in median}, key=lambda k: (k[1], k[0]))

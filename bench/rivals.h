@@ -38,3 +38,4 @@ cv::Mat mostlyBlack(int type, int side);
 void registerLevels();
 void registerColourise();
 void registerComposite();
+void registerRender();

@@ -83,55 +83,63 @@ bool LinearRamp::isExact() const {
     return risen(static_cast<std::uint16_t>(span)) == 255;
 }
 
-bool IntensityLut::change(const Settings& to) {
-    if (settings_.bitDepth == to.bitDepth && settings_.limits == to.limits &&
-        settings_.gamma == to.gamma && settings_.isToSlots == to.isToSlots)
-        return false;
-    settings_ = to;
+bool IntensityLut::isSetTo(const Settings& settings) const {
+    return settings_.bitDepth == settings.bitDepth && settings_.limits == settings.limits &&
+           settings_.gamma == settings.gamma && settings_.isToSlots == settings.isToSlots;
+}
+
+/// Until it is set again: there may be no memory for that.
+void IntensityLut::unset() {
+    settings_ = {};
     ramp_.reset();
-    return true;
 }
 
 bool IntensityLut::set(int bitDepth, ContrastLimits limits, double gamma) {
-    if (!change({bitDepth, limits, gamma, false}))
+    const Settings settings{bitDepth, limits, gamma, false};
+    if (isSetTo(settings))
         return false;
+    unset();
     if (const LinearRamp ramp(limits); gamma == 1 && ramp.isExact())
         ramp_ = ramp;
     else
-        fillWithIntensities();
+        fillWithIntensities(settings);
+    settings_ = settings;
     return true;
 }
 
 bool IntensityLut::setToSlots(int bitDepth, ContrastLimits limits, double gamma) {
-    if (!change({bitDepth, limits, gamma, true}))
+    const Settings settings{bitDepth, limits, gamma, true};
+    if (isSetTo(settings))
         return false;
-    fillWithSlots();
+    unset();
+    fillWithSlots(settings);
     const LinearRamp ramp = LinearRamp::toSlots(limits);
     int differences = 0;
     for (std::size_t value = 0; value < entries_.size(); ++value)
         differences |= ramp(static_cast<std::uint16_t>(value)) ^ entries_[value];
     if (differences == 0 && bitDepth == 16) // 8 bits are looked up together with their colours
         ramp_ = ramp;
+    settings_ = settings;
     return true;
 }
 
-void IntensityLut::fillWithIntensities() {
-    entries_.resize(settings_.bitDepth == 8 ? 256 : 65536);
+void IntensityLut::fillWithIntensities(const Settings& settings) {
+    entries_.resize(settings.bitDepth == 8 ? 256 : 65536);
     for (std::size_t value = 0; value < entries_.size(); ++value)
-        entries_[value] = displayed(static_cast<int>(value), settings_.limits, settings_.gamma);
+        entries_[value] = displayed(static_cast<int>(value), settings.limits, settings.gamma);
 }
 
 /// Slots are spread over the range of the values that are there, so behind all values stand the
 /// ends of the range that is wanted. 16 bits, because all slots can be reached with them.
-void IntensityLut::fillWithSlots() {
-    entries_.resize(settings_.bitDepth == 8 ? 256 : 65536);
-    const std::size_t size = entries_.size();
+void IntensityLut::fillWithSlots(const Settings& settings) {
+    const std::size_t size = settings.bitDepth == 8 ? 256 : 65536;
+    entries_.resize(size);
     cv::Mat values(1, static_cast<int>(size) + 2, CV_16UC1);
     auto* const value = values.ptr<std::uint16_t>();
     for (std::size_t i = 0; i < size; ++i)
-        value[i] = throughGamma(static_cast<int>(i), settings_.limits, settings_.gamma);
-    value[size] = static_cast<std::uint16_t>(settings_.limits.low);
-    value[size + 1] = static_cast<std::uint16_t>(settings_.limits.high);
+        value[i] = throughGamma(static_cast<int>(i), settings.limits, settings.gamma);
+    value[size] = static_cast<std::uint16_t>(settings.limits.low);
+    value[size + 1] = static_cast<std::uint16_t>(settings.limits.high);
 
     LevelColours slots;
     std::iota(slots.begin(), slots.end(), PackedColour{0});

@@ -79,9 +79,10 @@ private:
         double gamma = 0;
         bool isToSlots = false;
     };
-    bool change(const Settings& settings);
-    void fillWithIntensities();
-    void fillWithSlots();
+    bool isSetTo(const Settings& settings) const;
+    void unset();
+    void fillWithIntensities(const Settings& settings);
+    void fillWithSlots(const Settings& settings);
 
     Settings settings_;
     std::optional<LinearRamp> ramp_;

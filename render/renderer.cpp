@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace lumetra {
 namespace {
@@ -75,17 +76,20 @@ void Renderer::setColours(const cv::Mat& plane, const Channel& channel, PixelFor
     IntensityLut& lut = tables.lut;
     const ContrastLimits limits = channel.levels ? *channel.levels : rangeOf(plane);
     const bool isNew = lut.setToSlots(bitDepthOf(plane), limits, channel.gamma);
-    if (!isNew && tables.format == format && tables.colormap == *channel.colormap)
+    if (!isNew && !tables.colours.empty() && tables.format == format &&
+        tables.colormap == *channel.colormap)
         return;
+    tables.colours.clear(); // until there is memory for all of them
     tables.format = format;
     tables.colormap = *channel.colormap;
     const auto ofSlots = packedColours(tables.colormap, format);
-    tables.colours.assign(ofSlots.begin(), ofSlots.end());
-    if (lut.ramp())
-        return;
-    tables.colours.resize(lut.entries().size());
-    std::transform(lut.entries().begin(), lut.entries().end(), tables.colours.begin(),
-                   [&](unsigned char slot) { return ofSlots[slot]; });
+    std::vector<std::uint32_t> colours(ofSlots.begin(), ofSlots.end());
+    if (!lut.ramp()) {
+        colours.resize(lut.entries().size());
+        std::transform(lut.entries().begin(), lut.entries().end(), colours.begin(),
+                       [&](unsigned char slot) { return ofSlots[slot]; });
+    }
+    tables.colours = std::move(colours);
 }
 
 RowChannel Renderer::rowChannel(const cv::Mat& plane, const Channel& channel, PixelFormat format,
