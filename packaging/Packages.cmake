@@ -80,7 +80,7 @@ if(LUMETRA_BUILD_APPS)
       "liblumetra-render0 (= ${PROJECT_VERSION}), fonts-dejavu-core")
 endif()
 
-if(LUMETRA_BUILD_PYTHON AND LUMETRA_QT_MAJOR EQUAL 5)
+if(LUMETRA_BUILD_PYTHON AND BUILD_SHARED_LIBS AND LUMETRA_QT_MAJOR EQUAL 5)
   list(APPEND CPACK_COMPONENTS_ALL python)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-lumetra)
   set(CPACK_DEBIAN_PYTHON_DESCRIPTION "${description}\nThis package contains the package lumetra for Python, on numpy.")
