@@ -31,9 +31,9 @@ ValueLimits inValues(ContrastLimits steps, const FiniteRange& range) {
 int bitDepthOf(const cv::Mat& plane) { return plane.depth() == CV_8U ? 8 : 16; }
 
 /// Refuses limits that would not fit the values.
-void requireFit(const QString& file, std::size_t number, const ChannelSpec& spec, int bits,
+void requireFit(const QString& file, std::size_t number, const ChannelSpec& wanted, int bits,
                 bool isConverted, const QString& settings) {
-    const auto& [channel, policy] = spec;
+    const auto& [channel, policy] = wanted;
     if (isConverted && policy.method == LevelPolicy::Method::none)
         throw Error(QStringLiteral("%1: has values that are neither 8- nor 16-bit unsigned: give "
                                    "contrast limits (--levels)")
@@ -77,22 +77,22 @@ void setLimits(Channel& channel, const LevelPolicy& settled, const ChannelValues
     channel.levels = allOf16Bits;
 }
 
-Channel channelWithLimits(ChannelFiles& files, std::size_t number, const ChannelSpec& spec,
+Channel channelWithLimits(ChannelFiles& files, std::size_t number, const ChannelSpec& wanted,
                           cv::Mat& plane, const QString& settings) {
     const QString& name = files.file(number).file();
     ChannelValues values{files.convertedRange(number)};
-    requireFit(name, number, spec, bitDepthOf(plane), values.range.has_value(), settings);
+    requireFit(name, number, wanted, bitDepthOf(plane), values.range.has_value(), settings);
     if (values.range && values.range->notFinite > 0)
         printError(QStringLiteral("%1: %2 that are infinite or not a number are shown as black")
                        .arg(name, plural(values.range->notFinite, QStringLiteral("pixel value"))));
-    for (int i = 0; spec.levels.isMeasured() && i < files.images(); ++i) {
+    for (int i = 0; wanted.levels.isMeasured() && i < files.images(); ++i) {
         throwIfInterrupted();
         values.histogram.add(files.images() == 1 ? plane : files.gray(number, i));
     }
-    const LevelPolicy settled = settledLevels(spec.levels, values);
-    Channel channel = spec.channel;
+    const LevelPolicy settled = settledLevels(wanted.levels, values);
+    Channel channel = wanted.channel;
     setLimits(channel, settled, values);
-    if (spec.levels.isMeasured())
+    if (wanted.levels.isMeasured())
         channel.levelsBits = values.histogram.bitDepth();
     if (values.range) {
         channel.levelsBits = 0;

@@ -34,7 +34,7 @@ void setLimits(Channel& channel, const LevelPolicy& settled, const ChannelValues
 /// @return The channel with its limits.
 /// @throws Error with the file's name if limits do not fit its values; as `ChannelFiles::gray`;
 ///         Interrupted.
-Channel channelWithLimits(ChannelFiles& files, std::size_t number, const ChannelSpec& spec,
+Channel channelWithLimits(ChannelFiles& files, std::size_t number, const ChannelSpec& wanted,
                           cv::Mat& plane, const QString& settings);
 
 /// The contrast limits of a channel as `--levels` understands them; empty if it has none.

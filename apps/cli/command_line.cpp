@@ -102,8 +102,9 @@ void addContrast(CLI::App& command, ContrastOptions& options, const std::string&
     section.addTexts(
         levels, "LIMITS", options.levels,
         "Contrast limits, the pixel values shown as black and as white: auto (the minimum and the "
-        "maximum), clip:PERCENT (saturate PERCENT % of the pixels at each end), LOW:HIGH, or none "
-        "(keep pixel values and bit depth). The default is clip:0.1" +
+        "maximum), clip:PERCENT (saturate PERCENT % of the pixels at each end), LOW:HIGH (with "
+        "decimals for floating-point images), or none (keep pixel values and bit depth). The "
+        "default is clip:0.1" +
             repetition);
     section.addNumber("--gamma", "NUMBER", options.gammas,
                       number(smallestGamma, largestGamma, "from 0.01 to 100"),
@@ -125,7 +126,8 @@ CLI::Option* addProject(const Section& section, PageSelection& pages) {
             "--project", store,
             "Project the z-slices of each file, or its pages, to one plane: max (the largest pixel "
             "value), mean, or sum (in 16 bits, clamped). With --all-pages, each time point. A page "
-            "that FILE[PAGE] names is taken as it is")
+            "that FILE[PAGE] names is taken as it is. z-slices in files of their own are named "
+            "with {z}, as cells_z{z}.tif")
         ->type_name("METHOD")
         ->check(require(isMethod, "max, mean or sum"))
         ->group(section.heading);
@@ -263,7 +265,8 @@ void addDataSet(CLI::App& command, DataSetOptions& options) {
     Section{command, "Channels"}.addTexts(
         "--channel", "NAME=DYE[+X+Y]", options.channels,
         "Name of a channel in the pattern, and its dye and offset as for 'lumetra merge'. Repeat "
-        "it for each channel");
+        "it for each channel. Not needed where each file holds its channels and names their dyes "
+        "or colours");
     Section{command, "Processing"}.addText(
         "--files-from", "FILE", options.filesFrom,
         "Read file names from FILE (newline- or NUL-separated; - is standard input) instead of "
@@ -298,10 +301,13 @@ void declare(CLI::App& command, DyesOptions& options) {
 
 void declare(CLI::App& command, MergeOptions& options) {
     Section{command}
-        .addTexts("FILE=DYE", "[+X+Y]...", options.files,
-                  "Gray image files of equal size, FILE or FILE[PAGE], each with its dye as for "
-                  "'lumetra dye'. FILE=DYE+X+Y moves it X pixels to the left and Y up (-X and -Y: "
-                  "to the right and down). With --settings, FILE alone is enough")
+        .addTexts(
+            "FILE=DYE", "[+X+Y]...", options.files,
+            "Gray image files of equal size, each with its dye as for 'lumetra dye'. FILE[PAGE] "
+            "is one page; FILE[c2,z3,t1] one channel, z-slice and time point, FILE[z3-7] a "
+            "range. FILE=DYE+X+Y moves it X pixels to the left and Y up (-X and -Y: to the "
+            "right and down). FILE alone is enough with --settings, or if the file names the "
+            "dyes or colours of its channels")
         ->required();
     addImageOutput(command, options.image.output);
     addLog(command, options.log,
@@ -340,9 +346,11 @@ void declare(CLI::App& command, PseudoOptions& options) {
     Section{command}.addText("FILE", "", options.file, "An image file, or FILE[PAGE]")->required();
     addImageOutput(command, options.image.output);
     const Section lut{command, "LUT"};
-    lut.addText("--lut,--table", "NAME|FILE", options.lut,
-                "LUT by name, or an ImageJ .lut file (default: " + options.lut.toStdString() +
-                    "). Names: " + lutNames().join(QStringLiteral(", ")).toStdString());
+    lut.addText(
+        "--lut,--table", "NAME|FILE", options.lut,
+        "LUT by name, an ImageJ .lut file, or own for the one in the image file (default: " +
+            options.lut.toStdString() +
+            "). Names: " + lutNames().join(QStringLiteral(", ")).toStdString());
     lut.addFlag("--reversed", options.reversed, "Reverse the LUT");
     addContrast(command, options.image.contrast, "", "--levels,--range");
     addPages(command, options.image.pages);
