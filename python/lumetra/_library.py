@@ -5,7 +5,7 @@ from __future__ import annotations
 import ctypes
 import os
 from functools import lru_cache
-from typing import Any, Callable, Optional, Tuple, Type, Union
+from typing import Any, Callable, Optional, Type, Union
 
 _NAME = "liblumetra-render.so.0"
 _VARIABLE = "LUMETRA_RENDER_LIBRARY"
@@ -16,8 +16,7 @@ BLENDS = {"add": 0, "screen": 1, "darkest": 2}
 PROJECTIONS = {"max": 0, "mean": 1, "sum": 2}
 CLIP, FIXED, KEEP_VALUES = 0, 1, 2
 
-_OK, _FAILED, _NO_MEMORY = 0, 1, 2
-_Fields = Tuple[Tuple[str, Any], ...]
+_OK, _NO_MEMORY = 0, 2
 
 
 class _Sized(ctypes.Structure):
@@ -29,27 +28,22 @@ class _Sized(ctypes.Structure):
         super().__init__(ctypes.sizeof(self), *members, **named)
 
 
+_ROWS = [
+    ("struct_size", ctypes.c_size_t),
+    ("pixels", ctypes.c_void_p),
+    ("row_step", ctypes.c_ssize_t),
+    ("width", ctypes.c_int32),
+    ("height", ctypes.c_int32),
+    ("bit_depth", ctypes.c_int32),
+]
+
+
 class Plane(_Sized):
-    _fields_ = [
-        ("struct_size", ctypes.c_size_t),
-        ("pixels", ctypes.c_void_p),
-        ("row_step", ctypes.c_ssize_t),
-        ("width", ctypes.c_int32),
-        ("height", ctypes.c_int32),
-        ("bit_depth", ctypes.c_int32),
-    ]
+    _fields_ = _ROWS
 
 
 class Image(_Sized):
-    _fields_ = [
-        ("struct_size", ctypes.c_size_t),
-        ("pixels", ctypes.c_void_p),
-        ("row_step", ctypes.c_ssize_t),
-        ("width", ctypes.c_int32),
-        ("height", ctypes.c_int32),
-        ("bit_depth", ctypes.c_int32),
-        ("format", ctypes.c_int32),
-    ]
+    _fields_ = [*_ROWS, ("format", ctypes.c_int32)]
 
 
 class Channel(_Sized):
