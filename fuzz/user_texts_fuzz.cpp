@@ -40,8 +40,8 @@ void checkSettings(FuzzedDataProvider& input) {
 }
 
 void checkPattern(FuzzedDataProvider& input) {
-    const Pattern pattern(textOf(input.ConsumeRandomLengthString(60)));
-    const QString name = textOf(input.ConsumeRandomLengthString(200));
+    const Pattern pattern(textOf(input.ConsumeRandomLengthString(30)));
+    const QString name = textOf(input.ConsumeRandomLengthString(60));
     Placeholders placeholders;
     static_cast<void>(pattern.whyNot({name}));
     if (!pattern.match(name, placeholders))
@@ -69,6 +69,11 @@ void checkLevels(FuzzedDataProvider& input) {
 }
 
 } // namespace
+
+// The JSON parser of Qt 5 leaks the first list where a key is given twice.
+extern "C" const char* __lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier)
+    return "leak:libQt5Core.so";
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzedDataProvider input(data, size);
