@@ -21,10 +21,6 @@ constexpr std::size_t headerBytes = 54, pixelsAt = 10, infoBytesAt = 14, widthAt
 constexpr std::uint32_t plain = 0, withMasks = 3;
 constexpr std::array<std::uint32_t, 3> usualMasks{0xFF0000, 0xFF00, 0xFF}; // red, green, blue
 
-struct PaletteColour {
-    std::uint8_t blue, green, red, unused;
-};
-
 /// Spreads rows of 1, 4 or 8 bits per pixel, the leftmost pixel in the highest bits.
 void unpack(const std::uint8_t* packed, int bits, std::uint8_t* indices, int count) {
     const int perByte = 8 / bits, mask = (1 << bits) - 1;
@@ -37,16 +33,20 @@ void unpack(const std::uint8_t* packed, int bits, std::uint8_t* indices, int cou
 } // namespace
 
 struct BmpReader::Header {
+    struct Colour {
+        std::uint8_t blue, green, red, unused;
+    };
+
     int bits = 0; ///< Of a pixel.
     std::int32_t width = 0;
     std::int64_t height = 0; ///< Negative from the top down.
     std::uint32_t pixelsAt = 0;
-    std::vector<PaletteColour> palette{}; ///< 256 of up to 8 bits, otherwise none.
+    std::vector<Colour> palette{}; ///< 256 of up to 8 bits, otherwise none.
 
     bool hasPalette() const { return !palette.empty(); }
     bool isGray() const {
         return hasPalette() &&
-               std::all_of(palette.begin(), palette.end(), [](const PaletteColour& colour) {
+               std::all_of(palette.begin(), palette.end(), [](const Colour& colour) {
                    return colour.blue == colour.green && colour.green == colour.red;
                });
     }
@@ -93,7 +93,7 @@ BmpReader::Header BmpReader::readHeader() {
         const std::uint32_t stated = number(coloursAt);
         const std::size_t colours = stated == 0 ? most : std::min<std::size_t>(stated, most);
         file().seek(static_cast<qint64>(infoBytesAt) + number(infoBytesAt));
-        readBytes(header.palette.data(), colours * sizeof(PaletteColour));
+        readBytes(header.palette.data(), colours * sizeof(Header::Colour));
     }
     return header;
 }
@@ -150,7 +150,7 @@ FileDescription BmpReader::describe() {
     const Header header = readHeader();
     FileDescription description = PageReader::describe();
     if (header.hasPalette() && !header.isGray())
-        for (const PaletteColour& colour : header.palette)
+        for (const Header::Colour& colour : header.palette)
             description.metadata.channels[0].lut.push_back(
                 static_cast<std::uint32_t>(colour.red << 16 | colour.green << 8 | colour.blue));
     return description;
