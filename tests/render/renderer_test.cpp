@@ -14,6 +14,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -83,8 +84,10 @@ cv::Mat plainRender(const std::vector<cv::Mat>& planes, const std::vector<Channe
 cv::Mat inFormat(PixelFormat format, const cv::Mat& bgr) {
     if (format == PixelFormat::bgr)
         return bgr;
-    cv::Mat image;
-    cv::cvtColor(bgr, image, format == PixelFormat::rgb ? cv::COLOR_BGR2RGB : cv::COLOR_BGR2BGRA);
+    const bool isRgb = format == PixelFormat::rgb;
+    cv::Mat image(bgr.size(), CV_MAKETYPE(bgr.depth(), isRgb ? 3 : 4), cv::Scalar::all(255));
+    const std::array<int, 6> order{0, isRgb ? 2 : 0, 1, 1, 2, isRgb ? 0 : 2};
+    cv::mixChannels(&bgr, 1, &image, 1, order.data(), 3); // which starts no threads
     return image;
 }
 
