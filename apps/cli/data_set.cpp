@@ -135,10 +135,10 @@ std::vector<Field> sortedIntoFields(const QStringList& files, const Pattern& pat
     for (auto& [texts, found] : fieldOfTexts) {
         Placeholders placeholders = found.field.placeholders;
         for (std::size_t number = 0; number < channels.size(); ++number) {
-            if (hasChannels)
+            if (isProjected && hasChannels)
                 placeholders[channelPlaceholder] = toQt(channels[number].name);
-            found.field.job.inputs.push_back(
-                inputOf(found.files[number], pattern.narrowed(placeholders)));
+            found.field.job.inputs.push_back(inputOf(
+                found.files[number], isProjected ? pattern.narrowed(placeholders) : QString()));
         }
         findProblem(found.field, channels, pattern);
         fields.push_back(std::move(found.field));
