@@ -15,43 +15,65 @@ namespace lumetra {
 namespace {
 
 constexpr auto style = R"(
-:root { color-scheme: dark; }
+:root { color-scheme: light dark; --paper: #fff; --panel: #f0f1f4; --ink: #1c2026; --pale: #5b6472;
+  --link: #0b5cad; --failed: #b3261e; }
+@media (prefers-color-scheme: dark) {
+  :root { --paper: #17181b; --panel: #1f2125; --ink: #dfe2e7; --pale: #a3a8b3; --link: #9cc4ff;
+    --failed: #ff8a7a; }
+}
 body { margin: 0; padding: 0 16px 32px; width: max-content; min-width: calc(100vw - 48px);
-  background: #17181b; color: #dfe2e7; font: 14px/1.45 system-ui, sans-serif; }
-header { position: sticky; left: 16px; width: calc(100vw - 48px); }
+  background: var(--paper); color: var(--ink); font: 14px/1.45 system-ui, sans-serif; }
+header { position: sticky; left: 16px; width: calc(100vw - 48px); overflow-wrap: anywhere; }
 h1 { font-size: 22px; margin: 18px 0 2px; }
 h2 { font-size: 16px; margin: 26px 0 6px; position: sticky; left: 16px; width: max-content; }
 p { margin: 4px 0; }
-a { color: #9cc4ff; }
+a { color: var(--link); }
 label { display: inline-flex; align-items: center; gap: 8px; margin: 6px 0; }
 .legend { list-style: none; display: flex; flex-wrap: wrap; gap: 4px 24px; padding: 0; margin: 8px 0; }
 .swatch { display: inline-block; width: 12px; height: 12px; margin-right: 7px; border-radius: 3px;
-  border: 1px solid #666a73; }
-.muted { color: #a3a8b3; }
-summary { cursor: pointer; color: #ffb4a6; }
+  border: 1px solid var(--pale); }
+.muted { color: var(--pale); }
+summary { cursor: pointer; color: var(--failed); }
 .list { display: flex; flex-wrap: wrap; gap: 10px; width: calc(100vw - 48px); }
 .tile { display: block; width: var(--tile); color: inherit; text-decoration: none; }
 .list .tile { content-visibility: auto; contain-intrinsic-size: auto var(--tile) auto calc(var(--tile) + 24px); }
-.frame { display: flex; width: var(--tile); height: var(--tile); overflow: hidden; background: #0c0d0e;
-  border-radius: 3px; }
+.frame { display: flex; width: 100%; aspect-ratio: 1; overflow: hidden; position: relative;
+  background: #0c0d0e; border-radius: 3px; }
 .frame img { width: 100%; height: 100%; object-fit: contain; }
-.name { display: block; font-size: 12px; overflow-wrap: anywhere; }
-.plate .name { display: none; }
-.failed .frame { box-shadow: inset 0 0 0 2px #ff6b57; position: relative; }
-.failed .mark { position: absolute; inset: auto 0 0 0; max-height: 100%; overflow: hidden; padding: 2px 5px;
-  background: #5c1b12e6; color: #ffe3de; font-size: 11px; line-height: 1.3; overflow-wrap: anywhere; }
-a.tile:hover .frame, .tile:target .frame { outline: 2px solid #9cc4ff; }
-a:focus-visible { outline: 3px solid #9cc4ff; outline-offset: 2px; }
+.name, .reason { display: block; font-size: 12px; overflow-wrap: anywhere; }
+.reason { color: var(--failed); }
+.plate .name, .plate .reason { display: none; }
+.failed .frame { box-shadow: inset 0 0 0 2px var(--failed); }
+.mark { position: absolute; inset: auto 0 0 0; background: #8c1d18; color: #fff; text-align: center;
+  font-size: min(12px, var(--tile) / 4); line-height: 1.5; }
+a.tile:hover .frame, .tile:target .frame, li:target { outline: 2px solid var(--link); }
+a:focus-visible { outline: 3px solid var(--link); outline-offset: 2px; }
 .row { display: flex; gap: 6px; margin-bottom: 6px; }
 .plate .row { content-visibility: auto; contain-intrinsic-size: auto 600px auto calc(var(--tile) * var(--down) + 2px); }
-.head { flex: none; position: sticky; left: 0; width: 28px; background: #17181b; z-index: 1;
+.head { flex: none; position: sticky; left: 0; width: 28px; background: var(--paper); z-index: 1;
   display: flex; align-items: center; justify-content: center; font-weight: 600; }
-.columns { position: sticky; top: 0; background: #17181b; z-index: 2; padding: 3px 0; }
+.columns { position: sticky; top: 0; background: var(--paper); z-index: 2; padding: 3px 0; }
 .columns span, .well { flex: none; width: calc(var(--tile) * var(--across) + 2px * var(--across) - 2px); }
 .columns span { text-align: center; font-weight: 600; }
 .well { display: flex; flex-wrap: wrap; gap: 2px; min-height: var(--tile); border-radius: 3px;
-  background: #1f2125; align-content: flex-start; }
+  background: var(--panel); align-content: flex-start; }
 footer { margin-top: 28px; position: sticky; left: 16px; width: max-content; }
+@media print {
+  :root { color-scheme: light; --paper: #fff; --panel: #fff; --ink: #000; --pale: #444; --link: #000;
+    --failed: #b3261e; }
+  header, h2, .head, .columns, footer { position: static; }
+  .tile, .plate .row { content-visibility: visible !important; }
+  .frame, .swatch { print-color-adjust: exact; -webkit-print-color-adjust: exact; }
+  body, header, .list { width: auto; min-width: 0; }
+  body { padding: 0; }
+  label { display: none; }
+  .row { gap: 2px; margin-bottom: 2px; break-inside: avoid; }
+  .head { width: 18px; }
+  .columns span, .well { flex: 1 1 0; width: 0; min-height: 0; gap: 0; }
+  .plate .tile { width: calc(100% / var(--across)); break-inside: avoid; }
+  .failed .frame { background: none; }
+  .plate .mark { display: none; }
+}
 )";
 
 QString number(std::size_t value) { return QString::number(value); }
@@ -65,27 +87,31 @@ QString link(const QString& beside, const QString& file) {
     return QString::fromLatin1(bytes.toPercentEncoding(QByteArrayLiteral("/")));
 }
 
+/// What a tile's name and, where it failed, the reason come to, for those who do not see the tile.
+QString spokenName(const Tile& tile) {
+    return htmlEscaped(tile.problem.isEmpty()
+                           ? tile.name
+                           : tile.name + QStringLiteral(": failed: ") + tile.problem);
+}
+
+/// A link to the image or, where there is none, to the reason in the list of what failed.
 QString tileHtml(const Tile& tile, std::size_t place, const QString& beside) {
+    const bool isFailed = !tile.problem.isEmpty();
     QString frame;
     if (!tile.thumbnail.isEmpty())
         frame = QStringLiteral("<img src=\"%1\" alt=\"\" loading=\"lazy\" decoding=\"async\">")
                     .arg(link(beside, tile.thumbnail));
-    if (!tile.problem.isEmpty())
-        frame +=
-            QStringLiteral("<span class=\"mark\">failed: %1</span>").arg(htmlEscaped(tile.problem));
-    const QString name = htmlEscaped(tile.name);
-    const QString inside =
-        QStringLiteral("<span class=\"frame\">%1</span><span class=\"name\">%2</span>")
-            .arg(frame, name);
-    const QString attributes =
-        QStringLiteral("class=\"tile%1\" id=\"t%2\" title=\"%3\"")
-            .arg(tile.problem.isEmpty() ? QString() : QStringLiteral(" failed"), number(place),
-                 tile.problem.isEmpty() ? name
-                                        : name + QStringLiteral(": ") + htmlEscaped(tile.problem));
-    if (tile.file.isEmpty())
-        return QStringLiteral("<span %1>%2</span>\n").arg(attributes, inside);
-    return QStringLiteral("<a %1 href=\"%2\" aria-label=\"%3\">%4</a>\n")
-        .arg(attributes, link(beside, tile.file), name, inside);
+    if (isFailed)
+        frame += QStringLiteral("<span class=\"mark\">failed</span>");
+    QString inside = QStringLiteral("<span class=\"frame\">%1</span><span class=\"name\">%2</span>")
+                         .arg(frame, htmlEscaped(tile.name));
+    if (isFailed)
+        inside += QStringLiteral("<span class=\"reason\">%1</span>").arg(htmlEscaped(tile.problem));
+    return QStringLiteral("<a class=\"tile%1\" id=\"t%2\" href=\"%3\" title=\"%4\" "
+                          "aria-label=\"%4\">%5</a>\n")
+        .arg(isFailed ? QStringLiteral(" failed") : QString(), number(place),
+             tile.file.isEmpty() ? QStringLiteral("#f") + number(place) : link(beside, tile.file),
+             spokenName(tile), inside);
 }
 
 /// The images of a plate, by row and column.
@@ -215,7 +241,7 @@ QString problemsHtml(const Gallery& gallery) {
         if (tile.problem.isEmpty())
             continue;
         ++problems;
-        items += QStringLiteral("<li><a href=\"#t%1\">%2</a>: %3</li>\n")
+        items += QStringLiteral("<li id=\"f%1\"><a href=\"#t%1\">%2</a>: %3</li>\n")
                      .arg(number(i), htmlEscaped(tile.name), htmlEscaped(tile.problem));
     }
     if (problems == 0)
@@ -237,11 +263,13 @@ QByteArray galleryPage(const Gallery& gallery, const QString& page) {
     const QString title = htmlEscaped(gallery.title);
     QString html = QStringLiteral("<!DOCTYPE html>\n<html lang=\"en\" style=\"--tile: %1px\">\n"
                                   "<head>\n<meta charset=\"utf-8\">\n<meta name=\"viewport\" "
-                                  "content=\"width=device-width\">\n<title>")
+                                  "content=\"width=device-width, initial-scale=1\">\n<title>")
                        .arg(size);
     html += title + QStringLiteral("</title>\n<style>") + QLatin1String(style) +
-            QStringLiteral("</style>\n</head>\n<body>\n<header>\n<h1>") + title +
-            QStringLiteral("</h1>\n<p>") + plural(tiles.size(), QStringLiteral("image")) +
+            QStringLiteral("</style>\n</head>\n<body onbeforeprint=\"for (const list of "
+                           "document.querySelectorAll('details')) list.open = true\">\n"
+                           "<header>\n<h1>") +
+            title + QStringLiteral("</h1>\n<p>") + plural(tiles.size(), QStringLiteral("image")) +
             QStringLiteral("</p>\n");
     html += legendHtml(gallery) + sizeHtml(size) + problemsHtml(gallery);
     html += QStringLiteral("</header>\n<main>\n") + mainHtml(layout, tiles);

@@ -33,6 +33,7 @@ images() { # usage: images NAME...    an image file under each of the names
   done <named
   [ "$(grep -c '^\./index_thumbnails/' named)" = 7 ]
   run ! grep -q '<b>&amp; ' index.html # a name is no markup
+  grep -q 'name="viewport" content="width=device-width, initial-scale=1"' index.html # phones
   lumetra info index_thumbnails/deep.tif.jpg | grep -q ' 8 bits'
   # From another folder, of the page and of the one who asks.
   mkdir -p pages
@@ -93,6 +94,10 @@ images() { # usage: images NAME...    an image file under each of the names
   grep -q '>f03</a>: channel &quot;actin&quot; is missing' index.html
   grep -q '>f05</a>: plate/f05_dapi.tif' index.html
   [ "$(grep -c 'class="tile failed"' index.html)" = 2 ]
+  # A failed tile leads to its reason, which the page has in full.
+  grep -qE 'href="#f[0-9]+" title="f05: failed: plate/f05_dapi.tif: [^"]*cut short" aria-label' index.html
+  place=$(grep -oE 'href="#f[0-9]+" title="f03' index.html | grep -oE 'f[0-9]+' | head -1)
+  grep -qE "<li id=\"$place\"><a [^>]*>f03</a>: .*there is no plate/f03_actin.tif</li>" index.html
   # The latest entry counts: mended and rendered again; and an image may have gone.
   cp plate/f04_dapi.tif plate/f05_dapi.tif
   run plate -o 'out/{field}.png' --log log --quiet --resume
