@@ -66,10 +66,10 @@ configure_file(cmake/lumetra-render.pc.in lumetra-render.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/lumetra-render.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT render-development)
 
-install(FILES CHANGELOG.md DESTINATION ${doc_dir} COMPONENT development)
+install(FILES CHANGELOG.md DESTINATION ${doc_dir} COMPONENT documentation)
 install(FILES LICENSE DESTINATION ${doc_dir} COMPONENT licence) # packages bring it in their own way
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html # there once the target docs has been built
-  DESTINATION ${doc_dir} COMPONENT development OPTIONAL)
+  DESTINATION ${doc_dir} COMPONENT documentation OPTIONAL)
 install(DIRECTORY examples DESTINATION ${doc_dir} COMPONENT examples)
 
 if(LUMETRA_BUILD_APPS)
@@ -79,16 +79,20 @@ if(LUMETRA_BUILD_APPS)
     set_target_properties(lumetra_command lumetra_viewer PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
   endif()
   install(TARGETS lumetra_command RUNTIME COMPONENT tools)
-  install(FILES packaging/tools/lumetra.1 # packages bring it, like the licence, in their own way
+  install(DIRECTORY packaging/manual/ # packages bring it, like the licence, in their own way
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT manual)
-  install(FILES packaging/tools/lumetra.bash RENAME lumetra
+  install(FILES packaging/lumetra.bash RENAME lumetra
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
+  install(DIRECTORY workflows DESTINATION ${doc_dir} COMPONENT tools
+    USE_SOURCE_PERMISSIONS PATTERN README.md EXCLUDE PATTERN __pycache__ EXCLUDE)
   install(TARGETS lumetra_viewer RUNTIME COMPONENT viewer)
   set(viewer_data apps/viewer/data)
   install(FILES ${viewer_data}/lumetra-viewer.desktop
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/applications COMPONENT viewer)
   install(FILES ${viewer_data}/lumetra-viewer.svg
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/icons/hicolor/scalable/apps COMPONENT viewer)
-  install(FILES ${viewer_data}/invalid.lumetra.Viewer.metainfo.xml
+  configure_file(${viewer_data}/invalid.lumetra.Viewer.metainfo.xml.in
+    ${PROJECT_BINARY_DIR}/invalid.lumetra.Viewer.metainfo.xml @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/invalid.lumetra.Viewer.metainfo.xml
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/metainfo COMPONENT viewer)
 endif()
