@@ -64,7 +64,7 @@ def plot(table, path):
     left, scale, step = 330, 160, 46
     height = 70 + step * len(table)
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="900" height="{height}" '
-             'font-family="sans-serif" font-size="13"><rect width="100%" height="100%" '
+             f'viewBox="0 0 900 {height}" font-family="sans-serif" font-size="13"><rect width="100%" height="100%" '
              'fill="white"/>',
              f'<text x="{left}" y="22">time at 2048 × 2048, relative to '
              '(shorter is better)</text>',

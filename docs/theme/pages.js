@@ -4,7 +4,6 @@
 const here = location.pathname.split("/").pop() || "index.html";
 for (const link of document.querySelectorAll("nav a"))
   if (link.pathname.endsWith("/" + here)) link.setAttribute("aria-current", "page");
-document.querySelector("[aria-current]")?.scrollIntoView({ block: "nearest", inline: "center" });
 
 const heading = [...document.querySelectorAll("th")].find(cell => cell.textContent.trim() === "Dye");
 if (heading) makeUsable(heading.closest("table"));
