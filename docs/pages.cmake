@@ -19,3 +19,12 @@ foreach(file IN LISTS files)
     file(REMOVE ${file})
   endif()
 endforeach()
+
+# Code style in the text of a link would be shown as a tag.
+file(GLOB pages html/*.html)
+foreach(page IN LISTS pages)
+  file(STRINGS ${page} tags REGEX "&lt;code&gt;")
+  if(tags)
+    message(FATAL_ERROR "docs: ${page} has code style in a link: ${tags}")
+  endif()
+endforeach()
