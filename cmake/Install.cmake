@@ -91,6 +91,7 @@ if(LUMETRA_BUILD_APPS)
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/applications COMPONENT viewer)
   install(FILES ${viewer_data}/lumetra-viewer.svg
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/icons/hicolor/scalable/apps COMPONENT viewer)
+  set(homepage https://lumetra.invalid) # who publishes it enters the address
   configure_file(${viewer_data}/invalid.lumetra.Viewer.metainfo.xml.in
     ${PROJECT_BINARY_DIR}/invalid.lumetra.Viewer.metainfo.xml @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/invalid.lumetra.Viewer.metainfo.xml
