@@ -79,9 +79,10 @@ if(LUMETRA_BUILD_APPS)
     set_target_properties(lumetra_command lumetra_viewer PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
   endif()
   install(TARGETS lumetra_command RUNTIME COMPONENT tools)
-  install(DIRECTORY packaging/manual/ # packages bring it, like the licence, in their own way
+  # Packages bring these, like the licence, in their own way.
+  install(FILES packaging/tools/lumetra.1 packaging/tools/lumetra-viewer.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT manual)
-  install(FILES packaging/lumetra.bash RENAME lumetra
+  install(FILES packaging/tools/lumetra.bash RENAME lumetra
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
   install(DIRECTORY workflows DESTINATION ${doc_dir} COMPONENT tools
     USE_SOURCE_PERMISSIONS PATTERN README.md EXCLUDE PATTERN __pycache__ EXCLUDE)
@@ -91,9 +92,6 @@ if(LUMETRA_BUILD_APPS)
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/applications COMPONENT viewer)
   install(FILES ${viewer_data}/lumetra-viewer.svg
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/icons/hicolor/scalable/apps COMPONENT viewer)
-  set(homepage https://lumetra.invalid) # who publishes it enters the address
-  configure_file(${viewer_data}/invalid.lumetra.Viewer.metainfo.xml.in
-    ${PROJECT_BINARY_DIR}/invalid.lumetra.Viewer.metainfo.xml @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/invalid.lumetra.Viewer.metainfo.xml
+  install(FILES ${viewer_data}/invalid.lumetra.Viewer.metainfo.xml
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/metainfo COMPONENT viewer)
 endif()

@@ -107,7 +107,7 @@ if(LUMETRA_BUILD_PYTHON AND BUILD_SHARED_LIBS AND LUMETRA_QT_MAJOR EQUAL 5)
 endif()
 
 # Every package contains the licence and the changes, where and as Debian expects them.
-foreach(file IN ITEMS changelog manual/lumetra.1 manual/lumetra-viewer.1)
+foreach(file IN ITEMS changelog tools/lumetra.1 tools/lumetra-viewer.1)
   get_filename_component(name ${file} NAME)
   execute_process(COMMAND gzip --best --no-name --stdout ${CMAKE_CURRENT_LIST_DIR}/${file}
                   OUTPUT_FILE ${PROJECT_BINARY_DIR}/${name}.gz)
