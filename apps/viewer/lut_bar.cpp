@@ -33,6 +33,10 @@ void LutBar::setRange(ContrastLimits range, double gamma) {
     update();
 }
 
+double LutBar::valueAt(double share) const {
+    return range_.low + (range_.high - range_.low) * std::pow(share, 1 / gamma_);
+}
+
 void LutBar::paintEvent(QPaintEvent* /*event*/) {
     constexpr int marks = 5;
     QPainter painter(this);
@@ -41,11 +45,10 @@ void LutBar::paintEvent(QPaintEvent* /*event*/) {
     painter.drawImage(bar, lutPreview(colours_, {256, 1}).transformed(QTransform().rotate(-90)));
     for (int i = 0; i < marks; ++i) {
         const double share = double(i) / (marks - 1);
-        const double value = range_.low + (range_.high - range_.low) * std::pow(share, 1 / gamma_);
         const int y = bar.bottom() - static_cast<int>(std::lround(share * bar.height()));
         painter.drawLine(bar.right() + 1, y, bar.right() + 5, y);
         painter.drawText(QRect(bar.right() + margin, y - letter / 2, width(), letter),
-                         Qt::AlignVCenter, QString::number(std::lround(value)));
+                         Qt::AlignVCenter, QString::number(std::lround(valueAt(share))));
     }
 }
 

@@ -17,6 +17,9 @@ public:
     void setLut(const Colormap& colours);
     void setRange(ContrastLimits range, double gamma);
 
+    /// The pixel value that has the colour at a share of the bar's height, 0 to 1.
+    double valueAt(double share) const;
+
     QSize sizeHint() const override;
 
 protected:
