@@ -357,10 +357,9 @@ void ChannelModel::setOffset(int row, cv::Point offset) {
 void ChannelModel::copyLevelsToAll(int row) {
     if (!has(row))
         return;
-    const Channel from = channel(row);
-    editAll([&](ChannelRow& r) {
-        fixLevels(r, from.levels.value_or(ContrastLimits{}));
-        r.channel.gamma = from.gamma;
+    editAll([limits = levels(row), gamma = channel(row).gamma, this](ChannelRow& r) {
+        fixLevels(r, limits);
+        r.channel.gamma = gamma;
     });
 }
 

@@ -287,8 +287,7 @@ void ChannelPanel::showCurrent() {
     if (row < 0)
         return;
     const Channel& channel = model_.channel(row);
-    const ChannelStatistics& statistics = model_.statistics(row);
-    const ContrastLimits levels = channel.levels.value_or(ContrastLimits{});
+    const ContrastLimits levels = model_.levels(row);
     const QSignalBlocker blockers[] = {QSignalBlocker(left_),    QSignalBlocker(up_),
                                        QSignalBlocker(black_),   QSignalBlocker(white_),
                                        QSignalBlocker(gammaOn_), QSignalBlocker(gamma_)};
@@ -301,10 +300,8 @@ void ChannelPanel::showCurrent() {
     gamma_->setEnabled(channel.gamma != 1);
     if (!gamma_->hasFocus())
         gamma_->setValue(channel.gamma);
-    levels_->setColour(toQt(channel.colour));
-    levels_->setLevels(levels, channel.gamma);
-    levels_->setStatistics(statistics);
-    note_->setText(noteOn(statistics));
+    levels_->setChannel(channel, levels, model_.statistics(row));
+    note_->setText(noteOn(model_.statistics(row)));
 }
 
 } // namespace lumetra

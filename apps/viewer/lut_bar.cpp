@@ -22,12 +22,8 @@ QSize LutBar::sizeHint() const {
     return {4 * margin + barWidth + fontMetrics().horizontalAdvance(QStringLiteral("65535")), 200};
 }
 
-void LutBar::setLut(const Colormap& colours) {
+void LutBar::setLut(const Colormap& colours, ContrastLimits range, double gamma) {
     colours_ = colours;
-    update();
-}
-
-void LutBar::setRange(ContrastLimits range, double gamma) {
     range_ = range;
     gamma_ = gamma;
     update();

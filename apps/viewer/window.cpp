@@ -546,10 +546,9 @@ void Window::showProfile(QLine line) {
 
 void Window::showChannels() {
     const int row = panel_->currentRow();
-    if (viewer_.options().lut && row >= 0) {
-        const Channel& channel = viewer_.model().channel(row);
-        lutBar_->setRange(channel.levels.value_or(ContrastLimits{}), channel.gamma);
-    }
+    const ChannelModel& model = viewer_.model();
+    if (viewer_.options().lut && row >= 0)
+        lutBar_->setLut(viewer_.lut(), model.levels(row), model.channel(row).gamma);
 }
 
 std::optional<ScaleBar> Window::scaleBar() const {
@@ -576,7 +575,6 @@ void Window::updateOptions() {
     options.showsDataRange = act[ActionId::dataRange].isChecked();
     viewer_.setOptions(options);
     lutBar_->setVisible(options.lut.has_value() && viewer_.hasSource());
-    lutBar_->setLut(viewer_.lut());
     showChannels();
     saving_.start();
 }

@@ -36,6 +36,7 @@
 #include <QTableView>
 #include <QTimer>
 #include <QToolButton>
+#include <QTranslator>
 
 namespace lumetra {
 
@@ -67,6 +68,7 @@ private slots:
     void choicesAreKeptWithoutAClose();
     void scaleBarsAreRoundAndOfTheirSource();
     void messagesAreSeen();
+    void messagesSpeakTheUsersLanguage();
     void noButtonTakesAMenusLetter();
     void aFrameIsSavedAsItWas();
     void panelsShareScaleAndPosition();
@@ -665,6 +667,28 @@ void WindowTest::messagesAreSeen() {
     QTRY_VERIFY(line->grab().toImage() != before);
     line->clearMessage();
     QVERIFY(line->findChild<QLabel*>()->isVisible());
+}
+
+void WindowTest::messagesSpeakTheUsersLanguage() {
+    QTranslator german;
+    if (!german.load(qEnvironmentVariable("LUMETRA_GERMAN")))
+        QSKIP("built without translations");
+    QCoreApplication::installTranslator(&german);
+    const cv::Mat colour(9, 9, CV_8UC3, cv::Scalar(1, 2, 3)), real(9, 9, CV_32FC1, cv::Scalar(0.5));
+    const std::pair<QString, const char*> files[] = {
+        {folder_->path("none: at all.tif"), "none: at all.tif: die Datei gibt es nicht"},
+        {folder_->path("."), "ist keine Datei"},
+        {folder_->writeBytes("empty.tif", ""), "ist leer"},
+        {folder_->writeBytes("text.tif", "text"), "ist keine TIFF-"},
+        {folder_->write("colour.png", colour), "hat Farben"},
+        {folder_->write("real.tif", real), "'lumetra merge'"}};
+    for (const auto& [file, expected] : files) {
+        part<MessageBar>()->hide();
+        window_->viewer().open({file});
+        QTRY_VERIFY(!message().isEmpty());
+        QVERIFY2(message().contains(expected), qPrintable(message()));
+    }
+    QCoreApplication::removeTranslator(&german);
 }
 
 /// A letter after Alt belongs to a menu, if to anything.
