@@ -2,7 +2,6 @@
 
 #include "apps/common/error.h"
 #include "apps/viewer/canvas.h"
-#include "apps/viewer/channel_actions.h"
 #include "apps/viewer/channel_panel.h"
 #include "apps/viewer/custom_dyes_dialog.h"
 #include "apps/viewer/level_editor.h"
@@ -108,7 +107,6 @@ Window::Window() {
     connectFileActions();
     connectFrameActions();
     connectViewActions();
-    connectChannelActions(*actions_, viewer_.model(), *panel_);
     restoreState();
     restoreCustomDyes();
     showSource();
@@ -148,7 +146,8 @@ void Window::makeDocks() {
     scroll->setWidget(panel_);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setMinimumWidth(panel_->minimumSizeHint().width());
+    scroll->setMinimumWidth(panel_->minimumSizeHint().width() +
+                            style()->pixelMetric(QStyle::PM_ScrollBarExtent));
     addDock(tr("Channels"), QStringLiteral("channels"), scroll, Qt::RightDockWidgetArea,
             ActionId::channelPanel);
     profile_ = new ProfileView(this);
