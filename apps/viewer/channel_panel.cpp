@@ -102,6 +102,7 @@ QWidget* ChannelPanel::makeTable(const Actions& actions) {
     QHeaderView* header = table_->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setSectionResizeMode(ChannelModel::nameColumn, QHeaderView::Stretch);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setHighlightSections(false);
     table_->setContextMenuPolicy(Qt::ActionsContextMenu);
     for (const ActionId id : {ActionId::solo, ActionId::showAll, ActionId::rename, ActionId::moveUp,
