@@ -84,7 +84,12 @@ void PicturesTest::showTheWindow() {
         return coloursIn(window.grab().toImage().copy(part));
     };
     QTRY_VERIFY_WITH_TIMEOUT(coloursOnCanvas() > 40, 20000); // once it is painted
-    const QPixmap screenshot = window.grab();
+    QImage screenshot;
+    const auto isSettled = [&] {
+        const QImage before = std::exchange(screenshot, window.grab().toImage());
+        return before == screenshot;
+    };
+    QTRY_VERIFY(isSettled());
     const QString folder = qEnvironmentVariable("LUMETRA_PICTURES");
     if (!folder.isEmpty())
         QVERIFY(screenshot.save(folder + QLatin1Char('/') + QTest::currentDataTag()));

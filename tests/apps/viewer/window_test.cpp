@@ -568,8 +568,10 @@ void WindowTest::aStalledCameraIsReported() {
     window_->viewer().connectCamera(camera, {channelOf(Qt::red)});
     window_->viewer().start();
     QTRY_VERIFY_WITH_TIMEOUT(message().contains("No frame"), 6000);
+    QCOMPARE(statusTexts().filter("frames/s").size(), 1);
     window_->viewer().stop();
     QVERIFY(message().isEmpty());
+    QVERIFY(statusTexts().filter("frames/s").isEmpty());
 }
 
 void WindowTest::closesWhileFramesCome() {
