@@ -29,6 +29,8 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSet>
 #include <QSettings>
 #include <QSlider>
@@ -70,6 +72,7 @@ private slots:
     void messagesAreSeen();
     void messagesSpeakTheUsersLanguage();
     void noButtonTakesAMenusLetter();
+    void smallScreensCutNothing();
     void aFrameIsSavedAsItWas();
     void panelsShareScaleAndPosition();
     void valuesAreCopiedAsATable();
@@ -707,6 +710,26 @@ void WindowTest::noButtonTakesAMenusLetter() {
                  qPrintable(widget->property("text").toString()));
     const QSize room = window_->screen()->availableSize();
     QVERIFY(window_->width() <= room.width() && window_->height() <= room.height());
+}
+
+void WindowTest::smallScreensCutNothing() {
+    openTwo();
+    window_->resize(800, 600);
+    act(ActionId::profile).setChecked(true); // which leaves the panel so little that it scrolls
+    model().nudge(0, {-12, 34});
+    model().setLevels(1, {100, 250});
+    const auto* scroll = part<QScrollArea>();
+    QTRY_VERIFY(scroll->verticalScrollBar()->maximum() > 0);
+    QCOMPARE(scroll->horizontalScrollBar()->maximum(), 0);
+    const auto* table = part<QTableView>();
+    QCOMPARE(table->horizontalScrollBar()->maximum(), 0);
+    for (const QAction* action : window_->menuBar()->actions()) {
+        QMenu* menu = action->menu();
+        menu->popup({0, 0});
+        const auto left = [&](QAction* entry) { return menu->actionGeometry(entry).left(); };
+        QCOMPARE(left(menu->actions().back()), left(menu->actions().front())); // in one column
+        menu->hide();
+    }
 }
 
 /// While the dialog is open, the camera goes on; what is saved is the frame that was there before.
