@@ -133,7 +133,9 @@ QMenu& menuCalled(QMainWindow& window, const QString& title) {
     for (QAction* action : window.menuBar()->actions())
         if (action->text() == title)
             return *action->menu();
-    return *window.menuBar()->addMenu(title);
+    QMenu& menu = *window.menuBar()->addMenu(title);
+    menu.setStyleSheet(QStringLiteral("QMenu { menu-scrollable: 1 }")); // on small screens
+    return menu;
 }
 
 } // namespace

@@ -31,16 +31,12 @@ QString commonStart(const QStringList& names) {
     return start;
 }
 
-QString reversedText(QString text) {
-    std::reverse(text.begin(), text.end());
-    return text;
-}
-
 QString commonEnd(const QStringList& names) {
-    QStringList reversedNames;
+    QString end = names.front();
     for (const QString& name : names)
-        reversedNames << reversedText(name);
-    return reversedText(commonStart(reversedNames));
+        while (!name.endsWith(end))
+            end.remove(0, 1);
+    return end;
 }
 
 struct Names {

@@ -115,9 +115,10 @@ QVariant ChannelModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant ChannelModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
-        section >= columns)
-        return QAbstractTableModel::headerData(section, orientation, role);
+    const bool isShown = role == Qt::DisplayRole && section >= nameColumn; // boxes are narrow
+    const bool isTold = role == Qt::ToolTipRole || role == Qt::AccessibleTextRole;
+    if (orientation != Qt::Horizontal || section < 0 || section >= columns || !(isShown || isTold))
+        return {};
     const QString titles[] = {tr("Visible"), tr("Colour"), tr("Channel"), tr("Limits"),
                               tr("Offset")};
     return titles[section];
@@ -357,10 +358,9 @@ void ChannelModel::setOffset(int row, cv::Point offset) {
 void ChannelModel::copyLevelsToAll(int row) {
     if (!has(row))
         return;
-    const Channel from = channel(row);
-    editAll([&](ChannelRow& r) {
-        fixLevels(r, from.levels.value_or(ContrastLimits{}));
-        r.channel.gamma = from.gamma;
+    editAll([limits = levels(row), gamma = channel(row).gamma, this](ChannelRow& r) {
+        fixLevels(r, limits);
+        r.channel.gamma = gamma;
     });
 }
 

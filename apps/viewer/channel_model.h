@@ -53,6 +53,7 @@ public:
     std::vector<Channel> channels() const;
     const std::vector<ChannelRow>& rows() const { return rows_; }
     const Channel& channel(int row) const { return rows_.at(static_cast<size_t>(row)).channel; }
+    ContrastLimits levels(int row) const { return channel(row).levels.value_or(ContrastLimits{}); }
     const ChannelStatistics& statistics(int row) const {
         return statistics_.at(rows_.at(static_cast<size_t>(row)).plane);
     }
@@ -99,7 +100,6 @@ public:
 
     /// Measures the levels of all channels in every image, but for those that are set by hand.
     void setContinuousLevels(bool on);
-    bool hasContinuousLevels() const { return isContinuous_; }
 
     /// Each channel as settings say, in their order; channels beyond them stay.
     void applySettings(const std::vector<Channel>& settings);
@@ -116,7 +116,6 @@ private:
     class EditCommand;
 
     bool has(int row) const { return row >= 0 && row < size(); }
-    ContrastLimits levels(int row) const { return channel(row).levels.value_or(ContrastLimits{}); }
     QString limitsText(int row) const;
     template<class Edit>
     void edit(const Edit& edit);

@@ -22,6 +22,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace lumetra {
@@ -66,6 +67,7 @@ ChannelPanel::ChannelPanel(ChannelModel& model, const Actions& actions, QWidget*
     layout->addWidget(details_, 1);
     connectEditors();
     connectTable();
+    connectActions(actions);
     showChannels();
     const QList<QWidget*> fields{dyeBox_, left_, up_, black_, white_, gamma_, percent_};
     for (QWidget* field : fields) {
@@ -100,6 +102,7 @@ QWidget* ChannelPanel::makeTable(const Actions& actions) {
     QHeaderView* header = table_->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setSectionResizeMode(ChannelModel::nameColumn, QHeaderView::Stretch);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setHighlightSections(false);
     table_->setContextMenuPolicy(Qt::ActionsContextMenu);
     for (const ActionId id : {ActionId::solo, ActionId::showAll, ActionId::rename, ActionId::moveUp,
@@ -242,6 +245,68 @@ void ChannelPanel::connectTable() {
     });
 }
 
+/// What the actions of the menus Channels and Contrast do, some of them with the selected channel.
+void ChannelPanel::connectActions(const Actions& actions) {
+    using Id = ActionId;
+    const auto onAll = [&](Id id, auto change) {
+        connect(&actions[id], &QAction::triggered, this,
+                [this, change] { std::invoke(change, model_); });
+    };
+    const auto onSelected = [&](Id id, auto change) {
+        connect(&actions[id], &QAction::triggered, this,
+                [this, change] { std::invoke(change, model_, currentRow()); });
+    };
+    for (int row = 0; row < 9; ++row)
+        onAll(Id::show1 + row, [row](ChannelModel& m) {
+            if (row < m.size())
+                m.setVisible(row, !m.channel(row).visible);
+        });
+    onSelected(Id::solo, &ChannelModel::solo);
+    onAll(Id::showAll, &ChannelModel::showAll);
+    onSelected(Id::moveUp, [this](ChannelModel& m, int row) {
+        m.move(row, -1);
+        setCurrentRow(std::max(row - 1, 0));
+    });
+    onSelected(Id::moveDown, [this](ChannelModel& m, int row) {
+        m.move(row, 1);
+        setCurrentRow(std::min(row + 1, m.size() - 1));
+    });
+    onSelected(Id::remove, &ChannelModel::remove);
+    connect(&actions[Id::rename], &QAction::triggered, this, &ChannelPanel::renameCurrent);
+    constexpr int far = 10;
+    const std::pair<Id, QPoint> shifts[] = {{Id::left, {-1, 0}},      {Id::right, {1, 0}},
+                                            {Id::up, {0, -1}},        {Id::down, {0, 1}},
+                                            {Id::farLeft, {-far, 0}}, {Id::farRight, {far, 0}},
+                                            {Id::farUp, {0, -far}},   {Id::farDown, {0, far}}};
+    for (const auto& shift : shifts)
+        onSelected(shift.first,
+                   [by = shift.second](ChannelModel& m, int row) { m.nudge(row, by); });
+    onAll(Id::resetOffsets, &ChannelModel::resetOffsets);
+
+    onSelected(Id::automatic, &ChannelModel::useAutomaticLevels);
+    onAll(Id::allAutomatic, &ChannelModel::useAutomaticLevelsForAll);
+    connect(&actions[Id::continuous], &QAction::toggled, &model_,
+            &ChannelModel::setContinuousLevels);
+    for (int i = 0; i < 5; ++i)
+        onSelected(Id::full8 + i,
+                   [i](ChannelModel& m, int row) { m.useFullRange(row, 8 + 2 * i); });
+    onSelected(Id::reset, &ChannelModel::resetContrast);
+    onSelected(Id::toAll, &ChannelModel::copyLevelsToAll);
+
+    connect(&actions[Id::undo], &QAction::triggered, &model_.undoStack(), &QUndoStack::undo);
+    connect(&actions[Id::redo], &QAction::triggered, &model_.undoStack(), &QUndoStack::redo);
+    connect(&model_.undoStack(), &QUndoStack::canUndoChanged, &actions[Id::undo],
+            &QAction::setEnabled);
+    connect(&model_.undoStack(), &QUndoStack::canRedoChanged, &actions[Id::redo],
+            &QAction::setEnabled);
+    actions[Id::undo].setEnabled(false);
+    actions[Id::redo].setEnabled(false);
+
+    connect(&actions[Id::goToChannels], &QAction::triggered, table_,
+            [this] { table_->setFocus(Qt::ShortcutFocusReason); });
+    connect(&actions[Id::goToLevels], &QAction::triggered, this, &ChannelPanel::focusLevels);
+}
+
 void ChannelPanel::chooseColour(int row) {
     const QColor colour = QColorDialog::getColor(toQt(model_.channel(row).colour), this);
     if (colour.isValid())
@@ -266,8 +331,6 @@ void ChannelPanel::renameCurrent() {
         table_->edit(model_.index(currentRow(), ChannelModel::nameColumn));
 }
 
-void ChannelPanel::focusChannels() { table_->setFocus(Qt::ShortcutFocusReason); }
-
 void ChannelPanel::focusLevels() {
     black_->setFocus(Qt::ShortcutFocusReason);
     black_->selectAll();
@@ -287,8 +350,7 @@ void ChannelPanel::showCurrent() {
     if (row < 0)
         return;
     const Channel& channel = model_.channel(row);
-    const ChannelStatistics& statistics = model_.statistics(row);
-    const ContrastLimits levels = channel.levels.value_or(ContrastLimits{});
+    const ContrastLimits levels = model_.levels(row);
     const QSignalBlocker blockers[] = {QSignalBlocker(left_),    QSignalBlocker(up_),
                                        QSignalBlocker(black_),   QSignalBlocker(white_),
                                        QSignalBlocker(gammaOn_), QSignalBlocker(gamma_)};
@@ -301,10 +363,8 @@ void ChannelPanel::showCurrent() {
     gamma_->setEnabled(channel.gamma != 1);
     if (!gamma_->hasFocus())
         gamma_->setValue(channel.gamma);
-    levels_->setColour(toQt(channel.colour));
-    levels_->setLevels(levels, channel.gamma);
-    levels_->setStatistics(statistics);
-    note_->setText(noteOn(statistics));
+    levels_->setChannel(channel, levels, model_.statistics(row));
+    note_->setText(noteOn(model_.statistics(row)));
 }
 
 } // namespace lumetra

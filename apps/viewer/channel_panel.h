@@ -37,10 +37,6 @@ public:
 
     LevelEditor& levelEditor() { return *levels_; }
 
-    void focusChannels();
-    void focusLevels();
-    void renameCurrent();
-
     /// Leaves the wheel to the scroll area around it, unless a field is being edited.
     bool eventFilter(QObject* field, QEvent* event) override;
 
@@ -57,6 +53,9 @@ private:
     QLayout* makeContrastRows(const Actions& actions, QWidget* box);
     void connectEditors();
     void connectTable();
+    void connectActions(const Actions& actions);
+    void focusLevels();
+    void renameCurrent();
     void chooseColour(int row);
     void showChannels();
     void showCurrent();

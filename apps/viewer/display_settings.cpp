@@ -13,10 +13,6 @@ bool areEqual(const std::optional<ScaleBar>& a, const std::optional<ScaleBar>& b
                   : a.has_value() == b.has_value();
 }
 
-bool areEqual(const std::optional<PseudoColour>& a, const std::optional<PseudoColour>& b) {
-    return a && b ? a->channel == b->channel && a->lut == b->lut : a.has_value() == b.has_value();
-}
-
 void renderPixels(Renderer& renderer, const std::vector<cv::Mat>& planes,
                   const DisplaySettings& settings, cv::Mat& image, PixelFormat format) {
     if (!settings.pseudo)
@@ -83,7 +79,7 @@ void markSaturated(const std::vector<cv::Mat>& planes, const DisplaySettings& se
 } // namespace
 
 bool operator==(const DisplaySettings& a, const DisplaySettings& b) {
-    return a.channels == b.channels && a.planes == b.planes && areEqual(a.pseudo, b.pseudo) &&
+    return a.channels == b.channels && a.planes == b.planes && a.pseudo == b.pseudo &&
            a.annotation.legend == b.annotation.legend &&
            areEqual(a.annotation.scaleBar, b.annotation.scaleBar) &&
            a.marksSaturated == b.marksSaturated && a.panels == b.panels &&

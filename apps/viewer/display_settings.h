@@ -20,6 +20,10 @@ struct PseudoColour {
     Colormap lut;
 };
 
+inline bool operator==(const PseudoColour& a, const PseudoColour& b) {
+    return a.channel == b.channel && a.lut == b.lut;
+}
+
 /// How frames are to be shown.
 struct DisplaySettings {
     std::vector<Channel> channels; ///< Without levels where they are measured in each frame.

@@ -167,9 +167,12 @@ cv::Mat FileSource::plane(std::size_t channel, int slice, int frame) const {
     cv::Mat plane = page > 0 ? file.planeOfPage(page, planes.channel)
                              : file.plane(planes.channel, slice, frame);
     if (needsConversion(plane))
-        throw Error(inWords(QT_TRANSLATE_NOOP("FileSource", "%1: pixel values are not 8- or "
-                                                            "16-bit unsigned integers"))
-                        .arg(file.file()));
+        throw Error(
+            inWords(QT_TRANSLATE_NOOP("FileSource",
+                                      "%1: the viewer displays 8- and 16-bit unsigned integers, "
+                                      "and this file has pixel values of another type; convert it "
+                                      "to 16 bits, or render it with 'lumetra merge'"))
+                .arg(file.file()));
     return plane;
 }
 

@@ -26,6 +26,8 @@ void FrameMonitor::reset() {
     forgetSilence();
     if (viewer_.rendered().frame == 0)
         droppedBefore_ = viewer_.dropped();
+    if (!viewer_.isRunning())
+        emit measured(std::nullopt, 0);
 }
 
 void FrameMonitor::forgetSilence() {

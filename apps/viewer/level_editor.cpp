@@ -1,5 +1,7 @@
 #include "apps/viewer/level_editor.h"
 
+#include "apps/common/text.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -19,19 +21,12 @@ LevelEditor::LevelEditor(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::MinimumExpanding);
 }
 
-void LevelEditor::setStatistics(const ChannelStatistics& statistics) {
-    statistics_ = statistics;
-    update();
-}
-
-void LevelEditor::setLevels(ContrastLimits levels, double gamma) {
+void LevelEditor::setChannel(const Channel& channel, ContrastLimits levels,
+                             const ChannelStatistics& statistics) {
     levels_ = levels;
-    gamma_ = gamma;
-    update();
-}
-
-void LevelEditor::setColour(const QColor& colour) {
-    colour_ = colour;
+    gamma_ = channel.gamma;
+    colour_ = toQt(channel.colour);
+    statistics_ = statistics;
     update();
 }
 

@@ -14,9 +14,9 @@ class LevelEditor : public QWidget {
 public:
     explicit LevelEditor(QWidget* parent = nullptr);
 
-    void setStatistics(const ChannelStatistics& statistics);
-    void setLevels(ContrastLimits levels, double gamma);
-    void setColour(const QColor& colour);
+    /// @param levels  The channel's, in numbers.
+    void setChannel(const Channel& channel, ContrastLimits levels,
+                    const ChannelStatistics& statistics);
 
     /// Whether the height is the logarithm of the number of pixels, or the number itself.
     void setLogarithmic(bool on);

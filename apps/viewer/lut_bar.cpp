@@ -22,15 +22,15 @@ QSize LutBar::sizeHint() const {
     return {4 * margin + barWidth + fontMetrics().horizontalAdvance(QStringLiteral("65535")), 200};
 }
 
-void LutBar::setLut(const Colormap& colours) {
+void LutBar::setLut(const Colormap& colours, ContrastLimits range, double gamma) {
     colours_ = colours;
-    update();
-}
-
-void LutBar::setRange(ContrastLimits range, double gamma) {
     range_ = range;
     gamma_ = gamma;
     update();
+}
+
+double LutBar::valueAt(double share) const {
+    return range_.low + (range_.high - range_.low) * std::pow(share, 1 / gamma_);
 }
 
 void LutBar::paintEvent(QPaintEvent* /*event*/) {
@@ -41,11 +41,10 @@ void LutBar::paintEvent(QPaintEvent* /*event*/) {
     painter.drawImage(bar, lutPreview(colours_, {256, 1}).transformed(QTransform().rotate(-90)));
     for (int i = 0; i < marks; ++i) {
         const double share = double(i) / (marks - 1);
-        const double value = range_.low + (range_.high - range_.low) * std::pow(share, 1 / gamma_);
         const int y = bar.bottom() - static_cast<int>(std::lround(share * bar.height()));
         painter.drawLine(bar.right() + 1, y, bar.right() + 5, y);
         painter.drawText(QRect(bar.right() + margin, y - letter / 2, width(), letter),
-                         Qt::AlignVCenter, QString::number(std::lround(value)));
+                         Qt::AlignVCenter, QString::number(std::lround(valueAt(share))));
     }
 }
 

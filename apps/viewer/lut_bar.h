@@ -14,8 +14,10 @@ class LutBar : public QWidget {
 public:
     explicit LutBar(QWidget* parent = nullptr);
 
-    void setLut(const Colormap& colours);
-    void setRange(ContrastLimits range, double gamma);
+    void setLut(const Colormap& colours, ContrastLimits range, double gamma);
+
+    /// The pixel value that has the colour at a share of the bar's height, 0 to 1.
+    double valueAt(double share) const;
 
     QSize sizeHint() const override;
 

@@ -1,11 +1,40 @@
 #include "apps/viewer/message_bar.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStyle>
 #include <QToolButton>
 
 namespace lumetra {
+namespace {
+
+/// What libraries without Qt's translations say often, for the tool that collects texts.
+[[maybe_unused]] constexpr const char* reasons[] = {
+    QT_TRANSLATE_NOOP("Reasons", "there is no such file"),
+    QT_TRANSLATE_NOOP("Reasons", "is not a file"),
+    QT_TRANSLATE_NOOP("Reasons", "is empty"),
+    QT_TRANSLATE_NOOP("Reasons", "is not a TIFF, PNG, JPEG, BMP, PGM or PPM file"),
+    QT_TRANSLATE_NOOP("Reasons", "is damaged"),
+    QT_TRANSLATE_NOOP("Reasons", "is damaged or cut short"),
+    QT_TRANSLATE_NOOP("Reasons", "has colours, and a channel must be gray"),
+    QT_TRANSLATE_NOOP("Reasons", "there is not enough memory"),
+    QT_TRANSLATE_NOOP("Reasons", "is also an input"),
+    QT_TRANSLATE_NOOP("Reasons", "cannot be written"),
+    QT_TRANSLATE_NOOP("Reasons", "images are written as .png, .tif, .tiff, .jpg or .jpeg"),
+    QT_TRANSLATE_NOOP("Reasons",
+                      "the offsets are so far apart that the shifted images do not overlap")};
+
+/// "FILE: reason" in the user's language, as far as it is known there.
+QString translated(const QString& message) {
+    const QString colon = QStringLiteral(": ");
+    QStringList parts = message.split(colon);
+    for (QString& part : parts)
+        part = QCoreApplication::translate("Reasons", part.toUtf8().constData());
+    return parts.join(colon);
+}
+
+} // namespace
 
 MessageBar::MessageBar(QWidget* parent) : QFrame(parent), text_(new QLabel(this)) {
     setFrameShape(QFrame::StyledPanel);
@@ -28,7 +57,7 @@ MessageBar::MessageBar(QWidget* parent) : QFrame(parent), text_(new QLabel(this)
 }
 
 void MessageBar::showMessage(const QString& text) {
-    text_->setText(text);
+    text_->setText(translated(text));
     show();
 }
 

@@ -2,9 +2,13 @@
 
 #include "apps/common/error.h"
 #include "apps/common/lut_file.h"
+#include "apps/common/settings.h"
 #include "apps/common/shell.h"
 #include "apps/common/text.h"
 #include "apps/viewer/simulated_camera.h"
+#include "imageio/image_writer.h"
+#include "imageio/output_conflicts.h"
+#include "imageio/output_format.h"
 #include "render/colormaps.h"
 #include "render/palette.h"
 
@@ -30,8 +34,7 @@ Viewer::Viewer() {
             });
     connect(&opener_, &FileOpener::statusMessage, this, &Viewer::statusMessage);
     connect(&opener_, &FileOpener::errorOccurred, this, &Viewer::errorOccurred);
-    connect(&saver_, &ImageSaver::statusMessage, this, &Viewer::statusMessage);
-    connect(&saver_, &ImageSaver::errorOccurred, this, &Viewer::errorOccurred);
+    connect(&saver_, &Worker::failed, this, &Viewer::errorOccurred);
 }
 
 void Viewer::connectCamera(std::shared_ptr<FrameSource> camera,
@@ -245,12 +248,28 @@ Snapshot Viewer::snapshot() const {
     return {ofChannels(settings, planes), settings, inputs(), pixelSize_};
 }
 
+void Viewer::save(const QString& file, const QStringList& inputs,
+                  const std::function<void()>& write) {
+    saver_.run([this, file, inputs, write]() -> Worker::Outcome {
+        checkOutput(file, inputs, Existing::replace);
+        write();
+        return [this, file] { emit statusMessage(tr("Saved %1").arg(file)); };
+    });
+}
+
 void Viewer::saveImage(const QString& file, const Snapshot& snapshot) {
-    saver_.saveImage(file, snapshot);
+    save(file, snapshot.inputs, [file, snapshot] {
+        static_cast<void>(outputFormat(file)); // refuses unknown ones before there is work
+        Renderer renderer;
+        cv::Mat image;
+        renderForFile(renderer, snapshot.planes, snapshot.settings, image);
+        writeImage(file, image, Existing::replace, snapshot.pixelSize);
+    });
 }
 
 void Viewer::saveSettings(const QString& file, const std::vector<Channel>& channels) {
-    saver_.saveSettings(file, inputs(), channels);
+    const QByteArray json = settingsJson({channels, std::nullopt});
+    save(file, inputs(), [file, json] { writeBytes(file, json, Existing::replace); });
 }
 
 BatchCommand Viewer::batchCommand() const {

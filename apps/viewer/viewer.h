@@ -6,8 +6,8 @@
 #include "apps/viewer/channel_model.h"
 #include "apps/viewer/file_opener.h"
 #include "apps/viewer/frame_feed.h"
-#include "apps/viewer/image_saver.h"
 #include "apps/viewer/render_loop.h"
+#include "apps/viewer/worker.h"
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -28,6 +28,14 @@ struct ViewOptions {
     std::optional<PanelColours> panels; ///< Each channel is shown beside all of them.
     double saturatedPercent = 0.1;      ///< By auto-contrast, at each end.
     bool showsDataRange = false;        ///< As `MeasureOptions` has it.
+};
+
+/// What is to be saved: an image of it can be made later.
+struct Snapshot {
+    std::vector<cv::Mat> planes;     ///< One for each channel; nobody else may write to them.
+    DisplaySettings settings;        ///< All channels have levels.
+    QStringList inputs;              ///< Files that must not be replaced.
+    std::optional<double> pixelSize; ///< In µm.
 };
 
 /// Connects source, rendering and results; lives in the window's thread and never waits there.
@@ -121,12 +129,13 @@ private:
     void updateSettings();
     void setSource(std::shared_ptr<FrameSource> source, const std::vector<Channel>& channels);
     void closeSource();
+    void save(const QString& file, const QStringList& inputs, const std::function<void()>& write);
     DisplaySettings settings(std::vector<Channel> channels) const;
     DisplaySettings shownSettings() const;
 
     ChannelModel model_;
     FileOpener opener_{model_};
-    ImageSaver saver_;
+    Worker saver_;
     ViewOptions options_;
     Colormap lut_{};
     RenderedFrame rendered_;

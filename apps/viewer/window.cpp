@@ -2,7 +2,6 @@
 
 #include "apps/common/error.h"
 #include "apps/viewer/canvas.h"
-#include "apps/viewer/channel_actions.h"
 #include "apps/viewer/channel_panel.h"
 #include "apps/viewer/custom_dyes_dialog.h"
 #include "apps/viewer/level_editor.h"
@@ -108,7 +107,6 @@ Window::Window() {
     connectFileActions();
     connectFrameActions();
     connectViewActions();
-    connectChannelActions(*actions_, viewer_.model(), *panel_);
     restoreState();
     restoreCustomDyes();
     showSource();
@@ -148,7 +146,8 @@ void Window::makeDocks() {
     scroll->setWidget(panel_);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setMinimumWidth(panel_->minimumSizeHint().width());
+    scroll->setMinimumWidth(panel_->minimumSizeHint().width() +
+                            style()->pixelMetric(QStyle::PM_ScrollBarExtent));
     addDock(tr("Channels"), QStringLiteral("channels"), scroll, Qt::RightDockWidgetArea,
             ActionId::channelPanel);
     profile_ = new ProfileView(this);
@@ -546,10 +545,9 @@ void Window::showProfile(QLine line) {
 
 void Window::showChannels() {
     const int row = panel_->currentRow();
-    if (viewer_.options().lut && row >= 0) {
-        const Channel& channel = viewer_.model().channel(row);
-        lutBar_->setRange(channel.levels.value_or(ContrastLimits{}), channel.gamma);
-    }
+    const ChannelModel& model = viewer_.model();
+    if (viewer_.options().lut && row >= 0)
+        lutBar_->setLut(viewer_.lut(), model.levels(row), model.channel(row).gamma);
 }
 
 std::optional<ScaleBar> Window::scaleBar() const {
@@ -576,7 +574,6 @@ void Window::updateOptions() {
     options.showsDataRange = act[ActionId::dataRange].isChecked();
     viewer_.setOptions(options);
     lutBar_->setVisible(options.lut.has_value() && viewer_.hasSource());
-    lutBar_->setLut(viewer_.lut());
     showChannels();
     saving_.start();
 }

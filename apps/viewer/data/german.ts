@@ -397,8 +397,59 @@
         <translation>die Dateien haben verschieden viele Ebenen: %1 hat %2, %3 hat %4</translation>
     </message>
     <message>
-        <source>%1: pixel values are not 8- or 16-bit unsigned integers</source>
-        <translation>%1: die Pixelwerte sind keine ganzen Zahlen mit 8 oder 16 Bit ohne Vorzeichen</translation>
+        <source>%1: the viewer displays 8- and 16-bit unsigned integers, and this file has pixel values of another type; convert it to 16 bits, or render it with &apos;lumetra merge&apos;</source>
+        <translation>%1: angezeigt werden ganze Zahlen mit 8 oder 16 Bit ohne Vorzeichen, und die Pixelwerte dieser Datei sind von anderer Art; in 16 Bit umwandeln oder mit &apos;lumetra merge&apos; ausgeben</translation>
+    </message>
+</context>
+<context>
+    <name>Reasons</name>
+    <message>
+        <source>there is no such file</source>
+        <translation>die Datei gibt es nicht</translation>
+    </message>
+    <message>
+        <source>is not a file</source>
+        <translation>ist keine Datei</translation>
+    </message>
+    <message>
+        <source>is empty</source>
+        <translation>ist leer</translation>
+    </message>
+    <message>
+        <source>is not a TIFF, PNG, JPEG, BMP, PGM or PPM file</source>
+        <translation>ist keine TIFF-, PNG-, JPEG-, BMP-, PGM- oder PPM-Datei</translation>
+    </message>
+    <message>
+        <source>is damaged</source>
+        <translation>ist beschädigt</translation>
+    </message>
+    <message>
+        <source>is damaged or cut short</source>
+        <translation>ist beschädigt oder abgeschnitten</translation>
+    </message>
+    <message>
+        <source>has colours, and a channel must be gray</source>
+        <translation>hat Farben, ein Kanal muss aber grau sein</translation>
+    </message>
+    <message>
+        <source>there is not enough memory</source>
+        <translation>der Speicher reicht nicht aus</translation>
+    </message>
+    <message>
+        <source>is also an input</source>
+        <translation>wird auch gelesen</translation>
+    </message>
+    <message>
+        <source>cannot be written</source>
+        <translation>kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>images are written as .png, .tif, .tiff, .jpg or .jpeg</source>
+        <translation>Bilder werden als .png, .tif, .tiff, .jpg oder .jpeg gespeichert</translation>
+    </message>
+    <message>
+        <source>the offsets are so far apart that the shifted images do not overlap</source>
+        <translation>die Versätze liegen so weit auseinander, dass sich die verschobenen Bilder nicht überlappen</translation>
     </message>
 </context>
 <context>
@@ -614,13 +665,6 @@ oder mit F3 eine simulierte Kamera starten</translation>
     </message>
 </context>
 <context>
-    <name>lumetra::ImageSaver</name>
-    <message>
-        <source>Saved %1</source>
-        <translation>%1 gespeichert</translation>
-    </message>
-</context>
-<context>
     <name>lumetra::LevelEditor</name>
     <message>
         <source>Histogram with black and white level</source>
@@ -762,6 +806,10 @@ oder mit F3 eine simulierte Kamera starten</translation>
     <message>
         <source>There is no image yet</source>
         <translation>Es gibt noch kein Bild</translation>
+    </message>
+    <message>
+        <source>Saved %1</source>
+        <translation>%1 gespeichert</translation>
     </message>
 </context>
 <context>

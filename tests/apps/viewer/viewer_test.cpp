@@ -3,10 +3,12 @@
 #include "tests/apps/viewer/stage.h"
 
 #include "apps/common/error.h"
+#include "apps/common/lut_file.h"
 #include "apps/common/settings.h"
 #include "apps/viewer/mailbox.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QProcess>
 
 namespace lumetra {
@@ -21,12 +23,15 @@ private slots:
     void filesHaveAxes();
     void settingsAreKeptForFilesAlike();
     void nothingIsRenderedWhereNothingChanges();
+    void imagesAreWhatSettingsSay();
     void aSavedImageEqualsTheCommands_data();
     void aSavedImageEqualsTheCommands();
     void aFolderIsRenderedLikeOneField_data();
     void aFolderIsRenderedLikeOneField();
     void commandsTakeNoNameForAnOption();
     void aSlowWindowDropsFramesAndShowsTheNewest();
+    void aLateCameraDoesNotCatchUp();
+    void theSourceBeforeIsNeverShown();
     void camerasMayFail_data();
     void camerasMayFail();
     void aCameraMayChangeItsSize();
@@ -254,6 +259,58 @@ void ViewerTest::nothingIsRenderedWhereNothingChanges() {
     QVERIFY(renders(1, [&] { viewer.open(files); }));
 }
 
+/// With colours that were calculated by hand: nothing is compared with the renderer itself.
+void ViewerTest::imagesAreWhatSettingsSay() {
+    const Folder folder;
+    const QPoint plain(5, 5), hot16(20, 9), hot8(12, 6);
+    cv::Mat deep(30, 40, CV_16UC1, cv::Scalar::all(400)), flat(30, 40, CV_8UC1, cv::Scalar(51));
+    deep.at<std::uint16_t>(hot16.y(), hot16.x()) = 65535;
+    flat.at<unsigned char>(hot8.y(), hot8.x()) = 255;
+    Viewer viewer;
+    viewer.open(
+        {folder.write("a.tif", deep) + "=#ff8000", folder.write("b.png", flat) + "=#0000ff"});
+    QVERIFY(waitForImage(viewer));
+    ChannelModel& model = viewer.model();
+    ViewOptions options;
+    const auto seen = [&](QPoint at) { return viewer.image().pixelColor(at).name(); };
+    const QString red = "#ff0000", bright16 = "#ff8033", bright8 = "#6633ff";
+    model.setLevels(0, {0, 1000});
+    model.setLevels(1, {0, 255});
+    QTRY_COMPARE(seen(plain), QString("#663333")); // 0.4 and 0.2 of the colours
+    QCOMPARE(seen(hot16), bright16);
+    options.marksSaturated = true;
+    viewer.setOptions(options);
+    QTRY_COMPARE(seen(hot16), red);
+    QCOMPARE(seen(hot8), red);
+    QCOMPARE(seen(plain), QString("#663333"));
+    model.nudge(0, {-2, -3}); // and with the channel its marks
+    QTRY_COMPARE(seen(hot16 - QPoint(2, 3)), red);
+    QCOMPARE(seen(hot8), red);
+    QCOMPARE(seen(hot16), QString("#663333"));
+    model.resetOffsets();
+    model.setVisible(1, false);
+    QTRY_COMPARE(seen(hot8), QString("#663300")); // a hidden channel has none
+    model.setVisible(1, true);
+    viewer.saveImage(folder.path("saved.png"), viewer.snapshot());
+    QTRY_VERIFY(!viewer.isBusy());
+    const QImage image(folder.path("saved.png"));
+    const auto savedAt = [&](QPoint at) { return image.pixelColor(at).name(); };
+    QCOMPARE(savedAt(plain), QString("#663333"));
+    QCOMPARE(savedAt(hot16), bright16); // as it is without marks
+    QCOMPARE(savedAt(hot8), bright8);
+    // 0.4 becomes 0.16, then 0.632: of 255 steps of a colour, and of the 256 colours of a LUT
+    for (const auto& [gamma, level, entry] : {std::tuple(2.0, 41, 40), std::tuple(0.5, 161, 161)}) {
+        model.setGamma(0, gamma);
+        QTRY_COMPARE(viewer.image().pixelColor(plain).red(), level);
+        options.lut = LutChoice{"magma", false};
+        viewer.setOptions(options);
+        QTRY_COMPARE(seen(plain), toQt(namedLut("magma")[static_cast<std::size_t>(entry)]).name());
+        QCOMPARE(seen(hot16), red);
+        options.lut.reset();
+        viewer.setOptions(options);
+    }
+}
+
 void ViewerTest::aSavedImageEqualsTheCommands_data() {
     QTest::addColumn<int>("variant");
     QTest::newRow("composite") << 0;
@@ -353,6 +410,51 @@ void ViewerTest::aSlowWindowDropsFramesAndShowsTheNewest() {
     QCOMPARE(int(rendered.screens[0].at<cv::Vec4b>(0, 0)[0]), frames);
     QVERIFY(signalled <= 2); // signals do not pile up
     QVERIFY(loop.dropped() >= frames - 2 && loop.dropped() < frames);
+}
+
+/// Three frames may come at once, more would be too fast for the window.
+void ViewerTest::aLateCameraDoesNotCatchUp() {
+    constexpr int lateFrame = 3, after = 20, period = 10; // milliseconds
+    QElapsedTimer sinceLate;
+    std::atomic<qint64> elapsed{-1};
+    FrameFeed feed(std::make_shared<ScriptedCamera>([&](int exposure, Frame&) {
+                       if (exposure == lateFrame) {
+                           QTest::qSleep(400); // 40 frames
+                           sinceLate.start();
+                       } else if (exposure == lateFrame + after) {
+                           elapsed = sinceLate.elapsed();
+                       }
+                   }),
+                   [](Frame&) {});
+    feed.start(1000.0 / period);
+    QTRY_VERIFY(elapsed >= 0);
+    QVERIFY2(elapsed >= (after - 3) * period, qPrintable(QString::number(elapsed)));
+}
+
+/// Neither an image that waits to be taken, nor one that is made of the frame before.
+void ViewerTest::theSourceBeforeIsNeverShown() {
+    std::atomic<int> exposures{0};
+    const auto camera = std::make_shared<ScriptedCamera>([&](int exposure, Frame& frame) {
+        frame.planes = flatPlanes(1, {16, 16}, 1000);
+        exposures = exposure;
+    });
+    const auto silent = std::make_shared<ScriptedCamera>([](int, Frame&) {});
+    Viewer viewer;
+    viewer.setRate(200);
+    for (const bool isTaken : {false, true}) {
+        viewer.connectCamera(camera, {channelOf(Qt::red)});
+        const int before = exposures;
+        viewer.start();
+        if (isTaken)
+            QVERIFY(waitForImage(viewer));
+        while (exposures < before + 20) // images wait in the meantime
+            QTest::qSleep(1);
+        viewer.connectCamera(silent, {channelOf(Qt::green)});
+        QVERIFY(viewer.image().isNull());
+        QVERIFY(!QTest::qWaitFor([&] { return !viewer.image().isNull(); }, 100));
+        QCOMPARE(viewer.intensitiesAt({{1, 1}}).front(), std::vector<int>());
+        QVERIFY_EXCEPTION_THROWN(static_cast<void>(viewer.snapshot()), Error);
+    }
 }
 
 void ViewerTest::camerasMayFail_data() {
