@@ -377,6 +377,10 @@ void declare(CLI::App& command, BatchOptions& options) {
     addCompression(command, options.image.output.compression);
     addLog(command, options.log,
            "Append a line of JSON for each field: inputs, output, outcome, milliseconds");
+    Section{command, "Output"}.addText(
+        "--gallery", "FILE", options.gallery,
+        "Make FILE as well, an HTML page as 'lumetra gallery' makes it, with the images at hand. "
+        "With --shard, make the thumbnails alone, which 'lumetra gallery' then finds");
     addChannelFiles(command, options.channel);
     addHidden(command, options.channel.hidden);
     addPalette(command, options.channel.safePalette);

@@ -2,6 +2,7 @@
 
 #include "apps/cli/channel_levels.h"
 #include "apps/cli/signals.h"
+#include "apps/cli/thumbnails.h"
 #include "apps/common/error.h"
 #include "apps/common/image_size.h"
 #include "apps/common/messages.h"
@@ -42,11 +43,14 @@ RenderedFile FileRenderer::render(const RenderJob& job) {
     files.planes(0, planes_);
     const std::vector<Channel> channels = channelsWithLimits(files);
     const RenderSpec rendering = withPixelSize(rendering_, files.file(0));
+    RenderedFile rendered{{}, channels};
     try {
         const auto draw = [&](int i) -> const Figure& {
             if (files.images() > 1)
                 files.planes(i, planes_);
             renderFigure(renderer_, planes_, channels, rendering, figure_);
+            if (makesThumbnails_ && i == 0)
+                rendered.thumbnail = thumbnailOf(figure_.image);
             return figure_;
         };
         writeImages(job.output, rendering, files.images(), draw);
@@ -55,7 +59,8 @@ RenderedFile FileRenderer::render(const RenderJob& job) {
         throw;
     }
     planes_.clear();
-    return {sizeText(figure_.image), channels};
+    rendered.size = sizeText(figure_.image);
+    return rendered;
 }
 
 RenderSpec withPixelSize(RenderSpec rendering, const ImageFile& file) {

@@ -115,6 +115,7 @@ struct BatchOptions {
     QString levelsOver = QStringLiteral("dataset"); ///< Or "field": what limits are measured over.
     QString shard;                                  ///< `K/N`.
     QString log;
+    QString gallery;
     bool resume = false;
     bool dryRun = false;
 };
