@@ -15,10 +15,55 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace lumetra {
 namespace {
+
+/// Makes an image much smaller: each pixel is the mean of eight that are spread evenly over its
+/// area, which takes far less time than the mean of all.
+template<class Value>
+cv::Mat meanOfSome(const cv::Mat& image, cv::Size size) {
+    constexpr std::size_t across = 4, down = 2;
+    const auto channels = static_cast<std::size_t>(image.channels());
+    const auto places = [](int length, int parts) { // in the middle of each part
+        std::vector<std::size_t> all;
+        for (std::int64_t i = 0; i < parts; ++i)
+            all.push_back(
+                static_cast<std::size_t>((2 * i + 1) * length / (std::int64_t{2} * parts)));
+        return all;
+    };
+    std::vector<std::size_t> columns = places(image.cols, size.width * int{across});
+    for (std::size_t& column : columns)
+        column *= channels;
+    const std::vector<std::size_t> rows = places(image.rows, size.height * int{down});
+    cv::Mat small(size, image.type());
+    for (int y = 0; y < size.height; ++y) {
+        const std::size_t* const row = &rows[static_cast<std::size_t>(y) * down];
+        const auto* const upper = image.ptr<Value>(static_cast<int>(row[0]));
+        const auto* const lower = image.ptr<Value>(static_cast<int>(row[1]));
+        auto* out = small.ptr<Value>(y);
+        for (std::size_t x = 0; x < columns.size(); x += across)
+            for (std::size_t k = 0; k < channels; ++k) {
+                std::uint32_t sum = across * down / 2; // to round
+                for (std::size_t i = x; i < x + across; ++i)
+                    sum += std::uint32_t{upper[columns[i] + k]} + lower[columns[i] + k];
+                *out++ = static_cast<Value>(sum / (across * down));
+            }
+    }
+    return small;
+}
+
+cv::Mat shrunk(const cv::Mat& image, cv::Size size) {
+    constexpr int much = 4;
+    if (image.cols >= much * size.width && image.rows >= much * size.height)
+        return image.depth() == CV_8U ? meanOfSome<std::uint8_t>(image, size)
+                                      : meanOfSome<std::uint16_t>(image, size);
+    cv::Mat small;
+    shrink(image, size, small);
+    return small;
+}
 
 QDateTime timeOf(const QString& file) { return QFileInfo(file).lastModified(); }
 
@@ -29,11 +74,8 @@ cv::Mat thumbnailOf(const cv::Mat& image) {
     const cv::Mat plain = grayIfEqual(image);
     const double scale = double(side) / std::max(plain.cols, plain.rows);
     const auto shorter = [&](int length) { return std::max(cvRound(length * scale), 1); };
-    cv::Mat small;
-    if (scale < 1)
-        shrink(plain, {shorter(plain.cols), shorter(plain.rows)}, small);
-    else
-        small = plain.clone();
+    cv::Mat small =
+        scale < 1 ? shrunk(plain, {shorter(plain.cols), shorter(plain.rows)}) : plain.clone();
     if (small.depth() == CV_16U)
         small.convertTo(small, CV_8U, 1 / 257.0);
     return small;
