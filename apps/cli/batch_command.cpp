@@ -125,6 +125,7 @@ Batch prepare(const BatchOptions& options) {
     batch.fields = shardOf(batch.fields, options.shard);
     if (!options.shard.isEmpty())
         say(options, QStringLiteral("of these, ") + fieldList(batch.fields));
+    batch.rendering.jobs = jobsOfEach(options.dataSet.jobs, batch.fields.size());
     return batch;
 }
 

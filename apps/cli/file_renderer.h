@@ -3,6 +3,7 @@
 
 #include "apps/cli/channel_files.h"
 #include "apps/cli/figure.h"
+#include "apps/cli/large_image.h"
 #include "apps/cli/render_spec.h"
 #include "render/renderer.h"
 
@@ -40,6 +41,10 @@ public:
     RenderedFile render(const RenderJob& job);
 
 private:
+    RenderedFile renderWhole(ChannelFiles& files, const QString& output);
+    RenderedFile renderLarge(const LargeImage& image, const ChannelFiles& files,
+                             const QString& output);
+    bool canRenderInStrips(const QString& output) const;
     std::vector<Channel> channelsWithLimits(ChannelFiles& files);
 
     const RenderSpec& rendering_;
