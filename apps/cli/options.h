@@ -46,6 +46,7 @@ struct ImageOptions {
     PageSelection pages;
     FramingOptions framing;
     AnnotationOptions annotation;
+    int jobs = 1; ///< Threads for a large image.
 };
 
 /// Where channels have their colours and settings from.

@@ -284,5 +284,51 @@ TEST_F(PngFiles, ThatADeviceDoesNotTakeAreAnError) {
     EXPECT_THROW(encoded(cv::Mat(1, 1000001, CV_8UC1)), Reason); // which hardly anybody could read
 }
 
+/// A file of strips that were encoded from the last one to the first.
+QByteArray inStrips(const cv::Mat& image, int rowsOfStrip) {
+    QByteArray file;
+    QBuffer device(&file);
+    device.open(QIODevice::WriteOnly);
+    PngStrips png(image.size(), image.type(), device, {});
+    std::vector<PngStrips::Strip> strips;
+    for (int i = (image.rows - 1) / rowsOfStrip; i >= 0; --i) {
+        const int top = i * rowsOfStrip;
+        strips.push_back(
+            PngStrips::encode(image.rowRange(top, std::min(image.rows, top + rowsOfStrip)), i));
+    }
+    std::for_each(strips.rbegin(), strips.rend(),
+                  [&](const PngStrips::Strip& strip) { png.add(strip); });
+    png.finish();
+    return file;
+}
+
+TEST(PngStrips, AreOneFileForEveryReader) {
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("strips.png"));
+    for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3})
+        for (const cv::Size size : {cv::Size(1, 1), cv::Size(3, 7), cv::Size(301, 500)})
+            for (const int rows : {1, 2, 64, 1000}) {
+                const cv::Mat noise = testImage(size, type), dark = cv::Mat::zeros(size, type);
+                for (const cv::Mat& image : {noise, dark}) {
+                    store(name, inStrips(image, rows));
+                    ASSERT_TRUE(areEqual(readByOpenCv(name), image))
+                        << size << " in strips of " << rows;
+                    ImageFile(name).page(1); // checks the checksums
+                }
+            }
+}
+
+TEST(PngStrips, AreWhatALargeImageIsWrittenIn) {
+    cv::Mat image(5000, 6800, CV_8UC3);
+    ASSERT_TRUE(isLarge(image.size()) && !isLarge({5000, 6700}));
+    for (int y = 0; y < image.rows; ++y)
+        image.row(y).setTo(cv::Scalar(y % 251, y % 13, 7));
+    QByteArray file;
+    QBuffer device(&file);
+    device.open(QIODevice::WriteOnly);
+    encodePng(image, device);
+    EXPECT_EQ(file, inStrips(image, PngStrips::rowsOf(image.size(), image.type())));
+}
+
 } // namespace
 } // namespace lumetra
