@@ -321,7 +321,7 @@ EOF
     cmp one.$format whole.$format
   done
   # Of a file that ends too early one line tells, and nothing is left.
-  head -c 20000000 b.tif >cut.tif
-  fails 1 "cut.tif" lumetra merge a.tif=DAPI cut.tif=FITC -o cut.png --jobs 3
-  [ ! -e cut.png ] && [ -z "$(find . -name '.lumetra*')" ]
+  head -c 20000000 b.tif >short.tif
+  fails 1 "short.tif" lumetra merge a.tif=DAPI short.tif=FITC -o short.png --jobs 3
+  [ ! -e short.png ] && [ -z "$(find . -name '.lumetra*')" ]
 }
