@@ -291,4 +291,18 @@ void DeflateEncoder::encode(const std::uint8_t* bytes, std::size_t count, bool i
     out.resize(static_cast<std::size_t>(writer.end() - out.data()));
 }
 
+void DeflateEncoder::endPart(std::vector<std::uint8_t>& out) {
+    constexpr std::size_t slack = 16;
+    const std::size_t before = out.size();
+    out.resize(before + slack);
+    BitWriter writer(out.data() + before, left_, leftCount_);
+    writer.put(0, 3); // a stored block without bytes
+    writer.finish();
+    writer.put(0xffff0000, 32);
+    writer.flush();
+    left_ = 0;
+    leftCount_ = 0;
+    out.resize(static_cast<std::size_t>(writer.end() - out.data()));
+}
+
 } // namespace lumetra

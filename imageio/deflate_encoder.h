@@ -1,6 +1,7 @@
 // DEFLATE (RFC 1951) for bytes that repeat, if at all, as runs.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -18,6 +19,12 @@ public:
     /// @param isLast  Ends the stream and fills up its last byte.
     void encode(const std::uint8_t* bytes, std::size_t count, bool isLast,
                 std::vector<std::uint8_t>& out);
+
+    /// Fills up the last byte so that another encoder's blocks can follow.
+    void endPart(std::vector<std::uint8_t>& out);
+
+    /// The end of a stream of parts: a last block that is empty.
+    static std::array<std::uint8_t, 5> lastBlock() { return {1, 0, 0, 0xff, 0xff}; }
 
 private:
     std::uint64_t left_ = 0; ///< Bits that do not fill a byte yet, the first one lowest.

@@ -58,6 +58,21 @@ void requireIntegers(const cv::Mat& image, const std::optional<ValueType>& type)
                          .arg(type ? type->text() : QStringLiteral("of real numbers")));
 }
 
+/// Rows whose errors have the name of their file.
+class NamedRows : public PlaneRows {
+public:
+    NamedRows(QString file, std::unique_ptr<PlaneRows> rows)
+        : PlaneRows(rows->size(), rows->type()), file_(std::move(file)), rows_(std::move(rows)) {}
+
+    void read(cv::Mat& rows) override {
+        withFileName(file_, [&] { rows_->read(rows); });
+    }
+
+private:
+    QString file_;
+    std::unique_ptr<PlaneRows> rows_;
+};
+
 } // namespace
 
 ImageFile::ImageFile(QString file) : file_(std::move(file)) {
@@ -141,16 +156,43 @@ cv::Mat ImageFile::plane(int channel, int slice, int frame) const {
     });
 }
 
+/// As readers count it.
+int ImageFile::componentOf(int index, int component) const {
+    const int count = reader_->components(index);
+    if (component < 1 || component > count)
+        throw Reason(QStringLiteral("page %1 has no channel %2; it has %3")
+                         .arg(index + 1)
+                         .arg(component)
+                         .arg(count));
+    return count > 1 ? component - 1 : PlaneAddress::whole;
+}
+
 cv::Mat ImageFile::planeOfPage(int number, int component) const {
     return withFileName(file_, [&] {
         const int index = indexOfPage(number);
-        const int count = reader_->components(index);
-        if (component < 1 || component > count)
-            throw Reason(QStringLiteral("page %1 has no channel %2; it has %3")
-                             .arg(number)
-                             .arg(component)
-                             .arg(count));
-        return reader_->readPlane(index, count > 1 ? component - 1 : PlaneAddress::whole);
+        return reader_->readPlane(index, componentOf(index, component));
+    });
+}
+
+std::unique_ptr<PlaneRows> ImageFile::named(std::unique_ptr<PlaneRows> rows) const {
+    if (!rows)
+        return {};
+    return std::make_unique<NamedRows>(file_, std::move(rows));
+}
+
+std::unique_ptr<PlaneRows> ImageFile::rows(int channel, int slice, int frame) const {
+    return withFileName(file_, [&]() -> std::unique_ptr<PlaneRows> {
+        const PlaneAddress& address = addressOf(channel, slice, frame);
+        if (address.file != 0 || address.page < 0 || address.page >= reader_->pages())
+            return {};
+        return named(reader_->rows(address.page, address.component));
+    });
+}
+
+std::unique_ptr<PlaneRows> ImageFile::rowsOfPage(int number, int component) const {
+    return withFileName(file_, [&] {
+        const int index = indexOfPage(number);
+        return named(reader_->rows(index, componentOf(index, component)));
     });
 }
 

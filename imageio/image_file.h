@@ -2,6 +2,7 @@
 #pragma once
 
 #include "imageio/file_metadata.h"
+#include "imageio/plane_rows.h"
 
 #include <opencv2/core/mat.hpp>
 
@@ -65,6 +66,15 @@ public:
     ///         it is damaged, has colours, or memory is short.
     cv::Mat plane(int channel, int slice, int frame) const;
 
+    /// The same plane from top to bottom, if it is of the file itself, has 8 or 16 bits, unsigned,
+    /// and can be read so in little memory: TIFF of small strips or tiles, or uncompressed, and
+    /// PNG; else null. It is read while the file is there and nothing else of it is read. What it
+    /// throws is FileError.
+    std::unique_ptr<PlaneRows> rows(int channel, int slice, int frame) const;
+
+    /// The same for `planeOfPage`.
+    std::unique_ptr<PlaneRows> rowsOfPage(int number, int component = 1) const;
+
     /// A plane as above, by its page.
     /// @param component  Which of the gray values of a pixel; of a page with colours there is 1
     ///                   alone, which has to be gray.
@@ -93,6 +103,8 @@ public:
 
 private:
     int indexOfPage(int number) const;
+    int componentOf(int index, int component) const;
+    std::unique_ptr<PlaneRows> named(std::unique_ptr<PlaneRows> rows) const;
     const PlaneAddress& addressOf(int channel, int slice, int frame) const;
     PageReader& readerBeside(int number) const;
 

@@ -27,14 +27,18 @@ void PageReader::readBytes(void* bytes, std::uint64_t count) {
     }
 }
 
-cv::Mat PageReader::newImage(std::uint64_t width, std::uint64_t height, int type) const {
+cv::Size PageReader::checkedSize(std::uint64_t width, std::uint64_t height, int type) const {
     constexpr std::uint64_t longest = std::numeric_limits<int>::max();
     if (width == 0 || height == 0)
         throw Reason("has no pixels");
     const std::uint64_t most = plausibleBytes(file_->size()) / CV_ELEM_SIZE(type);
     if (width > longest || height > longest || width > most / height)
         throw Reason("claims more pixels than the file can hold");
-    cv::Mat image(static_cast<int>(height), static_cast<int>(width), type);
+    return {static_cast<int>(width), static_cast<int>(height)};
+}
+
+cv::Mat PageReader::newImage(std::uint64_t width, std::uint64_t height, int type) const {
+    cv::Mat image(checkedSize(width, height, type), type);
     return image;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "imageio/file_description.h"
+#include "imageio/plane_rows.h"
 
 #include <opencv2/core/mat.hpp>
 
@@ -45,6 +46,10 @@ public:
     ///                   PlaneAddress::whole for the only plane of a page.
     virtual cv::Mat readPlane(int index, int component);
 
+    /// The same plane row by row, as long as the reader lives and nothing else is read with it.
+    /// Null if it can only be read as a whole; here always.
+    virtual std::unique_ptr<PlaneRows> rows(int /*index*/, int /*component*/) { return {}; }
+
     /// What the file says of its planes. Here: nothing, its pages are z-slices.
     virtual FileDescription describe();
 
@@ -58,9 +63,13 @@ protected:
     /// @throws Reason if the file ends before.
     void readBytes(void* bytes, std::uint64_t count);
 
+    /// @throws Reason if an image has no pixels, or so many that no compression could bring them
+    ///         into a file of this size: memory is taken for what a file holds, not for what it
+    ///         claims.
+    cv::Size checkedSize(std::uint64_t width, std::uint64_t height, int type) const;
+
     /// An image to read into, its pixels not yet set.
-    /// @throws Reason if it has no pixels, or so many that no compression could bring them into a
-    ///         file of this size: memory is taken for what a file holds, not for what it claims.
+    /// @throws Reason as `checkedSize`.
     cv::Mat newImage(std::uint64_t width, std::uint64_t height, int type) const;
 
 private:

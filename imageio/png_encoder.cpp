@@ -4,6 +4,7 @@
 #include "imageio/deflate_encoder.h"
 #include "imageio/reason.h"
 
+#include <QBuffer>
 #include <QtEndian>
 
 #include <algorithm>
@@ -44,10 +45,12 @@ std::uint32_t pixelsPerMetre(std::optional<double> micrometres) {
     return perMetre >= 1 && perMetre <= most ? static_cast<std::uint32_t>(perMetre) : 0;
 }
 
+[[noreturn]] void failWriting() { throw Reason("cannot be written (the file takes no more)"); }
+
 void writeOut(QIODevice& device, const Bytes& bytes) {
     if (!writeAll(device, reinterpret_cast<const char*>(bytes.data()),
                   static_cast<qint64>(bytes.size())))
-        throw Reason("cannot be written (the file takes no more)");
+        failWriting();
 }
 
 /// A chunk, or one after another of the same type.
@@ -110,14 +113,33 @@ public:
         : image_(image), device_(device), block_(DeflateEncoder::largestBlock) {}
 
     void write() {
-        constexpr std::array<std::uint8_t, 2> header{0x78, 0x01}; // window of 32 KiB, fastest
-        chunk_.bytes().insert(chunk_.bytes().end(), header.begin(), header.end());
-        for (int y = 0; y < image_.rows; ++y)
-            addRow(image_.ptr<Value>(y));
-        writeBlock(true);
+        beginStream();
+        addRows();
+        writeBlock(End::stream);
+    }
+
+    /// Writes a part of a stream, and tells the Adler-32 of what it holds.
+    std::uint32_t writePart(bool isFirst) {
+        if (isFirst)
+            beginStream();
+        addRows();
+        writeBlock(End::part);
+        return adler_;
     }
 
 private:
+    enum class End { none, part, stream };
+
+    void beginStream() {
+        constexpr std::array<std::uint8_t, 2> header{0x78, 0x01}; // window of 32 KiB, fastest
+        chunk_.bytes().insert(chunk_.bytes().end(), header.begin(), header.end());
+    }
+
+    void addRows() {
+        for (int y = 0; y < image_.rows; ++y)
+            addRow(image_.ptr<Value>(y));
+    }
+
     static constexpr std::size_t pixelBytes = channels * sizeof(Value);
 
     void addRow(const Value* row) {
@@ -150,13 +172,15 @@ private:
 
     void makeRoom(std::size_t bytes) {
         if (size_ + bytes > DeflateEncoder::largestBlock)
-            writeBlock(false);
+            writeBlock(End::none);
     }
 
-    void writeBlock(bool isLast) {
+    void writeBlock(End end) {
         adler_ = libdeflate_adler32(adler_, block_.data(), size_);
-        deflate_.encode(block_.data(), size_, isLast, chunk_.bytes());
-        if (isLast)
+        deflate_.encode(block_.data(), size_, end == End::stream, chunk_.bytes());
+        if (end == End::part)
+            deflate_.endPart(chunk_.bytes());
+        if (end == End::stream)
             appendNumber(chunk_.bytes(), adler_);
         chunk_.writeTo(device_);
         size_ = 0;
@@ -171,28 +195,44 @@ private:
     std::uint32_t adler_ = 1;
 };
 
-template<class Value>
-void writeImageData(const cv::Mat& image, QIODevice& device) {
-    if (image.channels() == 3)
-        ImageData<Value, 3>(image, device).write();
+/// Calls `act` with the data of an image of any type.
+template<class Act>
+void withImageData(const cv::Mat& image, QIODevice& device, const Act& act) {
+    const bool isColour = image.channels() == 3, isNarrow = image.depth() == CV_8U;
+    if (isNarrow && isColour)
+        act(ImageData<std::uint8_t, 3>(image, device));
+    else if (isNarrow)
+        act(ImageData<std::uint8_t, 1>(image, device));
+    else if (isColour)
+        act(ImageData<std::uint16_t, 3>(image, device));
     else
-        ImageData<Value, 1>(image, device).write();
+        act(ImageData<std::uint16_t, 1>(image, device));
 }
 
-void checkSides(const cv::Mat& image) {
+/// The Adler-32 of bytes and others behind them (RFC 1950, section 8.2): a sum of the bytes, 1
+/// before the first one, and a sum of these sums.
+std::uint32_t joinedAdler(std::uint32_t first, std::uint32_t second, std::uint64_t secondBytes) {
+    constexpr std::uint64_t base = 65521, half = 0xffff;
+    const std::uint64_t sum = (first & half) + (second & half) + base - 1;
+    const std::uint64_t sumOfSums =
+        (first >> 16) + (second >> 16) + secondBytes % base * ((first & half) + base - 1);
+    return static_cast<std::uint32_t>(sumOfSums % base << 16 | sum % base);
+}
+
+void checkSides(cv::Size size) {
     constexpr int most = 1000000; // which nearly every reader takes, as libpng does
-    if (std::max(image.cols, image.rows) > most)
+    if (std::max(size.width, size.height) > most)
         throw Reason("cannot be written (as PNG it has more than a million pixels a side)");
 }
 
-void writeHeader(const cv::Mat& image, QIODevice& device) {
+void writeHeader(cv::Size size, int type, QIODevice& device) {
     constexpr std::uint8_t gray = 0, rgb = 2;
-    const std::uint8_t bits = image.depth() == CV_8U ? 8 : 16;
+    const std::uint8_t bits = CV_MAT_DEPTH(type) == CV_8U ? 8 : 16;
     Chunk header("IHDR");
-    appendNumber(header.bytes(), static_cast<std::uint32_t>(image.cols));
-    appendNumber(header.bytes(), static_cast<std::uint32_t>(image.rows));
+    appendNumber(header.bytes(), static_cast<std::uint32_t>(size.width));
+    appendNumber(header.bytes(), static_cast<std::uint32_t>(size.height));
     header.bytes().push_back(bits);
-    header.bytes().push_back(image.channels() == 3 ? rgb : gray);
+    header.bytes().push_back(CV_MAT_CN(type) == 3 ? rgb : gray);
     header.bytes().resize(header.bytes().size() + 3); // of compression, filters and order the only
     header.writeTo(device);
 }
@@ -206,18 +246,72 @@ void writePixelSize(std::uint32_t perMetre, QIODevice& device) {
     size.writeTo(device);
 }
 
-} // namespace
-
-void encodePng(const cv::Mat& image, QIODevice& device, std::optional<double> pixelSize) {
-    checkSides(image);
+/// Writes all that comes before the pixels.
+void writeStart(cv::Size size, int type, QIODevice& device, std::optional<double> pixelSize) {
+    checkSides(size);
     writeOut(device, {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'});
-    writeHeader(image, device);
+    writeHeader(size, type, device);
     if (const std::uint32_t perMetre = pixelsPerMetre(pixelSize); perMetre > 0)
         writePixelSize(perMetre, device);
-    if (image.depth() == CV_8U)
-        writeImageData<std::uint8_t>(image, device);
-    else
-        writeImageData<std::uint16_t>(image, device);
+}
+
+void encodeInStrips(const cv::Mat& image, QIODevice& device, std::optional<double> pixelSize) {
+    PngStrips file(image.size(), image.type(), device, pixelSize);
+    const int rows = PngStrips::rowsOf(image.size(), image.type());
+    for (int top = 0; top < image.rows; top += std::min(rows, image.rows - top))
+        file.add(PngStrips::encode(image.rowRange(top, top + std::min(rows, image.rows - top)),
+                                   top / rows));
+    file.finish();
+}
+
+} // namespace
+
+bool isLarge(cv::Size size) {
+    constexpr std::int64_t most = std::int64_t{1} << 25;
+    return std::int64_t{size.width} * size.height > most;
+}
+
+PngStrips::PngStrips(cv::Size size, int type, QIODevice& device, std::optional<double> pixelSize)
+    : device_(device) {
+    writeStart(size, type, device, pixelSize);
+}
+
+int PngStrips::rowsOf(cv::Size size, int type) {
+    constexpr std::size_t stripBytes = 1 << 22; // many blocks, and yet little memory
+    const std::size_t rowBytes = CV_ELEM_SIZE(type) * static_cast<std::size_t>(size.width);
+    return static_cast<int>(std::max<std::size_t>(1, stripBytes / rowBytes));
+}
+
+PngStrips::Strip PngStrips::encode(const cv::Mat& rows, int number) {
+    Strip strip;
+    QBuffer buffer(&strip.chunks);
+    buffer.open(QIODevice::WriteOnly);
+    withImageData(rows, buffer, [&](auto&& data) { strip.adler = data.writePart(number == 0); });
+    const std::size_t rowBytes = 1 + rows.elemSize() * static_cast<std::size_t>(rows.cols);
+    strip.bytes = std::uint64_t{rowBytes} * static_cast<std::uint64_t>(rows.rows);
+    return strip;
+}
+
+void PngStrips::add(const Strip& strip) {
+    if (!writeAll(device_, strip.chunks.constData(), strip.chunks.size()))
+        failWriting();
+    adler_ = joinedAdler(adler_, strip.adler, strip.bytes);
+}
+
+void PngStrips::finish() {
+    Chunk last("IDAT");
+    const auto block = DeflateEncoder::lastBlock();
+    last.bytes().insert(last.bytes().end(), block.begin(), block.end());
+    appendNumber(last.bytes(), adler_);
+    last.writeTo(device_);
+    Chunk("IEND").writeTo(device_);
+}
+
+void encodePng(const cv::Mat& image, QIODevice& device, std::optional<double> pixelSize) {
+    if (isLarge(image.size()))
+        return encodeInStrips(image, device, pixelSize);
+    writeStart(image.size(), image.type(), device, pixelSize);
+    withImageData(image, device, [](auto&& data) { data.write(); });
     Chunk("IEND").writeTo(device);
 }
 

@@ -103,13 +103,25 @@ public:
         return CV_MAKETYPE(bitDepth() == 16 ? CV_16U : CV_8U, png_get_channels(png_, info_));
     }
 
+    /// Whether rows come one after another.
+    bool isInOnePass() const { return passes_ == 1; }
+
     void readPixels(cv::Mat& image) {
+        for (int pass = 0; pass < passes_; ++pass)
+            readRows(image);
+        readEnd();
+    }
+
+    void readRows(cv::Mat& rows) {
         guarded(png_, errors_, damaged, [&] {
-            for (int pass = 0; pass < passes_; ++pass)
-                for (int y = 0; y < image.rows; ++y)
-                    png_read_row(png_, image.ptr(y), nullptr);
-            png_read_end(png_, info_); // checks that the file is whole; EXIF may come here, too
+            for (int y = 0; y < rows.rows; ++y)
+                png_read_row(png_, rows.ptr(y), nullptr);
         });
+    }
+
+    /// Checks that the file is whole. EXIF may come here, too.
+    void readEnd() {
+        guarded(png_, errors_, damaged, [&] { png_read_end(png_, info_); });
     }
 
     int orientation() const {
@@ -131,6 +143,27 @@ private:
     int passes_ = 1;
 };
 
+class PngRows : public PlaneRows {
+public:
+    /// @param decoder  That has read the header.
+    PngRows(std::unique_ptr<PngDecoder> decoder, cv::Size size)
+        : PlaneRows(size, decoder->type()), decoder_(std::move(decoder)), left_(size.height) {}
+
+    void read(cv::Mat& rows) override {
+        decoder_->readRows(rows);
+        left_ -= rows.rows;
+        if (left_ > 0)
+            return;
+        decoder_->readEnd();
+        if (decoder_->orientation() != 1)
+            throw Reason("says behind its pixels that it is turned, too late for one so large");
+    }
+
+private:
+    std::unique_ptr<PngDecoder> decoder_;
+    int left_;
+};
+
 } // namespace
 
 bool PngReader::recognises(const QByteArray& start) {
@@ -150,6 +183,18 @@ cv::Mat PngReader::read(int /*index*/) { return decoded(false); }
 
 cv::Mat PngReader::readPlane(int index, int component) {
     return hasPalette_ ? decoded(true) : PageReader::readPlane(index, component);
+}
+
+std::unique_ptr<PlaneRows> PngReader::rows(int /*index*/, int /*component*/) {
+    file().seek(0);
+    auto decoder = std::make_unique<PngDecoder>(file());
+    decoder->readHeader(hasPalette_);
+    const bool isPlain = !hasPalette_ && CV_MAT_CN(decoder->type()) == 1 &&
+                         decoder->isInOnePass() && decoder->orientation() == 1;
+    if (!isPlain)
+        return {};
+    const cv::Size size = checkedSize(decoder->width(), decoder->height(), decoder->type());
+    return std::make_unique<PngRows>(std::move(decoder), size);
 }
 
 FileDescription PngReader::describe() {

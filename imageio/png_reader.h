@@ -15,6 +15,7 @@ public:
     using PageReader::PageReader;
     cv::Mat read(int index) override;
     cv::Mat readPlane(int index, int component) override;
+    std::unique_ptr<PlaneRows> rows(int index, int component) override;
     FileDescription describe() override;
 
 private:

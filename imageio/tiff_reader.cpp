@@ -278,7 +278,9 @@ struct Pieces {
 
 /// Reads planes of a page into an image of as many channels, in the reverse order: red, green and
 /// blue become blue, green and red.
-void readInto(const Pieces& pieces, const Layout& layout, std::size_t component, cv::Mat& image) {
+/// @param top  The row of the page that comes first, where a piece begins.
+void readInto(const Pieces& pieces, const Layout& layout, std::size_t component, cv::Mat& image,
+              int top = 0) {
     const auto channels = static_cast<std::size_t>(image.channels());
     const std::size_t step = layout.isPlanar ? 1 : layout.samples;
     const std::size_t together = layout.isPlanar ? 1 : channels;
@@ -292,7 +294,8 @@ void readInto(const Pieces& pieces, const Layout& layout, std::size_t component,
             // The last strip may be lower than the others.
             const std::size_t needed =
                 pieces.isTiled ? bytes : static_cast<std::size_t>(part.height) * pieces.rowBytes;
-            if (!pieces.read(static_cast<std::uint32_t>(part.x), static_cast<std::uint32_t>(part.y),
+            if (!pieces.read(static_cast<std::uint32_t>(part.x),
+                             static_cast<std::uint32_t>(top + part.y),
                              static_cast<std::uint16_t>(component + plane), values.get(),
                              static_cast<tmsize_t>(needed)))
                 throw Reason(cut);
@@ -316,6 +319,46 @@ void invert(const Layout& layout, cv::Mat& plane) {
     const double largest = isUnsigned ? std::ldexp(1, layout.bits) - 1 : 0;
     cv::subtract(cv::Scalar(largest), plane, plane);
 }
+
+/// The rows of a plane, through bands that are as high as a strip or tile.
+class TiffRows : public PlaneRows {
+public:
+    TiffRows(cv::Size size, const Pieces& pieces, const Layout& layout, std::size_t component)
+        : PlaneRows(size, CV_MAKETYPE(layout.depth(), 1)), pieces_(pieces), layout_(layout),
+          component_(component) {}
+
+    void read(cv::Mat& rows) override {
+        for (int y = 0; y < rows.rows;) {
+            if (next_ == bandEnd())
+                readBand();
+            const int count = std::min(rows.rows - y, bandEnd() - next_);
+            cv::Mat out = rows.rowRange(y, y + count);
+            band_.rowRange(next_ - top_, next_ - top_ + count).copyTo(out);
+            next_ += count;
+            y += count;
+        }
+    }
+
+private:
+    int bandEnd() const { return top_ + band_.rows; }
+
+    void readBand() {
+        top_ = next_;
+        const auto height = std::min<std::int64_t>(pieces_.height, size().height - top_);
+        if (height <= 0)
+            throw Reason(cut);
+        band_.create(static_cast<int>(height), size().width, type());
+        readInto(pieces_, layout_, component_, band_, top_);
+        if (layout_.isInverted())
+            invert(layout_, band_);
+    }
+
+    Pieces pieces_;
+    Layout layout_;
+    std::size_t component_;
+    cv::Mat band_;
+    int top_ = 0, next_ = 0; ///< The first row of the band, and the next one to give.
+};
 
 using Palette = std::array<cv::Vec3b, 256>; // of blue, green and red
 
@@ -476,6 +519,28 @@ cv::Mat TiffReader::readPlane(int index, int component) {
             cv::extractChannel(coloured(plane, palette), plane, 0);
     }
     return oriented(plane, field<std::uint16_t>(tiff_.get(), TIFFTAG_ORIENTATION));
+}
+
+std::unique_ptr<PlaneRows> TiffReader::rows(int index, int component) {
+    const Page page = open(index);
+    TIFF* const tiff = tiff_.get();
+    const Layout layout(tiff);
+    const bool isPlain = layout.isGray() && layout.hasIntegers() &&
+                         field<std::uint16_t>(tiff, TIFFTAG_ORIENTATION) == ORIENTATION_TOPLEFT &&
+                         (component != PlaneAddress::whole || page.components == 1) &&
+                         component < page.components;
+    if (!isPlain)
+        return {};
+    const cv::Size size = checkedSize(field<std::uint32_t>(tiff, TIFFTAG_IMAGEWIDTH),
+                                      field<std::uint32_t>(tiff, TIFFTAG_IMAGELENGTH),
+                                      CV_MAKETYPE(layout.depth(), 1));
+    const bool isInOnePiece = page.rawOffset == 0 && bytesInOnePiece(tiff) > 0;
+    const Pieces pieces(tiff, file(), isInOnePiece ? TIFFGetStrileOffset(tiff, 0) : page.rawOffset);
+    constexpr std::uint64_t littleMemory = 64 << 20;
+    if (pieces.bytes() <= 0 || pieces.height > littleMemory / pieces.rowBytes)
+        return {};
+    return std::make_unique<TiffRows>(size, pieces, layout,
+                                      static_cast<std::size_t>(std::max(component, 0)));
 }
 
 FileDescription TiffReader::describe() {

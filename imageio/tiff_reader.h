@@ -35,6 +35,7 @@ public:
         return pages_.at(static_cast<std::size_t>(index)).type;
     }
     cv::Mat readPlane(int index, int component) override;
+    std::unique_ptr<PlaneRows> rows(int index, int component) override;
     FileDescription describe() override;
 
 private:

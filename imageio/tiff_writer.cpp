@@ -55,7 +55,7 @@ struct TiffWriter::Output {
     void set(std::uint32_t tag, Value value) {
         TIFFSetField(tiff.get(), tag, value);
     }
-    void describe(const cv::Mat& page, std::size_t rowsPerStrip);
+    void describe(cv::Size size, int type);
     void copyRows(const cv::Mat& rows);
 
     AtomicFile file;
@@ -64,6 +64,8 @@ struct TiffWriter::Output {
     std::vector<std::uint8_t> strip;
     std::optional<double> pixelSize; ///< In µm.
     TiffCompression compression = TiffCompression::lzw;
+    int rowsPerStrip = 1, rowsLeft = 0; ///< Of the page that is written.
+    std::uint32_t stripNumber = 0;
 };
 
 TiffWriter::TiffWriter(const QString& file, Existing existing, std::uint64_t expectedBytes,
@@ -85,12 +87,12 @@ TiffWriter::TiffWriter(const QString& file, Existing existing, std::uint64_t exp
 
 TiffWriter::~TiffWriter() = default;
 
-void TiffWriter::Output::describe(const cv::Mat& page, std::size_t rowsPerStrip) {
-    const bool isColour = page.channels() == 3;
-    set(TIFFTAG_IMAGEWIDTH, page.cols);
-    set(TIFFTAG_IMAGELENGTH, page.rows);
-    set(TIFFTAG_SAMPLESPERPIXEL, page.channels());
-    set(TIFFTAG_BITSPERSAMPLE, page.depth() == CV_8U ? 8 : 16);
+void TiffWriter::Output::describe(cv::Size size, int type) {
+    const bool isColour = CV_MAT_CN(type) == 3;
+    set(TIFFTAG_IMAGEWIDTH, size.width);
+    set(TIFFTAG_IMAGELENGTH, size.height);
+    set(TIFFTAG_SAMPLESPERPIXEL, CV_MAT_CN(type));
+    set(TIFFTAG_BITSPERSAMPLE, CV_MAT_DEPTH(type) == CV_8U ? 8 : 16);
     set(TIFFTAG_PHOTOMETRIC, isColour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
     set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     set(TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rowsPerStrip));
@@ -122,23 +124,38 @@ void TiffWriter::Output::copyRows(const cv::Mat& rows) {
                     reinterpret_cast<std::uint16_t*>(out));
 }
 
-void TiffWriter::add(const cv::Mat& page) {
-    CV_Assert(page.channels() == 1 || page.channels() == 3);
-    CV_Assert(page.depth() == CV_8U || page.depth() == CV_16U);
+int TiffWriter::rowsOfStrip(cv::Size size, int type) {
     constexpr std::size_t stripBytes = 1 << 18; // so that readers can take it piece by piece
-    const std::size_t rowBytes = page.elemSize() * static_cast<std::size_t>(page.cols);
-    const auto rowsPerStrip =
-        static_cast<int>(std::max<std::size_t>(1, stripBytes / std::max<std::size_t>(1, rowBytes)));
+    const std::size_t rowBytes = CV_ELEM_SIZE(type) * static_cast<std::size_t>(size.width);
+    return static_cast<int>(
+        std::max<std::size_t>(1, stripBytes / std::max<std::size_t>(1, rowBytes)));
+}
+
+void TiffWriter::add(const cv::Mat& page) {
+    begin(page.size(), page.type());
+    addRows(page);
+}
+
+void TiffWriter::begin(cv::Size size, int type) {
+    CV_Assert(CV_MAT_CN(type) == 1 || CV_MAT_CN(type) == 3);
+    CV_Assert(CV_MAT_DEPTH(type) == CV_8U || CV_MAT_DEPTH(type) == CV_16U);
     Output& out = *output_;
-    out.describe(page, static_cast<std::size_t>(rowsPerStrip));
-    std::uint32_t number = 0;
-    for (int y = 0; y < page.rows; y += rowsPerStrip) {
-        out.copyRows(page.rowRange(y, y + std::min(rowsPerStrip, page.rows - y)));
-        if (TIFFWriteEncodedStrip(out.tiff.get(), number++, out.strip.data(),
+    out.rowsPerStrip = rowsOfStrip(size, type);
+    out.rowsLeft = size.height;
+    out.stripNumber = 0;
+    out.describe(size, type);
+}
+
+void TiffWriter::addRows(const cv::Mat& rows) {
+    Output& out = *output_;
+    for (int y = 0; y < rows.rows; y += std::min(out.rowsPerStrip, rows.rows - y)) {
+        out.copyRows(rows.rowRange(y, y + std::min(out.rowsPerStrip, rows.rows - y)));
+        if (TIFFWriteEncodedStrip(out.tiff.get(), out.stripNumber++, out.strip.data(),
                                   static_cast<tmsize_t>(out.strip.size())) < 0)
             out.fail();
     }
-    if (!TIFFWriteDirectory(out.tiff.get()))
+    out.rowsLeft -= rows.rows;
+    if (out.rowsLeft == 0 && !TIFFWriteDirectory(out.tiff.get()))
         out.fail();
 }
 

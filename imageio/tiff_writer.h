@@ -36,6 +36,12 @@ public:
     /// Appends a page: CV_8U or CV_16U with one channel, or three (blue, green, red).
     void add(const cv::Mat& page);
 
+    /// The same, of a page whose rows come one after another: `begin`, then all rows in parts of
+    /// `rowsOfStrip` or a multiple of it; the last part may have fewer.
+    void begin(cv::Size size, int type);
+    void addRows(const cv::Mat& rows);
+    static int rowsOfStrip(cv::Size size, int type);
+
     /// Gives the file its name; nothing can be added any more.
     void commit();
 

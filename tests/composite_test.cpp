@@ -44,11 +44,14 @@ TEST(Composite, AddsWhatAllShiftedImagesCover) {
                                       {CV_8UC4, CV_8UC3, CV_8UC1, CV_8UC3, CV_8UC3},
                                       {CV_16UC1, CV_16UC4, CV_16UC3},
                                       {CV_8UC3, CV_16UC3, CV_16UC1},
-                                      {CV_16UC1, CV_8UC4, CV_8UC3}};
-    const QPoint shapes[][5] = {{{0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}},
-                                {{0, 0}, {10, 2}, {4, 1}, {0, 2}, {10, 0}},
-                                {{-3, -2}, {0, 0}, {-1, -1}, {-3, 0}, {0, -2}},
-                                {{3, 0}, {0, 2}, {1, 1}, {2, 2}, {0, 0}}};
+                                      {CV_16UC1, CV_8UC4, CV_8UC3},
+                                      {CV_16UC3, CV_16UC3, CV_16UC1, CV_16UC3},
+                                      std::vector<int>(6, CV_16UC3),
+                                      std::vector<int>(7, CV_8UC3)};
+    const QPoint shapes[][7] = {{{0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}},
+                                {{0, 0}, {10, 2}, {4, 1}, {0, 2}, {10, 0}, {3, 0}, {0, 1}},
+                                {{-3, -2}, {0, 0}, {-1, -1}, {-3, 0}, {0, -2}, {-2, 0}, {0, 0}},
+                                {{3, 0}, {0, 2}, {1, 1}, {2, 2}, {0, 0}, {1, 0}, {0, 1}}};
     for (const std::vector<int>& types : mixes)
         for (cv::Size size : imageSizes())
             for (const auto& shape : shapes)

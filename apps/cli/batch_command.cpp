@@ -1,5 +1,6 @@
 // lumetra batch: an image of each field of a data set.
 
+#include "apps/cli/batch_gallery.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_set_levels.h"
 #include "apps/cli/fonts.h"
@@ -109,7 +110,7 @@ Batch prepare(const BatchOptions& options) {
     if (batch.fields.empty())
         return batch;
 
-    QStringList written{options.log, options.dataSet.progress};
+    QStringList written{options.log, options.dataSet.progress, options.gallery};
     for (const Field& field : batch.fields)
         written << field.job.output;
     checkOutputConflicts(written, inputNames(batch.fields)
@@ -117,11 +118,14 @@ Batch prepare(const BatchOptions& options) {
                                       << options.dataSet.filesFrom);
     if (batch.rendering.existing == Existing::keep && !options.dryRun)
         requireFreeOutputs(shardOf(batch.fields, options.shard));
+    if (!options.gallery.isEmpty() && !options.dryRun && options.shard.isEmpty())
+        checkPage(options.gallery, batch.rendering.existing);
     say(options, fieldList(batch.fields));
     shareLevels(batch, options);
     batch.fields = shardOf(batch.fields, options.shard);
     if (!options.shard.isEmpty())
         say(options, QStringLiteral("of these, ") + fieldList(batch.fields));
+    batch.rendering.jobs = jobsOfEach(options.dataSet.jobs, batch.fields.size());
     return batch;
 }
 
@@ -152,12 +156,16 @@ bool tellsOfFullDisk(const QString& reason) {
 
 /// Renders a field, unless an earlier run has done it; false if so. Notes what is wrong with it.
 /// @throws Interrupted, DiskFull.
-bool makeField(Field& field, const RenderSpec& rendering, FileRenderer& renderer, BatchLog& log) {
+/// @param gallery  Receives the image; may be null.
+bool makeField(Field& field, const RenderSpec& rendering, FileRenderer& renderer, BatchLog& log,
+               const BatchGallery* gallery) {
     const QJsonObject work = workOf(field, rendering);
     if (field.problem.isEmpty() && log.isDone(work))
         return false;
     try {
-        renderField(field, work, renderer, log);
+        const RenderedFile rendered = renderField(field, work, renderer, log);
+        if (gallery)
+            gallery->add(field.job.output, rendered.thumbnail);
     } catch (const Interrupted&) {
         throw;
     } catch (...) {
@@ -176,15 +184,16 @@ struct Outcome {
     QString diskFull; ///< Why it was stopped; empty if there was room for all.
 };
 
-Outcome makeFields(Batch& batch, const BatchOptions& options) {
+Outcome makeFields(Batch& batch, const BatchOptions& options, const BatchGallery* gallery) {
     Outcome outcome;
     std::atomic<int> skipped{0};
-    BatchLog log(options.log, options.resume);
+    BatchLog log(gallery ? gallery->log() : options.log, options.resume);
     Progress progress = progressOf(options, QStringLiteral("rendering"), batch, true);
     const auto makeWorker = [&] {
-        return [&, renderer = std::make_shared<FileRenderer>(batch.rendering)](std::size_t i) {
+        return [&, renderer = std::make_shared<FileRenderer>(batch.rendering, gallery != nullptr)](
+                   std::size_t i) {
             Field& field = batch.fields[i];
-            if (!makeField(field, batch.rendering, *renderer, log))
+            if (!makeField(field, batch.rendering, *renderer, log, gallery))
                 ++skipped;
             if (field.problem.isEmpty())
                 progress.fieldDone();
@@ -216,11 +225,14 @@ int renderFields(const BatchOptions& options) {
     if (batch.fields.empty())
         return options.shard.isEmpty() ? nothingMatched : done;
     Outcome outcome;
+    std::unique_ptr<BatchGallery> gallery;
     if (options.dryRun) {
         printLines(batch, options);
     } else {
         const auto fonts = fontsFor(batch.rendering);
-        outcome = makeFields(batch, options);
+        if (!options.gallery.isEmpty())
+            gallery = std::make_unique<BatchGallery>(options);
+        outcome = makeFields(batch, options, gallery.get());
     }
     printProblems(batch.fields);
     if (caughtSignal() != 0)
@@ -235,7 +247,8 @@ int renderFields(const BatchOptions& options) {
                          QStringLiteral(" done") +
                          (outcome.skipped > 0 ? note.arg(outcome.skipped) : QString()));
     }
-    return isWhole ? done : failed;
+    const int shown = gallery ? gallery->finish(batch.fields) : done;
+    return isWhole ? shown : failed;
 }
 
 } // namespace

@@ -116,6 +116,27 @@ cv::Mat ChannelFiles::plane(const ChannelPlanes& channel, const Plane& plane) {
                           : channel.file->plane(channel.channel, plane.slice, plane.frame);
 }
 
+std::unique_ptr<PlaneRows> ChannelFiles::rowsOf(const ImageFile& file, std::size_t channel) const {
+    const ChannelPlanes& planes = channels_[channel];
+    if (images_ != 1 || planes.images.front().size() != 1 || planes.input.sliceFiles.size() > 1)
+        return {};
+    const Plane& plane = planes.images.front().front();
+    return plane.page > 0 ? file.rowsOfPage(plane.page, planes.channel)
+                          : file.rows(planes.channel, plane.slice, plane.frame);
+}
+
+std::unique_ptr<PlaneRows> ChannelFiles::rows(std::size_t channel) const {
+    return rowsOf(file(channel), channel);
+}
+
+OpenRows ChannelFiles::openRows(std::size_t channel) const {
+    OpenRows opened{std::make_unique<ImageFile>(file(channel).file()), {}};
+    opened.rows = rowsOf(*opened.file, channel);
+    if (!opened.rows)
+        throw Error(QStringLiteral("%1: has changed meanwhile").arg(file(channel).file()));
+    return opened;
+}
+
 void ChannelFiles::addPlanes(const ChannelPlanes& channel, int i, Projection& projection) {
     for (const Plane& part : channel.images.at(static_cast<std::size_t>(i))) {
         throwIfInterrupted();

@@ -16,6 +16,12 @@
 
 namespace lumetra {
 
+/// A plane that is read from top to bottom, of a file of its own.
+struct OpenRows {
+    std::unique_ptr<ImageFile> file;
+    std::unique_ptr<PlaneRows> rows;
+};
+
 /// The files of channels, opened.
 class ChannelFiles {
 public:
@@ -53,6 +59,13 @@ public:
     /// @throws Error as `gray`, and with both names if their sizes differ; Interrupted.
     void planes(int i, std::vector<cv::Mat>& planes);
 
+    /// The plane of the only image, to be read from top to bottom: `ImageFile::rows`. Null if there
+    /// are several images or planes.
+    std::unique_ptr<PlaneRows> rows(std::size_t channel) const;
+
+    /// The same of the file opened once more, so that others can be read meanwhile.
+    OpenRows openRows(std::size_t channel) const;
+
     /// The range that `gray` brought to 16 bits; none where it had nothing to bring.
     const std::optional<FiniteRange>& convertedRange(std::size_t channel) const {
         return channels_[channel].range;
@@ -77,6 +90,7 @@ private:
 
     ChannelPlanes planesOf(std::shared_ptr<ImageFile> file, const InputFile& input) const;
     static cv::Mat plane(const ChannelPlanes& channel, const Plane& plane);
+    std::unique_ptr<PlaneRows> rowsOf(const ImageFile& file, std::size_t channel) const;
     static void addPlanes(const ChannelPlanes& channel, int i, Projection& projection);
     FiniteRange finiteRangeOf(std::size_t channel);
 

@@ -31,8 +31,8 @@ ValueLimits inValues(ContrastLimits steps, const FiniteRange& range) {
 int bitDepthOf(const cv::Mat& plane) { return plane.depth() == CV_8U ? 8 : 16; }
 
 /// Refuses limits that would not fit the values.
-void requireFit(const QString& file, std::size_t number, const ChannelSpec& wanted, int bits,
-                bool isConverted, const QString& settings) {
+void requireFitOf(const QString& file, std::size_t number, const ChannelSpec& wanted, int bits,
+                  bool isConverted, const QString& settings) {
     const auto& [channel, policy] = wanted;
     if (isConverted && policy.method == LevelPolicy::Method::none)
         throw Error(QStringLiteral("%1: has values that are neither 8- nor 16-bit unsigned: give "
@@ -77,11 +77,25 @@ void setLimits(Channel& channel, const LevelPolicy& settled, const ChannelValues
     channel.levels = allOf16Bits;
 }
 
+void requireFit(const QString& file, std::size_t number, const ChannelSpec& wanted, int bits,
+                const QString& settings) {
+    requireFitOf(file, number, wanted, bits, false, settings);
+}
+
+Channel channelWithLimits(const ChannelSpec& wanted, const Histogram& histogram) {
+    const ChannelValues values{{}, histogram};
+    Channel channel = wanted.channel;
+    setLimits(channel, settledLevels(wanted.levels, values), values);
+    if (wanted.levels.isMeasured())
+        channel.levelsBits = histogram.bitDepth();
+    return channel;
+}
+
 Channel channelWithLimits(ChannelFiles& files, std::size_t number, const ChannelSpec& wanted,
                           cv::Mat& plane, const QString& settings) {
     const QString& name = files.file(number).file();
     ChannelValues values{files.convertedRange(number)};
-    requireFit(name, number, wanted, bitDepthOf(plane), values.range.has_value(), settings);
+    requireFitOf(name, number, wanted, bitDepthOf(plane), values.range.has_value(), settings);
     if (values.range && values.range->notFinite > 0)
         printError(QStringLiteral("%1: %2 that are infinite or not a number are shown as black")
                        .arg(name, plural(values.range->notFinite, QStringLiteral("pixel value"))));

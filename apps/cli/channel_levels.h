@@ -25,6 +25,15 @@ LevelPolicy settledLevels(const LevelPolicy& policy, const ChannelValues& values
 /// @param values  What they were found of, or will be used for; only its kind counts.
 void setLimits(Channel& channel, const LevelPolicy& settled, const ChannelValues& values);
 
+/// Refuses contrast limits that would not fit values of 8 or 16 bits, unsigned.
+/// @throws Error as `channelWithLimits`.
+void requireFit(const QString& file, std::size_t number, const ChannelSpec& wanted, int bits,
+                const QString& settings);
+
+/// A channel of such values with its contrast limits.
+/// @param histogram  Of the values, if its limits are to be measured.
+Channel channelWithLimits(const ChannelSpec& wanted, const Histogram& histogram);
+
 /// The contrast limits of a channel's files: known, or measured over all of their images. Values
 /// that are neither 8- nor 16-bit unsigned are brought to 16 bits under them from then on, and what
 /// is not a number is told.

@@ -243,14 +243,23 @@ void addLog(CLI::App& command, QString& log, const std::string& meaning) {
     Section{command, "Output"}.addText("--log", "FILE", log, meaning);
 }
 
+/// @param more  What jobs are.
+void addJobs(CLI::App& command, int& jobs, const std::string& more = "") {
+    jobs = defaultJobs();
+    Section{command, "Processing"}.addNumber("--jobs", "N", jobs, wholeNumber(1, 1024),
+                                             "Parallel jobs" + more +
+                                                 " (default: number of cores)");
+}
+
 /// @param unit  What is worked on.
 void addJobs(CLI::App& command, int& jobs, QString& progress, const std::string& unit) {
-    const Section section{command, "Processing"};
-    jobs = defaultJobs();
-    section.addNumber("--jobs", "N", jobs, wholeNumber(1, 1024),
-                      "Parallel jobs (default: number of cores)");
-    section.addText("--progress", "FILE", progress,
-                    "Append key=value lines to FILE after each " + unit);
+    addJobs(command, jobs);
+    Section{command, "Processing"}.addText("--progress", "FILE", progress,
+                                           "Append key=value lines to FILE after each " + unit);
+}
+
+void addImageJobs(CLI::App& command, int& jobs) {
+    addJobs(command, jobs, " for an image of more than 32 million pixels");
 }
 
 void addDataSet(CLI::App& command, DataSetOptions& options) {
@@ -322,6 +331,7 @@ void declare(CLI::App& command, MergeOptions& options) {
     addPanels(command, options.panels);
     addLegend(command, options.image.annotation);
     addScaleBar(command, options.image.annotation);
+    addImageJobs(command, options.image.jobs);
 }
 
 void declare(CLI::App& command, DyeOptions& options) {
@@ -340,6 +350,7 @@ void declare(CLI::App& command, DyeOptions& options) {
     addFraming(command, options.image.framing);
     addLegend(command, options.image.annotation);
     addScaleBar(command, options.image.annotation);
+    addImageJobs(command, options.image.jobs);
 }
 
 void declare(CLI::App& command, PseudoOptions& options) {
@@ -356,6 +367,7 @@ void declare(CLI::App& command, PseudoOptions& options) {
     addPages(command, options.image.pages);
     addFraming(command, options.image.framing);
     addScaleBar(command, options.image.annotation);
+    addImageJobs(command, options.image.jobs);
 }
 
 void declare(CLI::App& command, LevelsOptions& options) {
@@ -377,6 +389,10 @@ void declare(CLI::App& command, BatchOptions& options) {
     addCompression(command, options.image.output.compression);
     addLog(command, options.log,
            "Append a line of JSON for each field: inputs, output, outcome, milliseconds");
+    Section{command, "Output"}.addText(
+        "--gallery", "FILE", options.gallery,
+        "Make FILE as well, an HTML page as 'lumetra gallery' makes it, with the images at hand. "
+        "With --shard, make the thumbnails alone, which 'lumetra gallery' then finds");
     addChannelFiles(command, options.channel);
     addHidden(command, options.channel.hidden);
     addPalette(command, options.channel.safePalette);

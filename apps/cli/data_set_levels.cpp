@@ -1,5 +1,6 @@
 #include "apps/cli/data_set_levels.h"
 
+#include "apps/cli/large_image.h"
 #include "apps/cli/signals.h"
 #include "apps/cli/workers.h"
 #include "apps/common/error.h"
@@ -16,8 +17,15 @@ using AllValues = std::vector<ChannelValues>; ///< Of each channel.
 
 /// The pixel values of one field: their counts, or their range where they first have to be brought
 /// to 16 bits.
-AllValues measureField(ChannelFiles& files, std::vector<cv::Mat>& planes) {
+/// @param jobs  Threads for a large image.
+AllValues measureField(ChannelFiles& files, std::vector<cv::Mat>& planes, int jobs) {
     AllValues values(files.channels());
+    if (const auto image = LargeImage::of(files)) {
+        std::vector<Histogram> histograms = image->histograms(jobs);
+        for (std::size_t k = 0; k < values.size(); ++k)
+            values[k].histogram = std::move(histograms[k]);
+        return values;
+    }
     for (int i = 0; i < files.images(); ++i) {
         files.planes(i, planes);
         for (std::size_t k = 0; k < values.size(); ++k) {
@@ -105,7 +113,13 @@ DataSetLevels measureLevels(std::vector<Field>& fields, const PageSelection& pag
             addTo(sum.channels[k], values[k], field.job.inputs[k].file);
         sum.files += static_cast<int>(values.size());
     };
-    forEachField(fields, pages, jobs, progress, measureField, add);
+    forEachField(
+        fields, pages, jobs, progress,
+        [jobsOfField = jobsOfEach(jobs, fields.size())](ChannelFiles& files,
+                                                        std::vector<cv::Mat>& planes) {
+            return measureField(files, planes, jobsOfField);
+        },
+        add);
 
     const auto hasRange = [](const ChannelValues& channel) { return channel.range.has_value(); };
     if (std::none_of(sum.channels.begin(), sum.channels.end(), hasRange))

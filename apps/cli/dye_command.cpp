@@ -60,7 +60,8 @@ int runDye(const DyeOptions& options) {
     findSliceFiles(input);
     checkImageOutput(options.image.output.file, options.image.output.compression);
     ChannelFiles files({input}, options.image.pages);
-    if (files.any(0, 0).channels() > 1)
+    const bool isGray = files.rows(0) != nullptr; // which needs no reading
+    if (!isGray && files.any(0, 0).channels() > 1)
         return dyeRgb(options, input, files);
     return runMerge({{options.file}, options.image, options.channel, {}, {}});
 }

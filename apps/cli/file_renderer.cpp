@@ -1,13 +1,16 @@
 #include "apps/cli/file_renderer.h"
 
 #include "apps/cli/channel_levels.h"
+#include "apps/cli/image_strips.h"
 #include "apps/cli/signals.h"
+#include "apps/cli/thumbnails.h"
 #include "apps/common/error.h"
 #include "apps/common/image_size.h"
 #include "apps/common/messages.h"
 #include "imageio/image_writer.h"
 #include "imageio/output_conflicts.h"
 #include "imageio/output_format.h"
+#include "imageio/png_encoder.h"
 #include "imageio/tiff_writer.h"
 
 #include <opencv2/core.hpp>
@@ -15,6 +18,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -39,23 +43,67 @@ std::vector<Channel> FileRenderer::channelsWithLimits(ChannelFiles& files) {
 RenderedFile FileRenderer::render(const RenderJob& job) {
     checkOutput(job.output, inputNames(job), rendering_.existing);
     ChannelFiles files(job.inputs, rendering_.pages);
+    if (canRenderInStrips(job.output))
+        if (const auto image = LargeImage::of(files))
+            return renderLarge(*image, files, job.output);
+    return renderWhole(files, job.output);
+}
+
+/// Whether nothing is wanted of an image for which all of it has to be at hand.
+bool FileRenderer::canRenderInStrips(const QString& output) const {
+    const auto needsRange = [](const ChannelSpec& channel) {
+        return channel.channel.colormap && channel.levels.method == LevelPolicy::Method::none;
+    };
+    return canBeWrittenInStrips(output) && rendering_.framing.isEmpty() &&
+           rendering_.annotation.isEmpty() && !rendering_.panels &&
+           std::none_of(rendering_.channels.begin(), rendering_.channels.end(), needsRange);
+}
+
+RenderedFile FileRenderer::renderLarge(const LargeImage& image, const ChannelFiles& files,
+                                       const QString& output) {
+    const auto& wanted = rendering_.channels;
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        requireFit(files.file(i).file(), i, wanted[i], image.bitDepth(i), rendering_.settings);
+    std::vector<Histogram> histograms(wanted.size());
+    if (hasMeasuredLevels(wanted))
+        histograms = image.histograms(rendering_.jobs);
+    RenderedFile rendered;
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        rendered.channels.push_back(channelWithLimits(wanted[i], histograms[i]));
+    QDir().mkpath(QFileInfo(output).path()); // what goes wrong, writing tells
+    try {
+        const RenderSpec rendering = withPixelSize(rendering_, files.file(0));
+        rendered.size = sizeText(image.render(rendered.channels, rendering, output));
+    } catch (const cv::Exception&) {
+        failRendering(output);
+    } catch (const std::bad_alloc&) {
+        failRendering(output);
+    }
+    return rendered;
+}
+
+RenderedFile FileRenderer::renderWhole(ChannelFiles& files, const QString& output) {
     files.planes(0, planes_);
     const std::vector<Channel> channels = channelsWithLimits(files);
     const RenderSpec rendering = withPixelSize(rendering_, files.file(0));
+    RenderedFile rendered{{}, channels};
     try {
         const auto draw = [&](int i) -> const Figure& {
             if (files.images() > 1)
                 files.planes(i, planes_);
             renderFigure(renderer_, planes_, channels, rendering, figure_);
+            if (makesThumbnails_ && i == 0)
+                rendered.thumbnail = thumbnailOf(figure_.image);
             return figure_;
         };
-        writeImages(job.output, rendering, files.images(), draw);
+        writeImages(output, rendering, files.images(), draw);
     } catch (...) {
         planes_.clear();
         throw;
     }
     planes_.clear();
-    return {sizeText(figure_.image), channels};
+    rendered.size = sizeText(figure_.image);
+    return rendered;
 }
 
 RenderSpec withPixelSize(RenderSpec rendering, const ImageFile& file) {
@@ -96,6 +144,13 @@ void writeImages(const QString& output, const RenderSpec& rendering, int count,
     if (count == 1) {
         const Figure& figure = drawn(0);
         throwIfInterrupted();
+        if (isLarge(figure.image.size()) && canBeWrittenInStrips(output))
+            return writeStrips(output, figure.image.size(), figure.image.type(), figure.pixelSize,
+                               rendering, [&]() -> StripPainter {
+                                   return [&](std::size_t /*number*/, cv::Range rows) {
+                                       return figure.image.rowRange(rows);
+                                   };
+                               });
         return writeImage(output, figure.image, rendering.existing, figure.pixelSize,
                           rendering.compression);
     }

@@ -3,6 +3,7 @@
 
 #include "apps/cli/channel_files.h"
 #include "apps/cli/figure.h"
+#include "apps/cli/large_image.h"
 #include "apps/cli/render_spec.h"
 #include "render/renderer.h"
 
@@ -23,13 +24,15 @@ struct RenderJob {
 struct RenderedFile {
     QString size;                  ///< Of the image, in words.
     std::vector<Channel> channels; ///< With the contrast limits that were used.
+    cv::Mat thumbnail{};           ///< Of the first image, if it is wanted.
 };
 
 /// Renders images one after another, and keeps the memory that it needs.
 class FileRenderer {
 public:
     /// @param rendering  Kept by reference.
-    explicit FileRenderer(const RenderSpec& rendering) : rendering_(rendering) {}
+    explicit FileRenderer(const RenderSpec& rendering, bool makesThumbnails = false)
+        : rendering_(rendering), makesThumbnails_(makesThumbnails) {}
 
     /// Reads, renders and writes one image, or a stack. Contrast limits that are to be measured are
     /// measured over all of its pages.
@@ -38,9 +41,14 @@ public:
     RenderedFile render(const RenderJob& job);
 
 private:
+    RenderedFile renderWhole(ChannelFiles& files, const QString& output);
+    RenderedFile renderLarge(const LargeImage& image, const ChannelFiles& files,
+                             const QString& output);
+    bool canRenderInStrips(const QString& output) const;
     std::vector<Channel> channelsWithLimits(ChannelFiles& files);
 
     const RenderSpec& rendering_;
+    bool makesThumbnails_;
     Renderer renderer_;
     std::vector<cv::Mat> planes_;
     Figure figure_;

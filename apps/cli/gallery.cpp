@@ -99,6 +99,19 @@ std::vector<Tile> findImages(const QString& folder) {
     return tiles;
 }
 
+std::vector<Tile> tilesOf(const QString& folder, const QStringList& images) {
+    std::vector<Tile> tiles;
+    for (const QString& image : images)
+        if (QFileInfo(image).isFile())
+            tiles.push_back({tileName(folder, image), image, {}, {}, false});
+    sortByName(tiles);
+    return tiles;
+}
+
+QString folderTitle(const QString& folder) {
+    return QDir(folder).absolutePath().section(QLatin1Char('/'), -1);
+}
+
 LatestEntries latestEntries(const std::vector<LoggedImage>& log, const QString& folder) {
     const QString above = QDir(placeOfFolder(folder)).filePath(QString());
     LatestEntries latest;

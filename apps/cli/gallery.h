@@ -43,6 +43,12 @@ struct Gallery {
 /// @throws Error if it cannot be read.
 std::vector<Tile> findImages(const QString& folder);
 
+/// The tiles of those images that are there.
+std::vector<Tile> tilesOf(const QString& folder, const QStringList& images);
+
+/// What a page of a folder is called.
+QString folderTitle(const QString& folder);
+
 /// The latest entry of logs for each image below a folder, by its place (`resolvedPath`).
 using LatestEntries = std::map<QString, LoggedImage>;
 LatestEntries latestEntries(const std::vector<LoggedImage>& log, const QString& folder);

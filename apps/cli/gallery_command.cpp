@@ -5,79 +5,14 @@
 #include "apps/cli/options.h"
 #include "apps/cli/progress.h"
 #include "apps/cli/render_spec.h"
-#include "apps/cli/signals.h"
-#include "apps/cli/workers.h"
+#include "apps/cli/thumbnails.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "apps/common/settings.h"
-#include "imageio/image_file.h"
-#include "imageio/image_writer.h"
 #include "imageio/output_conflicts.h"
-#include "render/shrink.h"
-
-#include <QDateTime>
-#include <QDir>
-#include <QFileInfo>
-
-#include <algorithm>
 
 namespace lumetra {
 namespace {
-
-/// An image small enough for a thousand of them on a page.
-cv::Mat reduced(const cv::Mat& image) {
-    constexpr int side = 256;
-    const double scale = double(side) / std::max(image.cols, image.rows);
-    const auto shorter = [&](int length) { return std::max(cvRound(length * scale), 1); };
-    cv::Mat small = scale < 1 ? cv::Mat() : image;
-    if (scale < 1)
-        shrink(image, {shorter(image.cols), shorter(image.rows)}, small);
-    if (small.depth() == CV_16U)
-        small.convertTo(small, CV_8U, 1 / 257.0);
-    return small;
-}
-
-/// Makes a thumbnail, unless there is one of this very image: it bears the image's time.
-void makeThumbnail(const QString& file, const QString& thumbnail) {
-    const QDateTime time = QFileInfo(file).lastModified();
-    if (QFileInfo(thumbnail).lastModified() == time)
-        return;
-    const cv::Mat small = reduced(ImageFile(file).page(1));
-    throwIfInterrupted();
-    QDir().mkpath(QFileInfo(thumbnail).path()); // what goes wrong, writing tells
-    writeImage(thumbnail, small, Existing::replace);
-    QFile written(thumbnail);
-    if (written.open(QIODevice::ReadWrite))
-        written.setFileTime(time, QFileDevice::FileModificationTime);
-}
-
-void makeThumbnails(Gallery& gallery, const GalleryOptions& options) {
-    const QDir thumbnails(thumbnailFolder(options.output.file));
-    Progress progress(QStringLiteral("thumbnails"), static_cast<int>(gallery.tiles.size()),
-                      options.output.quiet, options.progress);
-    const auto makeWorker = [&] {
-        return [&](std::size_t i) {
-            Tile& tile = gallery.tiles[i];
-            if (tile.file.isEmpty())
-                return progress.fieldDone();
-            const QString thumbnail =
-                thumbnails.filePath(nameBelow(options.folder, tile.file) + QStringLiteral(".jpg"));
-            try {
-                makeThumbnail(tile.file, thumbnail);
-                tile.thumbnail = thumbnail;
-                progress.fieldDone();
-            } catch (const Interrupted&) {
-                throw;
-            } catch (...) {
-                tile.problem = currentExceptionText();
-                tile.isBroken = true;
-                progress.fieldFailed();
-            }
-        };
-    };
-    runWorkers(options.jobs, gallery.tiles.size(), makeWorker, [&] { progress.tick(); });
-    throwIfInterrupted();
-}
 
 Gallery galleryOf(const GalleryOptions& options) {
     const QString& folder = options.folder;
@@ -86,8 +21,7 @@ Gallery galleryOf(const GalleryOptions& options) {
         for (LoggedImage& image : readLog(file))
             log.push_back(std::move(image));
     Gallery gallery;
-    gallery.title =
-        options.title.isEmpty() ? QDir(folder).absolutePath().section('/', -1) : options.title;
+    gallery.title = options.title.isEmpty() ? folderTitle(folder) : options.title;
     gallery.isList = options.list;
     gallery.tiles = findImages(folder);
     const LatestEntries entries = latestEntries(log, folder);
@@ -108,31 +42,6 @@ Gallery galleryOf(const GalleryOptions& options) {
     return gallery;
 }
 
-int printResult(const Gallery& gallery, const GalleryOptions& options) {
-    int status = done;
-    std::size_t problems = 0;
-    for (const Tile& tile : gallery.tiles) {
-        problems += tile.problem.isEmpty() ? 0 : 1;
-        if (!tile.isBroken)
-            continue;
-        status = failed;
-        printError(tile.problem);
-    }
-    if (!options.output.quiet)
-        printError(
-            QStringLiteral("%1: %2, %3 of them failed")
-                .arg(options.output.file, plural(gallery.tiles.size(), QStringLiteral("image")))
-                .arg(problems));
-    return status;
-}
-
-/// Makes the folders of the page and of its thumbnails.
-void requireFolders(const QString& page) {
-    for (const QString& folder : {QFileInfo(page).path(), thumbnailFolder(page)})
-        if (!QDir().mkpath(folder) || !QFileInfo(folder).isWritable())
-            throw Error(QStringLiteral("%1: is not a folder that can be written").arg(folder));
-}
-
 QStringList filesRead(const Gallery& gallery, const GalleryOptions& options) {
     QStringList files = QStringList(options.logs) << options.settings;
     for (const Tile& tile : gallery.tiles)
@@ -144,10 +53,7 @@ QStringList filesRead(const Gallery& gallery, const GalleryOptions& options) {
 
 int runGallery(const GalleryOptions& options) {
     const QString& output = options.output.file;
-    const QString extension = QFileInfo(output).suffix().toLower();
-    if (extension != QLatin1String("html") && extension != QLatin1String("htm"))
-        throw Error(QStringLiteral("%1: a gallery is written as .html").arg(output));
-    checkOutput(output, {}, existingOf(options.output));
+    checkPage(output, existingOf(options.output));
     Gallery gallery = galleryOf(options);
     if (gallery.tiles.empty()) {
         printError(QStringLiteral("there is no image in %1").arg(options.folder));
@@ -155,9 +61,12 @@ int runGallery(const GalleryOptions& options) {
     }
     checkOutputConflicts({output, options.progress}, filesRead(gallery, options));
     requireFolders(output);
-    makeThumbnails(gallery, options);
-    writeBytes(output, galleryPage(gallery, output), existingOf(options.output));
-    return printResult(gallery, options);
+    {
+        Progress progress(QStringLiteral("thumbnails"), static_cast<int>(gallery.tiles.size()),
+                          options.output.quiet, options.progress);
+        Thumbnails(output, options.folder).make(gallery.tiles, options.jobs, progress);
+    }
+    return writePage(gallery, options.output);
 }
 
 } // namespace lumetra

@@ -1,8 +1,12 @@
 #include "apps/cli/gallery_page.h"
 
+#include "apps/cli/commands.h"
 #include "apps/cli/plate.h"
+#include "apps/cli/render_spec.h"
 #include "apps/common/error.h"
+#include "apps/common/messages.h"
 #include "apps/common/text.h"
+#include "imageio/atomic_file.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -276,6 +280,28 @@ QByteArray galleryPage(const Gallery& gallery, const QString& page) {
     html += QStringLiteral("</main>\n<footer class=\"muted\">Made by lumetra " LUMETRA_VERSION
                            "</footer>\n</body>\n</html>\n");
     return html.toUtf8();
+}
+
+int printBroken(const Gallery& gallery) {
+    int status = done;
+    for (const Tile& tile : gallery.tiles)
+        if (tile.isBroken) {
+            status = failed;
+            printError(tile.problem);
+        }
+    return status;
+}
+
+int writePage(const Gallery& gallery, const OutputOptions& output) {
+    writeBytes(output.file, galleryPage(gallery, output.file), existingOf(output));
+    const int status = printBroken(gallery);
+    const auto problems = std::count_if(gallery.tiles.begin(), gallery.tiles.end(),
+                                        [](const Tile& tile) { return !tile.problem.isEmpty(); });
+    if (!output.quiet)
+        printError(QStringLiteral("%1: %2, %3 of them failed")
+                       .arg(output.file, plural(gallery.tiles.size(), QStringLiteral("image")))
+                       .arg(problems));
+    return status;
 }
 
 } // namespace lumetra

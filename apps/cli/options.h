@@ -46,6 +46,7 @@ struct ImageOptions {
     PageSelection pages;
     FramingOptions framing;
     AnnotationOptions annotation;
+    int jobs = 1; ///< Threads for a large image.
 };
 
 /// Where channels have their colours and settings from.
@@ -115,6 +116,7 @@ struct BatchOptions {
     QString levelsOver = QStringLiteral("dataset"); ///< Or "field": what limits are measured over.
     QString shard;                                  ///< `K/N`.
     QString log;
+    QString gallery;
     bool resume = false;
     bool dryRun = false;
 };

@@ -153,7 +153,8 @@ RenderSpec renderSpec(const std::vector<Channel>& channels, const ImageOptions& 
             existingOf(image.output),
             std::nullopt,
             options.settings,
-            tiffCompressionNamed(image.output.compression).value_or(TiffCompression::lzw)};
+            tiffCompressionNamed(image.output.compression).value_or(TiffCompression::lzw),
+            image.jobs};
 }
 
 } // namespace lumetra

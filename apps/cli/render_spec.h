@@ -39,6 +39,7 @@ struct RenderSpec {
     std::optional<PanelColours> panels; ///< Whether each channel is shown beside all, and how.
     QString settings;                   ///< The file that channels are from; may be empty.
     TiffCompression compression = TiffCompression::lzw; ///< Of outputs that are TIFF files.
+    int jobs = 1;                                       ///< Threads for a large image.
 };
 
 /// Whether contrast limits of any of the channels are to be measured.

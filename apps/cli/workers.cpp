@@ -51,6 +51,10 @@ void runWorkers(int jobs, std::size_t count,
         worker.get();
 }
 
+int jobsOfEach(int jobs, std::size_t pieces) {
+    return std::max(1, jobs / static_cast<int>(std::clamp<std::size_t>(pieces, 1, 1024)));
+}
+
 int defaultJobs() { return static_cast<int>(std::max(std::thread::hardware_concurrency(), 1U)); }
 
 } // namespace lumetra

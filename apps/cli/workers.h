@@ -15,6 +15,9 @@ void runWorkers(int jobs, std::size_t count,
                 const std::function<std::function<void(std::size_t)>()>& makeWorker,
                 const std::function<void()>& tick);
 
+/// How many threads each of several pieces can have that are worked on at once.
+int jobsOfEach(int jobs, std::size_t pieces);
+
 /// How many threads there are to be by default.
 int defaultJobs();
 

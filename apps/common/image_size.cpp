@@ -4,9 +4,11 @@
 
 namespace lumetra {
 
-QString sizeText(const cv::Mat& image) {
-    return QStringLiteral("%1 x %2").arg(image.cols).arg(image.rows);
+QString sizeText(cv::Size size) {
+    return QStringLiteral("%1 x %2").arg(size.width).arg(size.height);
 }
+
+QString sizeText(const cv::Mat& image) { return sizeText(image.size()); }
 
 void requireEqualSizes(const QString& firstFile, const cv::Mat& first, const QString& file,
                        const cv::Mat& image) {

@@ -7,7 +7,8 @@
 
 namespace lumetra {
 
-/// "W x H" of an image.
+/// "W x H".
+QString sizeText(cv::Size size);
 QString sizeText(const cv::Mat& image);
 
 /// @throws Error with both names unless the images have equal sizes.

@@ -1,6 +1,7 @@
 #include "lumetra/composite/compositing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <limits>
 
@@ -13,19 +14,34 @@ Value saturatedSum(Value a, Value b) {
     return static_cast<Value>(a + std::min(b, room));
 }
 
-template<class Value>
-void addSaturated(const Value* __restrict values, Value* __restrict sums, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        sums[i] = saturatedSum(sums[i], values[i]);
+/// Makes `sums` what is in it already, or the first row, and all the other rows.
+template<bool isBegun, std::size_t others, class Value>
+void sumLoop(const Value* first, const std::array<const Value*, 3>& rows, Value* __restrict sums,
+             std::size_t count) {
+    const Value *const a = rows[0], *const b = rows[1], *const c = rows[2];
+    for (std::size_t i = 0; i < count; ++i) {
+        Value sum = saturatedSum(isBegun ? sums[i] : first[i], a[i]);
+        if constexpr (others > 1)
+            sum = saturatedSum(sum, b[i]);
+        if constexpr (others > 2)
+            sum = saturatedSum(sum, c[i]);
+        sums[i] = sum;
+    }
 }
 
-template<class Value>
-void sumOfTwo(const Value* first, const Value* second, Value* __restrict sums, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        sums[i] = saturatedSum(first[i], second[i]);
+/// @param first   May be the sums themselves.
+/// @param others  How many rows count.
+template<std::size_t others, class Value>
+void sumOf(const Value* first, const std::array<const Value*, 3>& rows, Value* sums,
+           std::size_t count) {
+    if (first == sums)
+        sumLoop<true, others>(first, rows, sums, count);
+    else
+        sumLoop<false, others>(first, rows, sums, count);
 }
 
-/// The sum in pieces of a row so short that the processor keeps fetching all parts ahead.
+/// Up to four parts in one loop, and then three more at a time, in pieces of a row so short that
+/// they stay in the cache meanwhile.
 template<class Value>
 void sumRows(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
     constexpr std::size_t pieceValues = 1024;
@@ -33,14 +49,21 @@ void sumRows(const std::vector<cv::Mat>& parts, cv::Mat& canvas) {
     for (int y = 0; y < canvas.rows; ++y) {
         for (std::size_t first = 0; first < rowValues; first += pieceValues) {
             const std::size_t count = std::min(pieceValues, rowValues - first);
-            const auto values = [&](std::size_t k) { return parts[k].ptr<Value>(y) + first; };
             auto* const sums = canvas.ptr<Value>(y) + first;
-            if (values(0) == sums)
-                addSaturated(values(1), sums, count);
-            else
-                sumOfTwo(values(0), values(1), sums, count);
-            for (std::size_t k = 2; k < parts.size(); ++k)
-                addSaturated(values(k), sums, count);
+            const Value* before = parts[0].ptr<Value>(y) + first;
+            for (std::size_t k = 1; k < parts.size(); k += 3) {
+                std::array<const Value*, 3> rows{};
+                const std::size_t others = std::min(rows.size(), parts.size() - k);
+                for (std::size_t i = 0; i < others; ++i)
+                    rows[i] = parts[k + i].ptr<Value>(y) + first;
+                if (others == 1)
+                    sumOf<1>(before, rows, sums, count);
+                else if (others == 2)
+                    sumOf<2>(before, rows, sums, count);
+                else
+                    sumOf<3>(before, rows, sums, count);
+                before = sums;
+            }
         }
     }
 }

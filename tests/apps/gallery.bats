@@ -168,3 +168,43 @@ images() { # usage: images NAME...    an image file under each of the names
   fails 1 "other_thumbnails: is not a folder that can be written" lumetra gallery out -o other.html
   [ "$(cat other_thumbnails)" = mine ] && [ ! -e other.html ]
 }
+
+@test "a batch makes the gallery as it goes, the same as a gallery made of its images" {
+  rm plate/f03_actin.tif
+  run --separate-stderr plate --levels 9:60000 -o 'out/{field}.png' --log log --gallery all.html
+  [ "$status" = 1 ]
+  [[ $stderr == *"all.html: 10 images, 1 of them failed"* ]]
+  lumetra gallery out -o again.html --log log --quiet
+  sed 's/again_thumbnails/all_thumbnails/' again.html | cmp - all.html
+  diff -r all_thumbnails again_thumbnails
+  # Without a log as well; a run that goes on makes what is missing, and keeps the rest.
+  run plate -o 'mine/{field}.tif' --gallery mine.html --quiet
+  grep -q '>f03</a>: channel &quot;actin&quot; is missing' mine.html
+  grep -q 'dapi: DAPI <span class="muted">contrast limits [0-9]* to [0-9]*<' mine.html
+  kept=$(stat -c %i all_thumbnails/f04.png.jpg)
+  rm all_thumbnails/f05.png.jpg out/f06.png
+  cp plate/f04_actin.tif plate/f03_actin.tif
+  plate --levels 9:60000 -o 'out/{field}.png' --log log --gallery all.html --quiet --resume
+  lumetra gallery out -o again.html --log log --quiet --overwrite
+  sed 's/again_thumbnails/all_thumbnails/' again.html | cmp - all.html
+  diff -r all_thumbnails again_thumbnails
+  [ "$(stat -c %i all_thumbnails/f04.png.jpg)" = "$kept" ]
+  # Parts leave the page to the gallery, which finds their thumbnails there.
+  for part in 1/2 2/2; do
+    plate -o 'parts/{field}.png' --shard $part --gallery parts.html --quiet
+  done
+  [ ! -e parts.html ]
+  kept=$(stat -c %i parts_thumbnails/*)
+  lumetra gallery parts -o parts.html --quiet
+  [ "$(stat -c %i parts_thumbnails/*)" = "$kept" ] && [ "$(wc -w <<<"$kept")" = 10 ]
+}
+
+@test "a gallery that cannot be made stops a batch before any work" {
+  echo mine >index.html
+  fails 1 "--overwrite" plate -o 'out/{field}.png' --gallery index.html --quiet
+  fails 1 "written as .html" plate -o 'out/{field}.png' --gallery page.png --quiet
+  echo mine >other_thumbnails
+  fails 1 "other_thumbnails: is not a folder" plate -o 'out/{field}.png' --gallery other.html --quiet
+  plate -o 'out/{field}.png' --gallery dry.html --dry-run --quiet
+  [ ! -e out ] && [ ! -e dry.html ] && [ "$(cat index.html)" = mine ]
+}

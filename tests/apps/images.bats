@@ -281,3 +281,47 @@ LIST
   done
   fails 1 '\n' lumetra merge "not $name=DAPI" -o x.png
 }
+
+# usage: large FILE SEED    a gray TIFF file of 8 bits and more than 32 million pixels
+large() {
+  python3 - "$1" "$2" <<'EOF'
+import random
+import struct
+import sys
+
+WIDTH, HEIGHT, ROWS = 6000, 5601, 300
+noise = random.Random(int(sys.argv[2])).randbytes(1 << 20)
+strips = [(top, min(ROWS, HEIGHT - top)) for top in range(0, HEIGHT, ROWS)]
+data = 8 + 8 * len(strips)
+tags = [(256, WIDTH), (257, HEIGHT), (258, 8), (259, 1), (262, 1), (273, 8), (277, 1), (278, ROWS),
+        (279, 8 + 4 * len(strips))]
+with open(sys.argv[1], "wb") as file:
+    file.write(struct.pack("<2sHI", b"II", 42, data + WIDTH * HEIGHT))
+    file.write(struct.pack(f"<{len(strips)}I", *(data + WIDTH * top for top, _ in strips)))
+    file.write(struct.pack(f"<{len(strips)}I", *(WIDTH * rows for _, rows in strips)))
+    file.write((noise * (WIDTH * HEIGHT // len(noise) + 1))[:WIDTH * HEIGHT])
+    file.write(struct.pack("<H", len(tags)))
+    for tag, value in tags:
+        count = len(strips) if tag in (273, 279) else 1
+        file.write(struct.pack("<HHII", tag, 4, count, value))
+    file.write(struct.pack("<I", 0))
+EOF
+}
+
+@test "a large image is the same in strips, by any number of threads, as if rendered as a whole" {
+  large a.tif 1
+  large b.tif 2
+  channels=(a.tif=DAPI b.tif=FITC+3-2)
+  whole=(--crop 0,0,5997,5599) # for which all of the image has to be there
+  for format in png tif; do
+    lumetra merge "${channels[@]}" -o one.$format --jobs 1 --quiet
+    lumetra merge "${channels[@]}" -o many.$format --jobs 5 --quiet
+    lumetra merge "${channels[@]}" -o whole.$format --jobs 2 "${whole[@]}" --quiet
+    cmp one.$format many.$format
+    cmp one.$format whole.$format
+  done
+  # Of a file that ends too early one line tells, and nothing is left.
+  head -c 20000000 b.tif >short.tif
+  fails 1 "short.tif" lumetra merge a.tif=DAPI short.tif=FITC -o short.png --jobs 3
+  [ ! -e short.png ] && [ -z "$(find . -name '.lumetra*')" ]
+}

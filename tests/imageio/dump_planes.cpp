@@ -2,6 +2,8 @@
 // of JSON, then every plane's rows, by time, within it by z, within it by channel.
 #include "imageio/image_file.h"
 
+#include "plane_in_rows.h"
+
 #include <opencv2/core.hpp>
 
 #include <QFile>
@@ -11,6 +13,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <stdexcept>
 
 namespace lumetra {
 namespace {
@@ -52,18 +55,29 @@ void writePlane(const cv::Mat& plane, QFile& out) {
         out.write(plane.ptr<char>(y), static_cast<qint64>(plane.elemSize()) * plane.cols);
 }
 
+/// A plane, which is to be the same where it can be read row by row.
+cv::Mat checkedPlane(const ImageFile& file, int channel, int slice, int frame) {
+    if (const auto rows = file.rows(channel, slice, frame)) {
+        const cv::Mat inRows = planeInRows(*rows), plane = file.plane(channel, slice, frame);
+        if (inRows.type() != plane.type() || cv::norm(inRows, plane, cv::NORM_INF) != 0)
+            throw std::runtime_error("the plane is another one if it is read row by row");
+    }
+    return file.plane(channel, slice, frame);
+}
+
 void dump(const QString& name, QFile& out) {
     const ImageFile file(name);
     const cv::Mat first = file.plane(1, 1, 1);
     QJsonObject told = description(file);
     told["type"] = QString::fromStdString(cv::typeToString(first.type()));
     told["size"] = QJsonArray{first.rows, first.cols};
+    told["inRows"] = file.rows(1, 1, 1) != nullptr;
     out.write(QJsonDocument(told).toJson(QJsonDocument::Compact) + '\n');
     const Axes axes = file.axes();
     for (int t = 1; t <= axes.frames; ++t)
         for (int z = 1; z <= axes.slices; ++z)
             for (int c = 1; c <= axes.channels; ++c)
-                writePlane(file.plane(c, z, t), out);
+                writePlane(checkedPlane(file, c, z, t), out);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "images.h"
+#include "plane_in_rows.h"
 
 #include <QTemporaryDir>
 
@@ -21,6 +22,12 @@ protected:
         const cv::Mat expected = readByOpenCv(file_);
         ASSERT_FALSE(expected.empty()) << what;
         EXPECT_TRUE(areEqual(ImageFile(file_).page(1), expected)) << what;
+        const ImageFile file(file_);
+        if (const auto rows = file.rows(1, 1, 1)) {
+            ++inRows_;
+            const cv::Mat plane = planeInRows(*rows);
+            EXPECT_TRUE(areEqual(plane, file.plane(1, 1, 1))) << what;
+        }
     }
 
     /// What is read of bytes by the plane.
@@ -29,6 +36,7 @@ protected:
         return ImageFile(file_).plane(1, 1, 1);
     }
 
+    int inRows_ = 0; ///< How many files were read row by row as well.
     QTemporaryDir folder_;
     QString file_ = folder_.filePath("without an extension");
 };
@@ -114,6 +122,7 @@ TEST_F(ImageFiles, OfPngAreReadAsByOpenCv) {
     for (int orientation = 1; orientation <= 8; ++orientation)
         expectAsOpenCv(encodedPng({PNG_COLOR_TYPE_GRAY, 8, false, false, exif(orientation, true)}),
                        "orientation " + std::to_string(orientation));
+    EXPECT_EQ(inRows_, 11); // gray of five bit depths, also transparent, and one that is not turned
 }
 
 TEST_F(ImageFiles, OfJpegAreReadAsByOpenCv) {

@@ -10,6 +10,7 @@
 
 #include <QBuffer>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
@@ -282,6 +283,71 @@ TEST_F(PngFiles, ThatADeviceDoesNotTakeAreAnError) {
     FullDevice device(size);
     EXPECT_NO_THROW(encodePng(image, device, 1.0));
     EXPECT_THROW(encoded(cv::Mat(1, 1000001, CV_8UC1)), Reason); // which hardly anybody could read
+}
+
+/// A file of strips that were encoded from the last one to the first.
+QByteArray inStrips(const cv::Mat& image, int rowsOfStrip) {
+    QByteArray file;
+    QBuffer device(&file);
+    device.open(QIODevice::WriteOnly);
+    PngStrips png(image.size(), image.type(), device, {});
+    std::vector<PngStrips::Strip> strips;
+    for (int i = (image.rows - 1) / rowsOfStrip; i >= 0; --i) {
+        const int top = i * rowsOfStrip;
+        strips.push_back(
+            PngStrips::encode(image.rowRange(top, std::min(image.rows, top + rowsOfStrip)), i));
+    }
+    std::for_each(strips.rbegin(), strips.rend(),
+                  [&](const PngStrips::Strip& strip) { png.add(strip); });
+    png.finish();
+    return file;
+}
+
+/// Whether zlib accepts the pixels of a file, whose checksum libpng does not insist on.
+bool isWholeStream(const QByteArray& file, std::size_t bytes) {
+    QByteArray stream;
+    for (int at = 8; at < file.size();) {
+        const auto length = static_cast<int>(qFromBigEndian<quint32>(file.constData() + at));
+        if (file.mid(at + 4, 4) == "IDAT")
+            stream += file.mid(at + 8, length);
+        at += length + 12;
+    }
+    std::vector<std::uint8_t> pixels(bytes);
+    uLongf count = bytes;
+    return uncompress(pixels.data(), &count,
+                      reinterpret_cast<const std::uint8_t*>(stream.constData()),
+                      static_cast<uLong>(stream.size())) == Z_OK &&
+           count == bytes;
+}
+
+TEST(PngStrips, AreOneFileForEveryReader) {
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("strips.png"));
+    for (const int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3})
+        for (const cv::Size size : {cv::Size(1, 1), cv::Size(3, 7), cv::Size(301, 500)})
+            for (const int rows : {1, 2, 64, 1000}) {
+                const cv::Mat noise = testImage(size, type), dark = cv::Mat::zeros(size, type);
+                for (const cv::Mat& image : {noise, dark}) {
+                    const QByteArray file = inStrips(image, rows);
+                    store(name, file);
+                    ASSERT_TRUE(areEqual(readByOpenCv(name), image))
+                        << size << " in strips of " << rows;
+                    const std::size_t bytes = image.total() * image.elemSize();
+                    ASSERT_TRUE(isWholeStream(file, bytes + static_cast<std::size_t>(image.rows)));
+                }
+            }
+}
+
+TEST(PngStrips, AreWhatALargeImageIsWrittenIn) {
+    cv::Mat image(5000, 6800, CV_8UC3);
+    ASSERT_TRUE(isLarge(image.size()) && !isLarge({5000, 6700}));
+    for (int y = 0; y < image.rows; ++y)
+        image.row(y).setTo(cv::Scalar(y % 251, y % 13, 7));
+    QByteArray file;
+    QBuffer device(&file);
+    device.open(QIODevice::WriteOnly);
+    encodePng(image, device);
+    EXPECT_EQ(file, inStrips(image, PngStrips::rowsOf(image.size(), image.type())));
 }
 
 } // namespace

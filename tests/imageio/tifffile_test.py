@@ -105,7 +105,9 @@ class Files(unittest.TestCase):
                 tifffile.imwrite(self.file, array, ome=is_ome, byteorder=order,
                                  metadata={"axes": axes} if is_ome else None,
                                  photometric="minisblack", **options)  # fmt: skip
-                self.assertEqual(self.expect(array, axes)["known"], is_ome)
+                told = self.expect(array, axes)
+                self.assertEqual(told["known"], is_ome)
+                self.assertEqual(told["inRows"], dtype in ("uint8", "uint16"))
 
     def test_values_of_a_pixel_are_channels(self):
         for dtype, samples, planar in itertools.product(
