@@ -1,13 +1,14 @@
 // What has become of the fields of a batch.
 #pragma once
 
-#include "apps/cli/data_set.h"
+#include "apps/cli/field.h"
+#include "apps/cli/render_spec.h"
 
 #include <QFile>
 #include <QJsonObject>
-#include <QMap>
 
 #include <mutex>
+#include <unordered_map>
 
 namespace lumetra {
 
@@ -17,21 +18,27 @@ class BatchLog {
 public:
     /// @param file    May be empty: then nothing is kept.
     /// @param resume  Whether to read what earlier runs have done.
-    /// @throws Error with the file's name, as all of this class.
+    /// @throws Error with the file's name, as all of this class; also if the file is there and no
+    ///         log, to which lines would be added.
     BatchLog(const QString& file, bool resume);
 
     /// Whether an earlier run has done exactly this, and its image is there.
-    bool isDone(const QJsonObject& work) const;
+    bool isDone(const QJsonObject& work);
 
     void addDone(QJsonObject work, qint64 milliseconds);
     void addFailed(QJsonObject work, qint64 milliseconds, const QString& reason);
 
 private:
     void add(const QJsonObject& line);
+    void readEarlier();
+    QJsonObject earlierLine(const QString& output);
 
     std::mutex mutex_;
     QFile file_;
-    QMap<QString, QJsonObject> doneByOutput_;
+    QFile earlier_; ///< The same, for reading.
+    /// Where the latest line of each image begins that is done, by a hash of the output's name. A
+    /// million of them take little memory; the line itself is read when it is asked for.
+    std::unordered_map<std::size_t, qint64> doneByOutput_;
 };
 
 /// Everything that the bytes of a field's image depend on.

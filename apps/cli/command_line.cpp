@@ -274,6 +274,18 @@ void addDataSet(CLI::App& command, DataSetOptions& options) {
     addJobs(command, options.jobs, options.progress, "field");
 }
 
+/// A list in the place of the pattern.
+void addFieldList(CLI::App& command, DataSetOptions& options) {
+    CLI::Option* const pattern = command.get_option("PATTERN");
+    pattern->required(false);
+    Section{command, "Processing"}
+        .addText("--fields", "FILE", options.fields,
+                 "Take the fields, with their files and outputs, from a list that 'lumetra list' "
+                 "wrote, in the place of PATTERN and -o. With --shard, only the lines of that part "
+                 "are read, and no file of another part is looked at")
+        ->excludes(pattern, command.get_option("--files-from"));
+}
+
 /// Each of these declares the arguments and options of a command.
 void declare(CLI::App& command, InfoOptions& options) {
     const Section section{command};
@@ -363,6 +375,7 @@ void declare(CLI::App& command, LevelsOptions& options) {
     Section{command, "Output"}.addText(
         "-o,--output", "FILE", options.output.file,
         "Settings file to write; an existing one is overwritten (default: -, standard output)");
+    addFieldList(command, options.dataSet);
     addQuiet(command, options.output.quiet);
     addCustomDyes({command, "Channels"}, options.customDyes);
     addContrastOfEach(command, options.contrast);
@@ -370,10 +383,24 @@ void declare(CLI::App& command, LevelsOptions& options) {
     command.get_option("--all-pages")->description("Measure every page");
 }
 
+void declare(CLI::App& command, ListOptions& options) {
+    addDataSet(command, options.dataSet);
+    Section{command, "Output"}
+        .addText("--images", "OUT", options.images,
+                 "Names of the images to render, with the placeholders of PATTERN: "
+                 "'out/{field}.png'")
+        ->required();
+    addOutput(command, options.output, "List to write: a line of JSON for each field");
+    addChannelFiles(command, options.channel);
+    addProject(Section{command, "Pages"}, options.pages);
+}
+
 void declare(CLI::App& command, BatchOptions& options) {
     addDataSet(command, options.dataSet);
     addOutput(command, options.image.output,
               "Output name with the placeholders of PATTERN: 'out/{field}.png'; creates folders");
+    command.get_option("--output")->required(false);
+    addFieldList(command, options.dataSet);
     addCompression(command, options.image.output.compression);
     addLog(command, options.log,
            "Append a line of JSON for each field: inputs, output, outcome, milliseconds");
@@ -485,6 +512,9 @@ CommandLine::CommandLine() {
     add("levels", "Measure the contrast limits of a data set, for a settings file", runLevels,
         "'plate/{field}_{channel}.tif' --channel dapi=DAPI \\\n"
         "    --channel actin=FITC -o plate.json");
+    add("list", "List the fields of a data set, for tasks that share them", runList,
+        "'plate/{field}_{channel}.tif' --channel dapi=DAPI \\\n"
+        "    --channel actin=FITC --images 'out/{field}.png' -o fields.jsonl");
     add("batch", "Render an image of each field of a data set", runBatch,
         "'plate/{field}_{channel}.tif' --channel dapi=DAPI \\\n"
         "    --channel actin=FITC+3-2 -o 'out/{field}.png'");
