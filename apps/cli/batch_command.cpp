@@ -115,16 +115,14 @@ void prepare(Batch& batch, const BatchOptions& options) {
     if (options.resume)
         batch.rendering.existing = Existing::replace;
     batch.fields = all.part(options.shard);
-    // What has to hold of all fields, a list has been looked at for.
-    const FieldSet& checked = isListed ? batch.fields : all;
-    for (std::size_t i = 0; i < checked.size(); ++i)
-        checkImageOutput(checked[i].job.output, options.image.output.compression);
     if (all.empty())
         return;
-    checkFiles(
-        checked, {options.log, dataSet.progress},
-        {options.channel.settings, options.channel.customDyes, dataSet.filesFrom, dataSet.fields},
-        !isListed);
+    // What has to hold of all fields, a list has been looked at for.
+    checkFiles(isListed ? batch.fields : all, options.image.output.compression,
+               {options.log, dataSet.progress},
+               {options.channel.settings, options.channel.customDyes, dataSet.filesFrom,
+                dataSet.fields},
+               !isListed);
     if (batch.rendering.existing == Existing::keep && !options.dryRun)
         requireFreeOutputs(batch.fields);
     say(options, fieldList(all));
@@ -253,6 +251,11 @@ int renderFields(const BatchOptions& options) {
 } // namespace
 
 int runBatch(const BatchOptions& options) {
+    requirePattern(options.dataSet);
+    if (options.image.output.file.isEmpty() == options.dataSet.fields.isEmpty())
+        throw UsageError(options.dataSet.fields.isEmpty()
+                             ? QStringLiteral("give -o, the name of the images")
+                             : QStringLiteral("--fields has the outputs: leave out -o"));
     if (options.resume && options.log.isEmpty())
         throw UsageError(QStringLiteral("--resume needs the --log of the earlier run"));
     static_cast<void>(FieldSet().part(options.shard)); // what is wrong with it, before any work

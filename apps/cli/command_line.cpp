@@ -276,14 +276,11 @@ void addDataSet(CLI::App& command, DataSetOptions& options) {
 
 /// A list in the place of the pattern.
 void addFieldList(CLI::App& command, DataSetOptions& options) {
-    CLI::Option* const pattern = command.get_option("PATTERN");
-    pattern->required(false);
-    Section{command, "Processing"}
-        .addText("--fields", "FILE", options.fields,
-                 "Take the fields, with their files and outputs, from a list that 'lumetra list' "
-                 "wrote, in the place of PATTERN and -o. With --shard, only the lines of that part "
-                 "are read, and no file of another part is looked at")
-        ->excludes(pattern, command.get_option("--files-from"));
+    command.get_option("PATTERN")->required(false);
+    Section{command, "Processing"}.addText(
+        "--fields", "FILE", options.fields,
+        "Take fields from a list that 'lumetra list' wrote, in the place of PATTERN. With --shard, "
+        "only the lines and files of that part are read");
 }
 
 /// Each of these declares the arguments and options of a command.

@@ -3,6 +3,7 @@
 #include "apps/cli/field_list.h"
 #include "apps/cli/folder_listing.h"
 #include "apps/cli/found_fields.h"
+#include "apps/cli/print.h"
 #include "apps/common/error.h"
 #include "apps/common/file_channels.h"
 #include "apps/common/messages.h"
@@ -150,19 +151,29 @@ FieldSet listedFields(const QString& file, bool isProjected, std::vector<Channel
 
 } // namespace
 
+void requirePattern(const DataSetOptions& options) {
+    if (options.pattern.isEmpty() == options.fields.isEmpty())
+        throw UsageError(options.fields.isEmpty()
+                             ? QStringLiteral("there is no PATTERN and no list of --fields")
+                             : QStringLiteral("--fields stands in the place of PATTERN"));
+    if (!options.fields.isEmpty() && !options.filesFrom.isEmpty())
+        throw UsageError(QStringLiteral("--fields cannot be combined with --files-from"));
+}
+
 FieldSet requestedFields(const DataSetOptions& options, const QString& outputs, bool isProjected,
                          const DyeList& dyes, std::vector<Channel>& channels) {
     return options.fields.isEmpty() ? foundFields(options, outputs, isProjected, dyes, channels)
                                     : listedFields(options.fields, isProjected, channels);
 }
 
-void checkFiles(const FieldSet& fields, const QStringList& written, const QStringList& read,
-                bool inputsToo) {
+void checkFiles(const FieldSet& fields, const QString& compression, const QStringList& written,
+                const QStringList& read, bool inputsToo) {
     OutputFiles outputs;
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const Field field = fields[i];
         if (field.job.output.isEmpty())
             break;
+        checkImageOutput(field.job.output, compression);
         if (const auto other = outputs.add(field.job.output, i))
             throw UsageError(QStringLiteral("fields %1 and %2 have the same output %3")
                                  .arg(fields[*other].name, field.name, field.job.output));

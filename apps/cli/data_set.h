@@ -13,6 +13,9 @@
 
 namespace lumetra {
 
+/// @throws UsageError unless there is either a pattern or a list of fields.
+void requirePattern(const DataSetOptions& options);
+
 /// The fields that options ask for, in the natural order of their names: s2 before s10; or those of
 /// a list. Those with a channel missing have a problem. Prints a message if there are none, with a
 /// file that comes near, and how many files were left out since their names are not UTF-8.
@@ -25,15 +28,15 @@ namespace lumetra {
 FieldSet requestedFields(const DataSetOptions& options, const QString& outputs, bool isProjected,
                          const DyeList& dyes, std::vector<Channel>& channels);
 
-/// Makes sure that nothing is written that is read, or written twice. Outputs that are there are
-/// seen through all of their names.
-/// @param fields   With outputs, or without.
-/// @param written  Other files that are written, and `read`, that are read; names may be empty.
-/// @param inputsToo  Whether the inputs of fields count, which are looked at then.
+/// Looks at what is written before there is any work: outputs have names of images, nothing is
+/// written that is read, and nothing twice. Files are seen through all of their names.
+/// @param fields     With outputs, or without.
+/// @param written    Other files that are written, and `read`, that are read; names may be empty.
+/// @param inputsToo  Whether the inputs of fields count, which may be looked at then.
 /// @throws UsageError if two fields have one output, or an output is an input of any field;
-///         FileError for the other files.
-void checkFiles(const FieldSet& fields, const QStringList& written, const QStringList& read,
-                bool inputsToo);
+///         FileError for the other files, and as `checkImageOutput`.
+void checkFiles(const FieldSet& fields, const QString& compression, const QStringList& written,
+                const QStringList& read, bool inputsToo);
 
 /// Understands `NAME=DYE+X+Y`.
 /// @throws UsageError, Error as `parseChannel`.

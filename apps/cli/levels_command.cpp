@@ -37,6 +37,7 @@ Settings settingsWith(const std::vector<ChannelSpec>& channels, const DataSetLev
 } // namespace
 
 int runLevels(const LevelsOptions& options) {
+    requirePattern(options.dataSet);
     DataSetOptions dataSet = options.dataSet;
     usePatternOfFolder(dataSet, options.output.quiet);
     const DyeList dyes = dyesWith(options.customDyes);
@@ -50,7 +51,7 @@ int runLevels(const LevelsOptions& options) {
     if (fields.empty())
         return nothingMatched;
     const std::vector<ChannelSpec> shown = channelSpecs(channels, options.contrast, {}, false);
-    checkFiles(fields, {output, options.dataSet.progress},
+    checkFiles(fields, {}, {output, options.dataSet.progress},
                {options.customDyes, options.dataSet.filesFrom, options.dataSet.fields}, true);
 
     FieldProblems problems;

@@ -4,7 +4,6 @@
 #include "apps/cli/data_set.h"
 #include "apps/cli/field_list.h"
 #include "apps/cli/instrument_folder.h"
-#include "apps/cli/print.h"
 #include "apps/cli/render_spec.h"
 #include "apps/common/messages.h"
 #include "imageio/output_conflicts.h"
@@ -23,9 +22,7 @@ int runList(const ListOptions& options) {
     const FieldSet fields = requestedFields(dataSet, options.images, isProjected, dyes, channels);
     if (fields.empty())
         return nothingMatched;
-    for (std::size_t i = 0; i < fields.size(); ++i)
-        checkImageOutput(fields[i].job.output, {});
-    checkFiles(fields, {output},
+    checkFiles(fields, {}, {output},
                {options.channel.settings, options.channel.customDyes, dataSet.filesFrom}, true);
     writeFile(output, existingOf(options.output),
               [&](QIODevice& device) { writeFieldList(device, fields, channels, isProjected); });
