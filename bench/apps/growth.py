@@ -1,6 +1,7 @@
 """How the cost of each step of a plate grows with the number of its files, which are tiny.
 
-usage: growth.py LUMETRA FOLDER [MOST]    for 1,000 files, ten times as many, and so on up to MOST
+usage: growth.py LUMETRA FOLDER [MOST [LEAST]]    for LEAST files (1,000), ten times as many, and so
+                                                  on up to MOST (1,000,000)
 """
 
 import os
@@ -58,21 +59,20 @@ def run(arguments):
 print("processor time in microseconds per file, and peak memory in MiB")
 print("| files | " + " | ".join(f"{step} | MiB" for step in STEPS) + " | start of a task, ms | MiB |")
 print("|" + "---|" * (2 * len(STEPS) + 3), flush=True)
-count = 1000
+count = int(sys.argv[4]) if len(sys.argv) > 4 else 1000
 while count <= MOST:
     place = f"{FOLDER}/{count}"
     shutil.rmtree(place, ignore_errors=True)
     os.makedirs(place)
     os.chdir(place)
     draw(count)
-    row = [f"{count:,}"]
+    print(f"| {count:,} ", end="", flush=True)
     for arguments in STEPS.values():
         seconds, memory = run(arguments)
-        row += [f"{seconds / count * 1e6:.1f}", f"{memory:.0f}"]
+        print(f"| {seconds / count * 1e6:.1f} | {memory:.0f} ", end="", flush=True)
     parts = count // PART
     seconds, memory = run([*BATCH, "--shard", f"{parts // 2}/{parts}", "--dry-run"])
-    row += [f"{seconds * 1e3:.0f}", f"{memory:.0f}"]
-    print("| " + " | ".join(row) + " |", flush=True)
+    print(f"| {seconds * 1e3:.0f} | {memory:.0f} |", flush=True)
     os.chdir(FOLDER)
     shutil.rmtree(place)
     count *= 10
