@@ -39,6 +39,23 @@ QJsonObject channelEntry(const Channel& channel, const QString& method) {
     return entry;
 }
 
+/// None for the line of another version.
+LoggedChannels loggedChannels(const QJsonArray& entries, const DyeList& dyes) {
+    LoggedChannels logged;
+    QJsonArray channels;
+    for (const QJsonValue entry : entries) {
+        QJsonObject settings = entry.toObject();
+        logged.methods << settings.take(methodKey).toString();
+        channels << settings;
+    }
+    try {
+        logged.channels = parseSettings(lineOf({{channelsKey, channels}}), dyes).channels;
+    } catch (const std::runtime_error&) {
+        return {};
+    }
+    return logged;
+}
+
 /// What of a line decides on the bytes of the image. A single merge knows no names of fields and
 /// channels; contrast limits follow from the method and the inputs.
 QJsonObject causes(QJsonObject line) {
@@ -171,12 +188,13 @@ QJsonObject withLevels(QJsonObject work, const std::vector<Channel>& channels) {
     return work;
 }
 
-std::vector<LoggedImage> readLog(const QString& file) {
-    std::vector<LoggedImage> images;
+void readLog(const QString& file, const std::function<void(LoggedImage)>& add) {
     const DyeList dyes;
     QFile log(file);
     if (!log.open(QIODevice::ReadOnly))
         fail(log);
+    QByteArray textOfChannels;
+    std::shared_ptr<const LoggedChannels> channels;
     while (!log.atEnd()) {
         const QJsonObject object = parsedLine(log.readLine());
         if (!object[outputKey].isString() || !object[outcomeKey].isString())
@@ -185,21 +203,15 @@ std::vector<LoggedImage> readLog(const QString& file) {
         image.output = object[outputKey].toString();
         if (object[outcomeKey].toString() != doneOutcome)
             image.reason = object[reasonKey].toString(QStringLiteral("failed"));
-        QJsonArray channels;
-        for (const QJsonValue channel : object[channelsKey].toArray()) {
-            QJsonObject settings = channel.toObject();
-            image.methods << settings.take(methodKey).toString();
-            channels << settings;
+        const QJsonArray entries = object[channelsKey].toArray();
+        const QByteArray text = QJsonDocument(entries).toJson(QJsonDocument::Compact);
+        if (!channels || text != textOfChannels) {
+            textOfChannels = text;
+            channels = std::make_shared<LoggedChannels>(loggedChannels(entries, dyes));
         }
-        try {
-            const QByteArray json = QJsonDocument(QJsonObject{{channelsKey, channels}}).toJson();
-            image.channels = parseSettings(json, dyes).channels;
-        } catch (const std::runtime_error&) {
-            image.methods.clear(); // the line of another version; what became of it still holds
-        }
-        images.push_back(std::move(image));
+        image.channels = channels;
+        add(std::move(image));
     }
-    return images;
 }
 
 } // namespace lumetra

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QJsonObject>
 
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <unordered_map>
 
@@ -50,17 +52,22 @@ QJsonObject withLevels(QJsonObject work, const std::vector<Channel>& channels);
 /// Whether a log's word for how contrast limits were found says that they are an image's own.
 bool isMeasuredMethod(const QString& method);
 
-/// What a log says of an image.
-struct LoggedImage {
-    QString output;
-    QString reason;                ///< Why it failed; empty if it is done.
+/// The channels of an image as a log has them.
+struct LoggedChannels {
     std::vector<Channel> channels; ///< With the contrast limits that were used.
     QStringList methods;           ///< How the contrast limits of each channel were found.
 };
 
-/// What a log says, in the order of its lines. What is no line of a log is skipped, since a program
-/// that was killed may have left a part of one.
+/// What a log says of an image.
+struct LoggedImage {
+    QString output;
+    QString reason;                                 ///< Why it failed; empty if it is done.
+    std::shared_ptr<const LoggedChannels> channels; ///< The same for lines that say the same.
+};
+
+/// Gives what a log says, in the order of its lines. What is no line of a log is skipped, since a
+/// program that was killed may have left a part of one.
 /// @throws Error with the file's name if it cannot be read.
-std::vector<LoggedImage> readLog(const QString& file);
+void readLog(const QString& file, const std::function<void(LoggedImage)>& add);
 
 } // namespace lumetra

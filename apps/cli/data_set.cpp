@@ -196,7 +196,7 @@ void checkFiles(const FieldSet& fields, const QString& compression, const QStrin
         if (const auto number = isFile(name) ? outputs.find(name) : std::nullopt)
             throw FileError(nameOf(*number), QStringLiteral("is also an input"));
     for (std::size_t i = 0; inputsToo && i < fields.size(); ++i)
-        for (const QString& input : inputNames(fields[i].job)) {
+        for (const QString& input : fields.inputs(i)) {
             const auto number = isFile(input) ? outputs.find(input) : std::nullopt;
             if (number && *number < fields.size())
                 throw UsageError(QStringLiteral("%1 is an input and also the output of field %2")

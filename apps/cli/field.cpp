@@ -9,6 +9,8 @@
 
 namespace lumetra {
 
+QStringList FieldSource::inputs(std::size_t number) const { return inputNames(field(number).job); }
+
 void FieldSource::prepare(std::size_t /*first*/, std::size_t /*last*/) {}
 
 FieldSet::FieldSet(std::shared_ptr<FieldSource> source)

@@ -32,6 +32,9 @@ public:
     /// Makes a field, from any thread. A million of them are never there at once.
     virtual Field field(std::size_t number) const = 0;
 
+    /// The names of the files that a field is made of.
+    virtual QStringList inputs(std::size_t number) const;
+
     /// To be called before fields from `first` to before `last` are made one after another.
     virtual void prepare(std::size_t first, std::size_t last);
 };
@@ -46,6 +49,7 @@ public:
     bool empty() const { return size_ == 0; }
 
     Field operator[](std::size_t i) const { return source_->field(first_ + i); }
+    QStringList inputs(std::size_t i) const { return source_->inputs(first_ + i); }
     Field front() const { return (*this)[0]; }
     Field back() const { return (*this)[size_ - 1]; }
 

@@ -93,7 +93,8 @@ void FoundFields::requireOneFileEach() const {
 }
 
 QString FoundFields::nameOf(const File& file) const {
-    return toQt(std::string(part(file, file.key, file.end)));
+    const std::string_view name = part(file, file.key, file.end);
+    return QString::fromUtf8(name.data(), static_cast<int>(name.size()));
 }
 
 std::size_t FoundFields::channelOf(const File& file) const {
@@ -122,9 +123,21 @@ InputFile FoundFields::inputOf(std::size_t firstFile, std::size_t endFile, std::
     return input;
 }
 
+/// Behind the files of a field.
+std::size_t FoundFields::endOf(std::size_t field) const {
+    return field + 1 < fields_.size() ? fields_[field + 1] : files_.size();
+}
+
+QStringList FoundFields::inputs(std::size_t number) const {
+    QStringList names;
+    for (std::size_t i = fields_[number]; i < endOf(number); ++i)
+        names << nameOf(files_[i]);
+    return names;
+}
+
 Field FoundFields::field(std::size_t number) const {
     const std::size_t first = fields_[number];
-    const std::size_t end = number + 1 < fields_.size() ? fields_[number + 1] : files_.size();
+    const std::size_t end = endOf(number);
     Field field;
     field.number = number;
     QStringList texts;

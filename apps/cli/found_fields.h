@@ -48,6 +48,7 @@ public:
 
     std::size_t size() const override { return fields_.size(); }
     Field field(std::size_t number) const override;
+    QStringList inputs(std::size_t number) const override;
 
 private:
     /// A file in `bytes_`: a key whose order is that of fields, channels and z-slices, and the name
@@ -62,6 +63,7 @@ private:
         return std::string_view(bytes_).substr(file.begin + begin, end - begin);
     }
     QString nameOf(const File& file) const;
+    std::size_t endOf(std::size_t field) const;
     std::size_t channelOf(const File& file) const;
     void requireOneFileEach() const;
     InputFile inputOf(std::size_t firstFile, std::size_t endFile, std::size_t channel,

@@ -232,6 +232,7 @@ QString Pattern::filled(const Placeholders& placeholders) const {
 
 QString Pattern::partlyFilled(const Placeholders& placeholders) const {
     QString name;
+    name.reserve(2 * static_cast<int>(text_.size()));
     for (const Piece& piece : pieces_)
         name += piece.isPlaceholder ? placeholders.value(piece.text, piece.source) : piece.text;
     return name;
