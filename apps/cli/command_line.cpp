@@ -271,7 +271,6 @@ void addDataSet(CLI::App& command, DataSetOptions& options) {
         "--files-from", "FILE", options.filesFrom,
         "Read file names from FILE (newline- or NUL-separated; - is standard input) instead of "
         "searching");
-    addJobs(command, options.jobs, options.progress, "field");
 }
 
 /// A list in the place of the pattern.
@@ -369,6 +368,7 @@ void declare(CLI::App& command, PseudoOptions& options) {
 
 void declare(CLI::App& command, LevelsOptions& options) {
     addDataSet(command, options.dataSet);
+    addJobs(command, options.dataSet.jobs, options.dataSet.progress, "field");
     Section{command, "Output"}.addText(
         "-o,--output", "FILE", options.output.file,
         "Settings file to write; an existing one is overwritten (default: -, standard output)");
@@ -394,8 +394,10 @@ void declare(CLI::App& command, ListOptions& options) {
 
 void declare(CLI::App& command, BatchOptions& options) {
     addDataSet(command, options.dataSet);
+    addJobs(command, options.dataSet.jobs, options.dataSet.progress, "field");
     addOutput(command, options.image.output,
-              "Output name with the placeholders of PATTERN: 'out/{field}.png'; creates folders");
+              "Output name with the placeholders of PATTERN: 'out/{field}.png'; creates folders. "
+              "Needed with PATTERN, and not given with --fields");
     command.get_option("--output")->required(false);
     addFieldList(command, options.dataSet);
     addCompression(command, options.image.output.compression);
@@ -420,7 +422,7 @@ void declare(CLI::App& command, BatchOptions& options) {
     const Section section{command, "Processing"};
     section.addText("--shard", "K/N", options.shard,
                     "Render only part K of N of the fields, in the order of their names; contrast "
-                    "limits are still measured over all");
+                    "limits are still measured over all, or, with --fields, have to be known");
     section.addFlag("--resume", options.resume,
                     "Skip fields logged as done with the same inputs, options and version; redo "
                     "the rest, overwriting output");

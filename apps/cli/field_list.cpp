@@ -140,7 +140,7 @@ QByteArray FieldList::readAt(qint64 offset, qint64 count) const {
     const std::lock_guard lock(mutex_);
     if (!file_.seek(offset))
         fail(file_.errorString());
-    const QByteArray bytes = file_.read(count);
+    QByteArray bytes = file_.read(count);
     if (file_.error() != QFileDevice::NoError)
         fail(file_.errorString());
     return bytes;
