@@ -118,11 +118,11 @@ void prepare(Batch& batch, const BatchOptions& options) {
     if (all.empty())
         return;
     // What has to hold of all fields, a list has been looked at for.
-    checkFiles(isListed ? batch.fields : all, options.image.output.compression,
-               {options.log, dataSet.progress},
-               {options.channel.settings, options.channel.customDyes, dataSet.filesFrom,
-                dataSet.fields},
-               !isListed);
+    checkFiles(
+        isListed ? batch.fields : all, options.image.output.compression,
+        {options.log, dataSet.progress},
+        {options.channel.settings, options.channel.customDyes, dataSet.filesFrom, dataSet.fields},
+        !isListed);
     if (batch.rendering.existing == Existing::keep && !options.dryRun)
         requireFreeOutputs(batch.fields);
     say(options, fieldList(all));

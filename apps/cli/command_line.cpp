@@ -389,7 +389,9 @@ void declare(CLI::App& command, ListOptions& options) {
         ->required();
     addOutput(command, options.output, "List to write: a line of JSON for each field");
     addChannelFiles(command, options.channel);
-    addProject(Section{command, "Pages"}, options.pages);
+    addProject(Section{command, "Pages"}, options.pages)
+        ->description("Take files that differ in {z} alone as the z-slices of one field, which "
+                      "'lumetra batch' then projects: give METHOD to it as well");
 }
 
 void declare(CLI::App& command, BatchOptions& options) {

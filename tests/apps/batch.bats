@@ -287,6 +287,10 @@ load setup.bash
     grep -q '"outcome":"done"' plain.txt
   done
   [ "$(grep -c . fields.jsonl)" = 11 ]
+  # Channels in another order than the list has them.
+  swapped() { "$@" --channel actin=FITC --channel dapi=DAPI --levels 1:9 --levels none --dry-run --quiet || true; }
+  diff <(swapped lumetra batch --fields fields.jsonl) \
+    <(swapped lumetra batch 'plate/{field}_{channel}.tif' -o 'out/{field}.png')
   # Limits that all fields share are measured over the list.
   plate -o 'all/{field}.png' --quiet || [ $? = 1 ]
   listed 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC+3-2 -o 'listed/{field}.png' --quiet || [ $? = 1 ]
