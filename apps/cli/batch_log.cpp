@@ -25,10 +25,6 @@ const QString fieldKey = QStringLiteral("field"), outputKey = QStringLiteral("ou
     throw Error(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
 }
 
-std::string_view viewOf(const QByteArray& bytes) {
-    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
-}
-
 std::size_t hashOf(const QByteArray& output) {
     return std::hash<std::string_view>()(viewOf(output));
 }

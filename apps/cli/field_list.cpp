@@ -14,19 +14,18 @@
 namespace lumetra {
 namespace {
 
-const QString fieldsKey = QStringLiteral("fields"), channelsKey = QStringLiteral("channels"),
-              projectedKey = QStringLiteral("projected"), numberKey = QStringLiteral("number"),
-              fieldKey = QStringLiteral("field"), inputsKey = QStringLiteral("inputs"),
-              outputKey = QStringLiteral("output"), problemKey = QStringLiteral("problem"),
-              fileKey = QStringLiteral("file"), channelKey = QStringLiteral("channel"),
-              slicesKey = QStringLiteral("slices");
-
-std::string_view viewOf(const QByteArray& bytes) {
-    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
-}
+const QString listedFieldsKey = QStringLiteral("fields"),
+              listedChannelsKey = QStringLiteral("channels"),
+              listedProjectedKey = QStringLiteral("projected"),
+              listedNumberKey = QStringLiteral("number"), listedFieldKey = QStringLiteral("field"),
+              listedInputsKey = QStringLiteral("inputs"),
+              listedOutputKey = QStringLiteral("output"),
+              listedProblemKey = QStringLiteral("problem"), listedFileKey = QStringLiteral("file"),
+              listedChannelKey = QStringLiteral("channel"),
+              listedSlicesKey = QStringLiteral("slices");
 
 /// A channel without contrast limits and the like, which are the batch's.
-QJsonObject channelEntry(const Channel& channel) {
+QJsonObject listedChannel(const Channel& channel) {
     const QJsonObject all = parsedLine(channelJson(channel));
     QJsonObject entry;
     for (const char* key : {"name", "dye", "colour", "offset"})
@@ -36,28 +35,28 @@ QJsonObject channelEntry(const Channel& channel) {
 }
 
 /// A file, as plain text where that is all there is to say; null where there is none.
-QJsonValue inputEntry(const InputFile& input) {
+QJsonValue listedInput(const InputFile& input) {
     if (input.file.isEmpty())
         return {};
-    QJsonObject entry{{fileKey, input.file}};
+    QJsonObject entry{{listedFileKey, input.file}};
     if (input.channels.isNamed())
-        entry[channelKey] = input.channels.first;
+        entry[listedChannelKey] = input.channels.first;
     if (!input.sliceFiles.isEmpty())
-        entry[slicesKey] = QJsonArray::fromStringList(input.sliceFiles);
+        entry[listedSlicesKey] = QJsonArray::fromStringList(input.sliceFiles);
     return entry.size() == 1 ? QJsonValue(input.file) : entry;
 }
 
-InputFile inputOf(const QJsonValue& entry) {
+InputFile inputListed(const QJsonValue& entry) {
     InputFile input;
     if (entry.isString()) {
         input.file = entry.toString();
         return input;
     }
     const QJsonObject object = entry.toObject();
-    input.file = object[fileKey].toString();
-    const int channel = object[channelKey].toInt();
+    input.file = object[listedFileKey].toString();
+    const int channel = object[listedChannelKey].toInt();
     input.channels = {channel, channel};
-    for (const QJsonValue slice : object[slicesKey].toArray())
+    for (const QJsonValue slice : object[listedSlicesKey].toArray())
         input.sliceFiles << slice.toString();
     return input;
 }
@@ -73,22 +72,22 @@ void writeFieldList(QIODevice& device, const FieldSet& fields, const std::vector
     };
     QJsonArray entries;
     for (const Channel& channel : channels)
-        entries << channelEntry(channel);
-    write({{fieldsKey, static_cast<double>(fields.size())},
-           {channelsKey, entries},
-           {projectedKey, isProjected},
+        entries << listedChannel(channel);
+    write({{listedFieldsKey, static_cast<double>(fields.size())},
+           {listedChannelsKey, entries},
+           {listedProjectedKey, isProjected},
            {"version", LUMETRA_VERSION}});
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const Field field = fields[i];
         QJsonArray inputs;
         for (const InputFile& input : field.job.inputs)
-            inputs << inputEntry(input);
-        QJsonObject line{{numberKey, static_cast<double>(i + 1)},
-                         {fieldKey, field.name},
-                         {inputsKey, inputs},
-                         {outputKey, field.job.output}};
+            inputs << listedInput(input);
+        QJsonObject line{{listedNumberKey, static_cast<double>(i + 1)},
+                         {listedFieldKey, field.name},
+                         {listedInputsKey, inputs},
+                         {listedOutputKey, field.job.output}};
         if (!field.problem.isEmpty())
-            line[problemKey] = field.problem;
+            line[listedProblemKey] = field.problem;
         write(line);
     }
 }
@@ -101,13 +100,15 @@ FieldList::FieldList(const QString& file) : file_(file) {
     const QByteArray line = file_.readLine();
     begin_ = file_.pos();
     const QJsonObject header = parsedLine(line);
-    if (!line.endsWith('\n') || !header[fieldsKey].isDouble() || !header[channelsKey].isArray())
+    if (!line.endsWith('\n') || !header[listedFieldsKey].isDouble() ||
+        !header[listedChannelsKey].isArray())
         fail(QStringLiteral("is no list of fields as 'lumetra list' writes it"));
-    header_.fields = static_cast<std::size_t>(std::max(header[fieldsKey].toDouble(), 0.0));
-    header_.isProjected = header[projectedKey].toBool();
+    header_.fields = static_cast<std::size_t>(std::max(header[listedFieldsKey].toDouble(), 0.0));
+    header_.isProjected = header[listedProjectedKey].toBool();
     try {
         header_.channels =
-            parseSettings(lineOf({{channelsKey, header[channelsKey]}}), DyeList()).channels;
+            parseSettings(lineOf({{listedChannelsKey, header[listedChannelsKey]}}), DyeList())
+                .channels;
     } catch (const Error& error) {
         fail(error.text());
     }
@@ -210,20 +211,20 @@ QByteArray FieldList::lineOfField(std::size_t number) const {
 
 Field FieldList::field(std::size_t number) const {
     const QJsonObject line = parsedLine(lineOfField(number));
-    const QJsonArray inputs = line[inputsKey].toArray();
-    if (line[numberKey].toDouble() != static_cast<double>(number + 1) ||
+    const QJsonArray inputs = line[listedInputsKey].toArray();
+    if (line[listedNumberKey].toDouble() != static_cast<double>(number + 1) ||
         static_cast<std::size_t>(inputs.size()) != header_.channels.size() ||
-        !line[outputKey].isString())
+        !line[listedOutputKey].isString())
         fail(QStringLiteral("has no line for field %1 that can be understood; make it again with "
                             "'lumetra list'")
                  .arg(number + 1));
     Field field;
     field.number = number;
-    field.name = line[fieldKey].toString();
-    field.problem = line[problemKey].toString();
-    field.job.output = line[outputKey].toString();
+    field.name = line[listedFieldKey].toString();
+    field.problem = line[listedProblemKey].toString();
+    field.job.output = line[listedOutputKey].toString();
     for (const std::size_t channel : order_) {
-        field.job.inputs.push_back(inputOf(inputs[static_cast<int>(channel)]));
+        field.job.inputs.push_back(inputListed(inputs[static_cast<int>(channel)]));
         if (field.job.inputs.back().file.isEmpty() && field.problem.isEmpty())
             field.problem = QStringLiteral("channel \"%1\" is missing")
                                 .arg(toQt(header_.channels[channel].name));

@@ -5,9 +5,14 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <cstddef>
 #include <string_view>
 
 namespace lumetra {
+
+inline std::string_view viewOf(const QByteArray& bytes) {
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
 
 /// The text of an object's member as it stands in the line, quotes included; empty if there is no
 /// such member, or the line is no object. Members of members do not count.
