@@ -17,6 +17,13 @@
 #include <array>
 #include <utility>
 
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace lumetra {
 namespace {
 
@@ -35,7 +42,25 @@ constexpr Format formatOf() {
 constexpr std::array formats{formatOf<TiffReader>(), formatOf<PngReader>(), formatOf<JpegReader>(),
                              formatOf<BmpReader>(), formatOf<PnmReader>()};
 
-std::unique_ptr<PageReader> openReader(const QString& file) {
+#ifdef Q_OS_UNIX
+/// Looks at the file once, which takes long on a disk that many share: what it is, the open file
+/// tells. Without O_NONBLOCK a pipe would wait for somebody to write.
+std::unique_ptr<QFile> openFile(const QString& file) {
+    auto opened = std::make_unique<QFile>(file);
+    const int handle = open(QFile::encodeName(file).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (handle < 0 && (errno == ENOENT || errno == ENOTDIR))
+        throw Reason("there is no such file");
+    if (handle < 0)
+        throw Reason(errno == ENXIO ? QStringLiteral("is not a file") : qt_error_string(errno));
+    struct stat status = {};
+    const bool isFile = fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+    if (isFile && opened->open(handle, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return opened;
+    close(handle);
+    throw Reason(isFile ? opened->errorString() : QStringLiteral("is not a file"));
+}
+#else
+std::unique_ptr<QFile> openFile(const QString& file) {
     const QFileInfo info(file);
     if (!info.exists())
         throw Reason("there is no such file");
@@ -44,6 +69,12 @@ std::unique_ptr<PageReader> openReader(const QString& file) {
     auto opened = std::make_unique<QFile>(file);
     if (!opened->open(QIODevice::ReadOnly))
         throw Reason(opened->errorString());
+    return opened;
+}
+#endif
+
+std::unique_ptr<PageReader> openReader(const QString& file) {
+    auto opened = openFile(file);
     const QByteArray start = opened->peek(8);
     for (const Format& format : formats)
         if (format.recognises(start))

@@ -3,10 +3,12 @@
 #include "imageio/file_error.h"
 #include "imageio/output_format.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSet>
+
+#include <cstring>
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -16,6 +18,21 @@ namespace lumetra {
 namespace {
 
 bool isOtherThanFile(const QFileInfo& info) { return info.exists() && !info.isFile(); }
+
+/// What all names of a file have in common that is there.
+std::optional<std::pair<std::uint64_t, std::uint64_t>> idOf(const QString& file) {
+#ifdef Q_OS_UNIX // where hard links are told, too
+    struct stat status = {};
+    if (stat(QFile::encodeName(file).constData(), &status) == 0)
+        return std::pair<std::uint64_t, std::uint64_t>(status.st_dev, status.st_ino);
+    return std::nullopt;
+#else
+    const QString real = QFileInfo(file).canonicalFilePath();
+    if (real.isEmpty())
+        return std::nullopt;
+    return std::pair<std::uint64_t, std::uint64_t>(qHash(real, 1), qHash(real, 2));
+#endif
+}
 
 } // namespace
 
@@ -27,35 +44,58 @@ QString resolvedPath(const QString& file) {
     return QDir(folder.isEmpty() ? resolvedPath(info.path()) : folder).filePath(info.fileName());
 }
 
-QString fileId(const QString& file) {
-#ifdef Q_OS_UNIX // where hard links are told, too
-    struct stat status = {};
-    if (stat(QFile::encodeName(file).constData(), &status) == 0)
-        return QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino);
-#endif
-    const QString real = QFileInfo(file).canonicalFilePath();
-    return real.isEmpty() ? resolvedPath(file) : real;
+std::optional<std::size_t> OutputFiles::add(const QString& file, std::size_t number) {
+    if (const auto id = idOf(file)) {
+        const auto [known, isNew] = byId_.emplace(*id, number);
+        if (!isNew)
+            return known->second;
+    }
+    const auto [known, isNew] = byPlace_.emplace(placeOf(file), number);
+    return isNew ? std::nullopt : std::optional(known->second);
+}
+
+std::optional<std::size_t> OutputFiles::find(const QString& file) {
+    if (const auto id = byId_.empty() ? std::nullopt : idOf(file)) {
+        const auto known = byId_.find(*id);
+        return known == byId_.end() ? std::nullopt : std::optional(known->second);
+    }
+    const auto known = byPlace_.find(placeOf(file));
+    return known == byPlace_.end() ? std::nullopt : std::optional(known->second);
+}
+
+OutputFiles::Digest OutputFiles::placeOf(const QString& file) {
+    const auto slash = file.lastIndexOf(QLatin1Char('/'));
+    const QString name = file.mid(slash + 1);
+    QString place;
+    if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..")) {
+        place = resolvedPath(file);
+    } else {
+        const QString folder = file.left(slash + 1);
+        if (folder != folder_ || resolvedFolder_.isNull()) {
+            folder_ = folder;
+            resolvedFolder_ = resolvedPath(folder + QLatin1Char('-')).chopped(1);
+        }
+        place = resolvedFolder_ + name;
+    }
+    const QByteArray bytes = QCryptographicHash::hash(place.toUtf8(), QCryptographicHash::Md5);
+    Digest digest;
+    std::memcpy(digest.data(), bytes.constData(), sizeof digest);
+    return digest;
 }
 
 void checkOutputConflicts(const QStringList& written, const QStringList& read) {
-    const auto counts = [](const QString& file) {
-        return !file.isEmpty() && !isStandardOutput(file) && !isOtherThanFile(QFileInfo(file));
+    const auto isFile = [](const QString& name) {
+        return !name.isEmpty() && !isStandardOutput(name);
     };
-    QSet<QString> inputs, outputs;
+    OutputFiles outputs;
+    for (int i = 0; i < static_cast<int>(written.size()); ++i)
+        if (isFile(written[i]) && !isOtherThanFile(QFileInfo(written[i])) &&
+            outputs.add(written[i], static_cast<std::size_t>(i)))
+            throw FileError(written[i], QStringLiteral("would be written twice; give the outputs "
+                                                       "different names"));
     for (const QString& file : read)
-        if (counts(file))
-            inputs.insert(fileId(file));
-    for (const QString& file : written) {
-        if (!counts(file))
-            continue;
-        const QString id = fileId(file);
-        if (inputs.contains(id))
-            throw FileError(file, QStringLiteral("is also an input"));
-        if (outputs.contains(id))
-            throw FileError(
-                file, QStringLiteral("would be written twice; give the outputs different names"));
-        outputs.insert(id);
-    }
+        if (const auto number = isFile(file) ? outputs.find(file) : std::nullopt)
+            throw FileError(written[static_cast<int>(*number)], QStringLiteral("is also an input"));
 }
 
 void checkOutput(const QString& output, const QStringList& inputs, Existing existing) {

@@ -6,14 +6,45 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
 namespace lumetra {
 
 /// Where a file is: absolute, with the links of its folders followed, though it may not be there.
 /// The last name stays as it is.
 QString resolvedPath(const QString& file);
 
-/// What all names of one file have in common, whether it is there or not.
-QString fileId(const QString& file);
+/// The files that are to be written, known again by any of their names, whether they are there or
+/// not: links are followed, and hard links told. A million of them take little memory, since what
+/// is kept of a name is a digest.
+class OutputFiles {
+public:
+    /// The number of the output that was added before and is this very file; if there is none, this
+    /// one is known from now on by its number.
+    std::optional<std::size_t> add(const QString& file, std::size_t number);
+
+    /// The number of the output that is this file. Looks at the file itself only if some output was
+    /// there when it was added: otherwise it can be none of them.
+    std::optional<std::size_t> find(const QString& file);
+
+private:
+    using Digest = std::array<std::uint64_t, 2>;
+    struct HashOfDigest {
+        std::size_t operator()(const Digest& digest) const { return digest[0]; }
+    };
+
+    Digest placeOf(const QString& file);
+
+    std::unordered_map<Digest, std::size_t, HashOfDigest> byPlace_;
+    std::map<std::pair<std::uint64_t, std::uint64_t>, std::size_t> byId_; ///< Of those there.
+    QString folder_, resolvedFolder_; ///< Of the last name: many are in one folder.
+};
 
 /// @throws FileError if a file that is to be written is also one of those that are read, or is to
 ///         be written twice. Names that are empty, `-`, a folder, a pipe or a device are passed

@@ -9,10 +9,14 @@ channels=(--channel nuclei=DAPI --channel filaments=FITC
           --channel 'mitochondria=MitoTracker Red 580')
 images=out
 
+# Files are found once, for all that follows.
+lumetra list "$pattern" "${channels[@]}" --images "$images/{well}_{site}.png" -o fields.jsonl \
+  --overwrite --quiet
+
 # Contrast limits are measured once: images can be compared only if they have the same limits, also
 # those of a later run. Status 1 with a file written means that some fields could not be measured;
 # they are reported by name, and the others are rendered.
-[ -s plate.json ] || lumetra levels "$pattern" "${channels[@]}" -o plate.json --quiet || {
+[ -s plate.json ] || lumetra levels --fields fields.jsonl -o plate.json --quiet || {
   status=$?
   [ $status = 1 ] && [ -s plate.json ] || exit $status
   echo "parallel.sh: some fields were not measured; using the contrast limits of the others" >&2
@@ -21,8 +25,8 @@ images=out
 # One line for each field; status 1 means that some fields lack a channel.
 mkdir -p "$images"
 status=0
-lumetra batch "$pattern" --settings plate.json -o "$images/{well}_{site}.png" \
-  --log fields.log --overwrite --quiet --dry-run >lines.new || status=$?
+lumetra batch --fields fields.jsonl --settings plate.json --log fields.log --overwrite --quiet \
+  --dry-run >lines.new || status=$?
 [ $status -le 1 ] && [ -s lines.new ] || exit $status
 
 # The log of parallel identifies lines by number only, so it is kept only if the lines are the same.

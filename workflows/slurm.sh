@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Renders the images of a plate on a cluster with Slurm: limits, an array of fields, the gallery.
+# Renders the images of a plate on a cluster with Slurm: a list of the fields and their limits, an
+# array of fields, the gallery.
 # usage: slurm.sh    in the folder of the plate, on storage of all nodes; again after a stop
 #SBATCH --output=logs/%x-%j.txt
 #SBATCH --time=01:00:00
@@ -25,13 +26,17 @@ case ${1:-submit} in
     levels=$(submit levels)
     fields=$(submit fields --dependency=afterok:"$levels" --array=1-$chunks)
     gallery=$(submit gallery --dependency=afterany:"$fields")
-    echo "slurm.sh: jobs $levels (levels), $fields (fields), $gallery (gallery)"
+    echo "slurm.sh: jobs $levels (list and levels), $fields (fields), $gallery (gallery)"
     ;;
   levels)
+    # Files are found once: no task looks for them, or at those of another.
+    lumetra list "$pattern" "${channels[@]}" --images "$images/{well}_{site}.png" \
+      -o fields.jsonl --overwrite --quiet
+
     # Contrast limits are measured once: images can be compared only if they have the same limits,
     # also those of a later run. Status 1 with a file written means that some fields could not be
     # measured; they are reported by name, and the others are rendered.
-    [ -s plate.json ] || lumetra levels "$pattern" "${channels[@]}" \
+    [ -s plate.json ] || lumetra levels --fields fields.jsonl \
       --jobs "$SLURM_CPUS_PER_TASK" -o plate.json --quiet || {
       status=$?
       [ $status = 1 ] && [ -s plate.json ] || exit $status
@@ -39,8 +44,8 @@ case ${1:-submit} in
     }
     ;;
   fields) # each task has its own log, since nodes cannot share one
-    lumetra batch "$pattern" --settings plate.json --shard "$SLURM_ARRAY_TASK_ID/$chunks" \
-      --jobs "$SLURM_CPUS_PER_TASK" -o "$images/{well}_{site}.png" \
+    lumetra batch --fields fields.jsonl --shard "$SLURM_ARRAY_TASK_ID/$chunks" \
+      --settings plate.json --jobs "$SLURM_CPUS_PER_TASK" \
       --log "logs/fields-$SLURM_ARRAY_TASK_ID.json" --resume --quiet
     ;;
   gallery)

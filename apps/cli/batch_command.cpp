@@ -2,6 +2,7 @@
 
 #include "apps/cli/batch_gallery.h"
 #include "apps/cli/commands.h"
+#include "apps/cli/data_set.h"
 #include "apps/cli/data_set_levels.h"
 #include "apps/cli/fonts.h"
 #include "apps/cli/instrument_folder.h"
@@ -13,7 +14,6 @@
 #include "apps/common/annotation.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
-#include "imageio/output_conflicts.h"
 
 #include <QFileInfo>
 
@@ -26,8 +26,9 @@ namespace {
 
 /// A batch that is ready to run.
 struct Batch {
-    std::vector<Field> fields;
+    FieldSet fields; ///< Those of its shard.
     RenderSpec rendering;
+    FieldProblems problems;
     DyeList builtInDyes; ///< What a command line can name without a file.
 };
 
@@ -36,23 +37,29 @@ void say(const BatchOptions& options, const QString& line) {
         printError(line);
 }
 
-Progress progressOf(const BatchOptions& options, const QString& work, const Batch& batch,
+Progress progressOf(const BatchOptions& options, const QString& work, const FieldSet& fields,
                     bool isLast) {
-    return {work, static_cast<int>(batch.fields.size()), options.image.output.quiet,
+    return {work, static_cast<int>(fields.size()), options.image.output.quiet,
             options.dataSet.progress, isLast};
 }
 
 /// Measures the contrast limits that all fields are to share.
-void shareLevels(Batch& batch, const BatchOptions& options) {
+void shareLevels(const FieldSet& all, Batch& batch, const BatchOptions& options) {
     auto& channels = batch.rendering.channels;
     if (options.levelsOver == QLatin1String("field") || !hasMeasuredLevels(channels))
         return;
+    if (!options.dataSet.fields.isEmpty() && !options.shard.isEmpty())
+        throw UsageError(QStringLiteral(
+            "--fields with --shard reads the files of its part alone, and contrast limits are of "
+            "all: measure them once with 'lumetra levels' for --settings, or give --levels "
+            "LOW:HIGH or --levels-over field"));
     say(options, QStringLiteral("measuring shared contrast limits over all fields, so that images "
                                 "can be compared (--levels-over dataset)"));
     DataSetLevels levels;
     {
-        Progress progress = progressOf(options, QStringLiteral("measuring"), batch, false);
-        levels = measureLevels(batch.fields, batch.rendering.pages, options.dataSet.jobs, progress);
+        Progress progress = progressOf(options, QStringLiteral("measuring"), all, false);
+        levels = measureLevels(all, batch.problems, batch.rendering.pages, options.dataSet.jobs,
+                               progress);
     }
     if (levels.files == 0)
         return;
@@ -75,71 +82,72 @@ QString channelList(const std::vector<ChannelSpec>& channels) {
 
 /// Looks at the outputs before there is any work, so that no field is logged as failed that was not
 /// tried.
-void requireFreeOutputs(const std::vector<Field>& fields) {
-    QStringList existing;
-    for (const Field& field : fields)
-        if (QFileInfo(field.job.output).isFile())
-            existing << field.job.output;
-    if (!existing.isEmpty())
+void requireFreeOutputs(const FieldSet& fields) {
+    QString first;
+    std::size_t existing = 0;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const QString output = fields[i].job.output;
+        if (QFileInfo(output).isFile() && ++existing == 1)
+            first = output;
+    }
+    if (existing > 0)
         throw Error(QStringLiteral("%1 of %2 already exist, the first of them %3: run again with "
                                    "--resume and the --log of the earlier run to skip what is "
                                    "done, or with --overwrite to render all again")
-                        .arg(QString::number(existing.size()),
-                             plural(fields.size(), QStringLiteral("output")), existing.front()));
+                        .arg(QString::number(existing),
+                             plural(fields.size(), QStringLiteral("output")), first));
 }
 
-Batch prepare(const BatchOptions& options) {
-    Batch batch;
+void prepare(Batch& batch, const BatchOptions& options) {
     const DyeList dyes = dyesWith(options.channel.customDyes);
+    const DataSetOptions& dataSet = options.dataSet;
     std::vector<Channel> channels =
-        namedChannels(options.dataSet.channels, settingsOf(options.channel, dyes), dyes);
-    const bool areNamed = !channels.empty();
+        namedChannels(dataSet.channels, settingsOf(options.channel, dyes), dyes);
+    const bool areNamed = !channels.empty(), isListed = !dataSet.fields.isEmpty();
     if (areNamed) // what is wrong with the options is told before there is any work
         batch.rendering = renderSpec(channels, options.image, options.channel);
     const bool isProjected = options.image.pages.project.has_value();
-    batch.fields = requestedFields(options.dataSet, isProjected, dyes, channels);
-    if (!areNamed && !batch.fields.empty()) {
+    const FieldSet all =
+        requestedFields(dataSet, options.image.output.file, isProjected, dyes, channels);
+    if (!areNamed && !all.empty()) {
         batch.rendering = renderSpec(channels, options.image, options.channel);
         say(options, channelList(batch.rendering.channels));
     }
     if (options.resume)
         batch.rendering.existing = Existing::replace;
-    nameOutputs(batch.fields, options.image.output.file);
-    for (const Field& field : batch.fields)
-        checkImageOutput(field.job.output, options.image.output.compression);
-    if (batch.fields.empty())
-        return batch;
-
-    QStringList written{options.log, options.dataSet.progress, options.gallery};
-    for (const Field& field : batch.fields)
-        written << field.job.output;
-    checkOutputConflicts(written, inputNames(batch.fields)
-                                      << options.channel.settings << options.channel.customDyes
-                                      << options.dataSet.filesFrom);
+    batch.fields = all.part(options.shard);
+    if (all.empty())
+        return;
+    // What has to hold of all fields, a list has been looked at for.
+    checkFiles(
+        isListed ? batch.fields : all, options.image.output.compression,
+        {options.log, dataSet.progress, options.gallery},
+        {options.channel.settings, options.channel.customDyes, dataSet.filesFrom, dataSet.fields},
+        !isListed);
     if (batch.rendering.existing == Existing::keep && !options.dryRun)
-        requireFreeOutputs(shardOf(batch.fields, options.shard));
+        requireFreeOutputs(batch.fields);
     if (!options.gallery.isEmpty() && !options.dryRun && options.shard.isEmpty())
         checkPage(options.gallery, batch.rendering.existing);
-    say(options, fieldList(batch.fields));
-    shareLevels(batch, options);
-    batch.fields = shardOf(batch.fields, options.shard);
+    say(options, fieldList(all));
+    shareLevels(all, batch, options);
     if (!options.shard.isEmpty())
         say(options, QStringLiteral("of these, ") + fieldList(batch.fields));
-    batch.rendering.jobs = jobsOfEach(options.dataSet.jobs, batch.fields.size());
-    return batch;
+    batch.rendering.jobs = jobsOfEach(dataSet.jobs, batch.fields.size());
 }
 
 /// Fields that cannot be rendered have no line that could log it.
-void printLines(const Batch& batch, const BatchOptions& options) {
+void printLines(Batch& batch, const BatchOptions& options) {
     BatchLog log(options.log, options.resume);
-    QString lines;
-    for (const Field& field : batch.fields) {
-        const QJsonObject work = workOf(field, batch.rendering);
-        if (!field.problem.isEmpty())
-            log.addFailed(work, 0, field.problem);
-        else if (!log.isDone(work))
-            lines +=
-                mergeLine(field, batch.rendering, options, batch.builtInDyes) + QLatin1Char('\n');
+    QByteArray lines;
+    for (std::size_t i = 0; i < batch.fields.size(); ++i) {
+        Field field = batch.fields[i];
+        field.problem = batch.problems.of(field);
+        if (!field.problem.isEmpty()) {
+            batch.problems.add(field);
+            log.addFailed(workOf(field, batch.rendering), 0, field.problem);
+        } else if (!options.resume || !log.isDone(workOf(field, batch.rendering))) {
+            lines += mergeLine(field, batch.rendering, options, batch.builtInDyes).toUtf8() + '\n';
+        }
     }
     print(lines);
 }
@@ -188,17 +196,18 @@ Outcome makeFields(Batch& batch, const BatchOptions& options, const BatchGallery
     Outcome outcome;
     std::atomic<int> skipped{0};
     BatchLog log(gallery ? gallery->log() : options.log, options.resume);
-    Progress progress = progressOf(options, QStringLiteral("rendering"), batch, true);
+    Progress progress = progressOf(options, QStringLiteral("rendering"), batch.fields, true);
     const auto makeWorker = [&] {
         return [&, renderer = std::make_shared<FileRenderer>(batch.rendering, gallery != nullptr)](
                    std::size_t i) {
-            Field& field = batch.fields[i];
+            Field field = batch.fields[i];
+            field.problem = batch.problems.of(field);
             if (!makeField(field, batch.rendering, *renderer, log, gallery))
                 ++skipped;
             if (field.problem.isEmpty())
-                progress.fieldDone();
-            else
-                progress.fieldFailed();
+                return progress.fieldDone();
+            batch.problems.add(field);
+            progress.fieldFailed();
         };
     };
     try {
@@ -221,7 +230,8 @@ QString stoppedText(const QString& reached, const BatchOptions& options) {
 
 /// As `runBatch`, for a pattern and options that fit each other.
 int renderFields(const BatchOptions& options) {
-    Batch batch = prepare(options);
+    Batch batch;
+    prepare(batch, options);
     if (batch.fields.empty())
         return options.shard.isEmpty() ? nothingMatched : done;
     Outcome outcome;
@@ -234,13 +244,13 @@ int renderFields(const BatchOptions& options) {
             gallery = std::make_unique<BatchGallery>(options);
         outcome = makeFields(batch, options, gallery.get());
     }
-    printProblems(batch.fields);
+    batch.problems.print(batch.fields);
     if (caughtSignal() != 0)
         throw Interrupted(stoppedText(outcome.reached, options));
     if (!outcome.diskFull.isEmpty())
         throw Error(outcome.diskFull + QStringLiteral("; ") +
                     stoppedText(outcome.reached, options));
-    const bool isWhole = !hasProblems(batch.fields);
+    const bool isWhole = batch.problems.count(batch.fields) == 0;
     if (isWhole && !options.dryRun) {
         const QString note = QStringLiteral(" (%1 skipped, already done by earlier runs)");
         say(options, plural(batch.fields.size(), QStringLiteral("field")) +
@@ -254,9 +264,14 @@ int renderFields(const BatchOptions& options) {
 } // namespace
 
 int runBatch(const BatchOptions& options) {
+    requirePattern(options.dataSet);
+    if (options.image.output.file.isEmpty() == options.dataSet.fields.isEmpty())
+        throw UsageError(options.dataSet.fields.isEmpty()
+                             ? QStringLiteral("give -o, the name of the images")
+                             : QStringLiteral("--fields has the outputs: leave out -o"));
     if (options.resume && options.log.isEmpty())
         throw UsageError(QStringLiteral("--resume needs the --log of the earlier run"));
-    static_cast<void>(shardOf({}, options.shard)); // before any work
+    static_cast<void>(FieldSet().part(options.shard)); // what is wrong with it, before any work
     BatchOptions withPattern = options;
     usePatternOfFolder(withPattern.dataSet, options.image.output.quiet);
     return renderFields(withPattern);

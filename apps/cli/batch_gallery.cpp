@@ -1,6 +1,7 @@
 #include "apps/cli/batch_gallery.h"
 
 #include "apps/cli/commands.h"
+#include "apps/cli/field_list.h"
 #include "apps/cli/gallery_page.h"
 #include "apps/cli/render_spec.h"
 #include "apps/common/error.h"
@@ -13,8 +14,11 @@
 namespace lumetra {
 namespace {
 
-/// The folder that all outputs of a pattern lie in or below, the same for every part of a data set.
-QString folderOf(const QString& pattern) {
+/// The folder that all outputs lie in or below, the same for every part of a data set.
+QString folderOf(const BatchOptions& options) {
+    const QString& list = options.dataSet.fields;
+    const QString pattern =
+        list.isEmpty() ? options.image.output.file : FieldList(list).header().images;
     return QFileInfo(pattern.section(QLatin1Char('{'), 0, 0) + QLatin1Char('x')).path();
 }
 
@@ -28,7 +32,7 @@ OutputOptions pageOf(const BatchOptions& options) {
 } // namespace
 
 BatchGallery::BatchGallery(const BatchOptions& options)
-    : options_(options), page_(pageOf(options)), folder_(folderOf(options.image.output.file)),
+    : options_(options), page_(pageOf(options)), folder_(folderOf(options)),
       thumbnails_(options.gallery, folder_), log_(options.log) {
     requireFolders(page_.file);
     if (!log_.isEmpty())
@@ -46,16 +50,17 @@ void BatchGallery::add(const QString& image, const cv::Mat& thumbnail) const {
     }
 }
 
-int BatchGallery::finish(const std::vector<Field>& fields) const {
+int BatchGallery::finish(const FieldSet& fields) const {
     QStringList images;
-    for (const Field& field : fields)
-        images << field.job.output;
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        images << fields[i].job.output;
     Gallery gallery;
     gallery.title = folderTitle(folder_);
     gallery.tiles = tilesOf(folder_, images);
     const bool isPart = !options_.shard.isEmpty();
     if (!isPart) {
-        const LatestEntries entries = latestEntries(readLog(log_), folder_);
+        LatestEntries entries;
+        addLatestEntries(entries, log_, folder_);
         addLogged(gallery.tiles, folder_, entries);
         gallery.legend = commonLegend(entries);
     }

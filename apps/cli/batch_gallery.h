@@ -7,8 +7,6 @@
 
 #include <QTemporaryFile>
 
-#include <vector>
-
 namespace lumetra {
 
 /// The thumbnails of images while these are in memory, and in the end their page. A shard leaves
@@ -16,7 +14,7 @@ namespace lumetra {
 class BatchGallery {
 public:
     /// Makes folders.
-    /// @param options  With a gallery, and a pattern of outputs.
+    /// @param options  With a gallery, and a pattern of outputs or a list of fields.
     /// @throws Error if the page could not be written; FileExistsError.
     explicit BatchGallery(const BatchOptions& options);
 
@@ -28,7 +26,7 @@ public:
 
     /// Makes the thumbnails that are missing, and the page.
     /// @return The exit status.
-    int finish(const std::vector<Field>& fields) const;
+    int finish(const FieldSet& fields) const;
 
 private:
     const BatchOptions& options_;

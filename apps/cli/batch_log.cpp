@@ -1,5 +1,6 @@
 #include "apps/cli/batch_log.h"
 
+#include "apps/cli/json_line.h"
 #include "apps/common/error.h"
 #include "apps/common/settings.h"
 #include "apps/common/text.h"
@@ -8,6 +9,8 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+
+#include <string_view>
 
 namespace lumetra {
 namespace {
@@ -18,27 +21,35 @@ const QString fieldKey = QStringLiteral("field"), outputKey = QStringLiteral("ou
               bytesKey = QStringLiteral("bytes"), timeKey = QStringLiteral("milliseconds"),
               doneOutcome = QStringLiteral("done");
 
-QJsonObject parsed(const QByteArray& json) { return QJsonDocument::fromJson(json).object(); }
-
-QByteArray lineOf(const QJsonObject& object) {
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
-}
-
 [[noreturn]] void fail(const QFile& file) {
     throw Error(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
 }
 
-QList<QByteArray> linesOf(const QString& name) {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        fail(file);
-    return file.readAll().split('\n');
+std::size_t hashOf(const QByteArray& output) {
+    return std::hash<std::string_view>()(viewOf(output));
 }
 
 QJsonObject channelEntry(const Channel& channel, const QString& method) {
-    QJsonObject entry = parsed(channelJson(channel));
+    QJsonObject entry = parsedLine(channelJson(channel));
     entry[methodKey] = method;
     return entry;
+}
+
+/// None for the line of another version.
+LoggedChannels loggedChannels(const QJsonArray& entries, const DyeList& dyes) {
+    LoggedChannels logged;
+    QJsonArray channels;
+    for (const QJsonValue entry : entries) {
+        QJsonObject settings = entry.toObject();
+        logged.methods << settings.take(methodKey).toString();
+        channels << settings;
+    }
+    try {
+        logged.channels = parseSettings(lineOf({{channelsKey, channels}}), dyes).channels;
+    } catch (const std::runtime_error&) {
+        return {};
+    }
+    return logged;
 }
 
 /// What of a line decides on the bytes of the image. A single merge knows no names of fields and
@@ -65,26 +76,44 @@ BatchLog::BatchLog(const QString& file, bool resume) {
     file_.setFileName(file);
     if (!file_.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered))
         fail(file_);
+    char first = '{', last = '\n';
+    if (file_.size() > 0 && file_.seek(0) && file_.getChar(&first) && first != '{')
+        throw Error(QStringLiteral("%1: is no log, to which lines could be added").arg(file));
     if (resume)
-        for (const QByteArray& line : linesOf(file)) {
-            const QJsonObject object = parsed(line);
-            if (object[outcomeKey].toString() == doneOutcome)
-                doneByOutput_[object[outputKey].toString()] = object;
-            else // the latest line counts
-                doneByOutput_.remove(object[outputKey].toString());
-        }
+        readEarlier();
     // A run may have been killed while it wrote.
-    char last = '\n';
     if (file_.size() > 0 && file_.seek(file_.size() - 1) && file_.getChar(&last) && last != '\n')
         file_.write("\n");
 }
 
-bool BatchLog::isDone(const QJsonObject& work) const {
-    const QJsonObject earlier = doneByOutput_.value(work[outputKey].toString());
+void BatchLog::readEarlier() {
+    earlier_.setFileName(file_.fileName());
+    if (!earlier_.open(QIODevice::ReadOnly))
+        fail(earlier_);
+    for (qint64 at = earlier_.pos(); !earlier_.atEnd(); at = earlier_.pos()) {
+        const QByteArray line = earlier_.readLine();
+        const std::size_t output = hashOf(textOf(memberOf(viewOf(line), "output")));
+        if (textOf(memberOf(viewOf(line), "outcome")) == doneOutcome)
+            doneByOutput_[output] = at;
+        else // the latest line counts
+            doneByOutput_.erase(output);
+    }
+}
+
+QJsonObject BatchLog::earlierLine(const QString& output) {
+    const std::lock_guard lock(mutex_);
+    const auto known = doneByOutput_.find(hashOf(output.toUtf8()));
+    if (known == doneByOutput_.end() || !earlier_.seek(known->second))
+        return {};
+    return parsedLine(earlier_.readLine());
+}
+
+bool BatchLog::isDone(const QJsonObject& work) {
+    const QJsonObject earlier = earlierLine(work[outputKey].toString());
+    if (earlier.isEmpty() || causes(earlier) != causes(parsedLine(lineOf(work))))
+        return false;
     const QFileInfo output(work[outputKey].toString());
-    const auto bytes = static_cast<qint64>(earlier[bytesKey].toDouble(-1));
-    return output.isFile() && output.size() == bytes &&
-           causes(earlier) == causes(parsed(lineOf(work)));
+    return output.isFile() && output.size() == static_cast<qint64>(earlier[bytesKey].toDouble(-1));
 }
 
 void BatchLog::add(const QJsonObject& line) {
@@ -155,32 +184,30 @@ QJsonObject withLevels(QJsonObject work, const std::vector<Channel>& channels) {
     return work;
 }
 
-std::vector<LoggedImage> readLog(const QString& file) {
-    std::vector<LoggedImage> images;
+void readLog(const QString& file, const std::function<void(LoggedImage)>& add) {
     const DyeList dyes;
-    for (const QByteArray& line : linesOf(file)) {
-        const QJsonObject object = parsed(line);
+    QFile log(file);
+    if (!log.open(QIODevice::ReadOnly))
+        fail(log);
+    QByteArray textOfChannels;
+    std::shared_ptr<const LoggedChannels> channels;
+    while (!log.atEnd()) {
+        const QJsonObject object = parsedLine(log.readLine());
         if (!object[outputKey].isString() || !object[outcomeKey].isString())
             continue;
         LoggedImage image;
         image.output = object[outputKey].toString();
         if (object[outcomeKey].toString() != doneOutcome)
             image.reason = object[reasonKey].toString(QStringLiteral("failed"));
-        QJsonArray channels;
-        for (const QJsonValue channel : object[channelsKey].toArray()) {
-            QJsonObject settings = channel.toObject();
-            image.methods << settings.take(methodKey).toString();
-            channels << settings;
+        const QJsonArray entries = object[channelsKey].toArray();
+        const QByteArray text = QJsonDocument(entries).toJson(QJsonDocument::Compact);
+        if (!channels || text != textOfChannels) {
+            textOfChannels = text;
+            channels = std::make_shared<LoggedChannels>(loggedChannels(entries, dyes));
         }
-        try {
-            const QByteArray json = QJsonDocument(QJsonObject{{channelsKey, channels}}).toJson();
-            image.channels = parseSettings(json, dyes).channels;
-        } catch (const std::runtime_error&) {
-            image.methods.clear(); // the line of another version; what became of it still holds
-        }
-        images.push_back(std::move(image));
+        image.channels = channels;
+        add(std::move(image));
     }
-    return images;
 }
 
 } // namespace lumetra

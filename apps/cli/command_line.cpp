@@ -280,7 +280,15 @@ void addDataSet(CLI::App& command, DataSetOptions& options) {
         "--files-from", "FILE", options.filesFrom,
         "Read file names from FILE (newline- or NUL-separated; - is standard input) instead of "
         "searching");
-    addJobs(command, options.jobs, options.progress, "field");
+}
+
+/// A list in the place of the pattern.
+void addFieldList(CLI::App& command, DataSetOptions& options) {
+    command.get_option("PATTERN")->required(false);
+    Section{command, "Processing"}.addText(
+        "--fields", "FILE", options.fields,
+        "Take fields from a list that 'lumetra list' wrote, in the place of PATTERN. With --shard, "
+        "only the lines and files of that part are read");
 }
 
 /// Each of these declares the arguments and options of a command.
@@ -372,9 +380,11 @@ void declare(CLI::App& command, PseudoOptions& options) {
 
 void declare(CLI::App& command, LevelsOptions& options) {
     addDataSet(command, options.dataSet);
+    addJobs(command, options.dataSet.jobs, options.dataSet.progress, "field");
     Section{command, "Output"}.addText(
         "-o,--output", "FILE", options.output.file,
         "Settings file to write; an existing one is overwritten (default: -, standard output)");
+    addFieldList(command, options.dataSet);
     addQuiet(command, options.output.quiet);
     addCustomDyes({command, "Channels"}, options.customDyes);
     addContrastOfEach(command, options.contrast);
@@ -382,10 +392,28 @@ void declare(CLI::App& command, LevelsOptions& options) {
     command.get_option("--all-pages")->description("Measure every page");
 }
 
+void declare(CLI::App& command, ListOptions& options) {
+    addDataSet(command, options.dataSet);
+    Section{command, "Output"}
+        .addText("--images", "OUT", options.images,
+                 "Names of the images to render, with the placeholders of PATTERN: "
+                 "'out/{field}.png'")
+        ->required();
+    addOutput(command, options.output, "List to write: a line of JSON for each field");
+    addChannelFiles(command, options.channel);
+    addProject(Section{command, "Pages"}, options.pages)
+        ->description("Take files that differ in {z} alone as the z-slices of one field, which "
+                      "'lumetra batch' then projects: give METHOD to it as well");
+}
+
 void declare(CLI::App& command, BatchOptions& options) {
     addDataSet(command, options.dataSet);
+    addJobs(command, options.dataSet.jobs, options.dataSet.progress, "field");
     addOutput(command, options.image.output,
-              "Output name with the placeholders of PATTERN: 'out/{field}.png'; creates folders");
+              "Output name with the placeholders of PATTERN: 'out/{field}.png'; creates folders. "
+              "Needed with PATTERN, and not given with --fields");
+    command.get_option("--output")->required(false);
+    addFieldList(command, options.dataSet);
     addCompression(command, options.image.output.compression);
     addLog(command, options.log,
            "Append a line of JSON for each field: inputs, output, outcome, milliseconds");
@@ -412,7 +440,7 @@ void declare(CLI::App& command, BatchOptions& options) {
     const Section section{command, "Processing"};
     section.addText("--shard", "K/N", options.shard,
                     "Render only part K of N of the fields, in the order of their names; contrast "
-                    "limits are still measured over all");
+                    "limits are still measured over all, or, with --fields, have to be known");
     section.addFlag("--resume", options.resume,
                     "Skip fields logged as done with the same inputs, options and version; redo "
                     "the rest, overwriting output");
@@ -501,6 +529,9 @@ CommandLine::CommandLine() {
     add("levels", "Measure the contrast limits of a data set, for a settings file", runLevels,
         "'plate/{field}_{channel}.tif' --channel dapi=DAPI \\\n"
         "    --channel actin=FITC -o plate.json");
+    add("list", "List the fields of a data set, for tasks that share them", runList,
+        "'plate/{field}_{channel}.tif' --channel dapi=DAPI \\\n"
+        "    --channel actin=FITC --images 'out/{field}.png' -o fields.jsonl");
     add("batch", "Render an image of each field of a data set", runBatch,
         "'plate/{field}_{channel}.tif' --channel dapi=DAPI \\\n"
         "    --channel actin=FITC+3-2 -o 'out/{field}.png'");

@@ -9,6 +9,7 @@ struct DyesOptions;
 struct GalleryOptions;
 struct InfoOptions;
 struct LevelsOptions;
+struct ListOptions;
 struct MergeOptions;
 struct PseudoOptions;
 
@@ -23,6 +24,7 @@ int runDye(const DyeOptions& options);
 int runPseudo(const PseudoOptions& options);
 int runMerge(const MergeOptions& options);
 int runLevels(const LevelsOptions& options);
+int runList(const ListOptions& options);
 int runBatch(const BatchOptions& options);
 int runGallery(const GalleryOptions& options);
 

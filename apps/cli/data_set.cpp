@@ -1,8 +1,9 @@
 #include "apps/cli/data_set.h"
 
+#include "apps/cli/field_list.h"
 #include "apps/cli/folder_listing.h"
-#include "apps/cli/natural_order.h"
-#include "apps/cli/slice_files.h"
+#include "apps/cli/found_fields.h"
+#include "apps/cli/print.h"
 #include "apps/common/error.h"
 #include "apps/common/file_channels.h"
 #include "apps/common/messages.h"
@@ -11,10 +12,11 @@
 #include "imageio/output_conflicts.h"
 
 #include <QFile>
-#include <QRegularExpression>
+#include <QFileInfo>
 
 #include <algorithm>
-#include <map>
+#include <functional>
+#include <memory>
 #include <set>
 
 namespace lumetra {
@@ -22,77 +24,30 @@ namespace {
 
 const QString channelPlaceholder = QStringLiteral("channel");
 
-/// The names in a list: one in a line, or, if there is a NUL in it, one before each NUL.
-FileNames listedFiles(const QString& list) {
+/// Gives the names in a list: one in a line, or, if there is a NUL in it, one before each NUL.
+/// @return How many were left out, since they are not UTF-8.
+std::size_t forEachListedFile(const QString& list, const std::function<void(const QString&)>& add) {
     QFile device(list);
     const bool isOpen = list == QLatin1String("-") ? device.open(stdin, QIODevice::ReadOnly)
                                                    : device.open(QIODevice::ReadOnly);
     if (!isOpen)
         throw Error(QStringLiteral("%1: %2").arg(list, device.errorString()));
     const QByteArray bytes = device.readAll();
-    const bool hasNul = bytes.contains('\0');
-    FileNames files;
-    for (QByteArray bytesOfName : bytes.split(hasNul ? '\0' : '\n')) {
-        if (!hasNul && bytesOfName.endsWith('\r'))
-            bytesOfName.chop(1);
-        const auto name = nameOf(bytesOfName);
+    const char end = bytes.contains('\0') ? '\0' : '\n';
+    std::size_t notText = 0;
+    for (int at = 0, next = 0; at < static_cast<int>(bytes.size()); at = next + 1) {
+        const auto found = static_cast<int>(bytes.indexOf(end, at));
+        next = found < 0 ? static_cast<int>(bytes.size()) : found;
+        int size = next - at;
+        if (end == '\n' && size > 0 && bytes[next - 1] == '\r')
+            --size;
+        const auto name = nameOf(QByteArray::fromRawData(bytes.constData() + at, size));
         if (!name)
-            ++files.notText;
+            ++notText;
         else if (!name->isEmpty())
-            files.names << *name;
+            add(*name);
     }
-    return files;
-}
-
-/// The files of one channel of one field, by the texts of their z; one of no text where z-slices
-/// have no files of their own.
-using SliceFiles = std::map<QString, QString, NaturalOrder>;
-
-/// A field with the files that were found for it.
-struct FoundField {
-    Field field;
-    std::vector<SliceFiles> files; ///< Of each channel.
-};
-
-/// Gives a field a file of one of its channels.
-/// @throws UsageError if it has another one for this.
-void setInput(FoundField& found, std::size_t number, const QString& slice, const QString& file) {
-    QString& known = found.files[number][slice];
-    const QString& field = found.field.name;
-    if (!known.isEmpty() && known != file)
-        throw UsageError(
-            QStringLiteral("%1 and %2 are both %3: give {*} or {**} a name, such as {site}, where "
-                           "it tells fields apart")
-                .arg(std::min(known, file), std::max(known, file),
-                     field.isEmpty() ? QStringLiteral("the same channel of the same field")
-                                     : QStringLiteral("the same channel of field %1").arg(field)));
-    known = file;
-}
-
-/// The files of a channel as an image reads them.
-InputFile inputOf(const SliceFiles& files, const QString& patternOfSlices) {
-    InputFile input;
-    if (files.empty())
-        return input;
-    if (files.begin()->first.isEmpty()) {
-        input.file = files.begin()->second;
-        return input;
-    }
-    input.file = patternOfSlices;
-    for (const auto& [slice, file] : files)
-        input.sliceFiles << file;
-    return input;
-}
-
-void findProblem(Field& field, const std::vector<Channel>& channels, const Pattern& pattern) {
-    for (std::size_t i = 0; i < channels.size() && field.problem.isEmpty(); ++i) {
-        if (!field.job.inputs[i].file.isEmpty())
-            continue;
-        Placeholders placeholders = field.placeholders;
-        placeholders[channelPlaceholder] = toQt(channels[i].name);
-        field.problem = QStringLiteral("channel \"%1\" is missing: there is no %2")
-                            .arg(toQt(channels[i].name), pattern.partlyFilled(placeholders));
-    }
+    return notText;
 }
 
 Pattern patternOf(const DataSetOptions& options, const std::vector<Channel>& channels) {
@@ -102,62 +57,11 @@ Pattern patternOf(const DataSetOptions& options, const std::vector<Channel>& cha
     return Pattern(options.pattern, choices);
 }
 
-std::vector<Field> sortedIntoFields(const QStringList& files, const Pattern& pattern,
-                                    bool isProjected, const std::vector<Channel>& channels) {
-    std::map<QString, std::size_t> numberOfName;
-    for (const Channel& channel : channels)
-        numberOfName.emplace(toQt(channel.name), numberOfName.size());
-    const bool hasChannels = pattern.names().contains(channelPlaceholder);
-    std::map<QStringList, FoundField, NaturalOrder> fieldOfTexts;
-    for (const QString& file : files) {
-        Placeholders placeholders;
-        if (!pattern.match(file, placeholders))
-            continue;
-        const QString channel = placeholders.take(channelPlaceholder);
-        const QString slice = isProjected ? placeholders.take(slicePlaceholder()) : QString();
-        QStringList texts; // what tells the field from the others
-        for (const QString& name : pattern.names())
-            if (placeholders.contains(name))
-                texts << placeholders[name];
-        FoundField& found = fieldOfTexts[texts];
-        if (found.files.empty()) {
-            found.field.name = texts.join(QLatin1Char('/'));
-            found.field.placeholders = placeholders;
-            found.field.isOneFile = !hasChannels;
-            found.files.resize(channels.size());
-        }
-        if (hasChannels)
-            setInput(found, numberOfName[channel], slice, file);
-        for (std::size_t number = 0; !hasChannels && number < channels.size(); ++number)
-            setInput(found, number, slice, file);
-    }
-    std::vector<Field> fields;
-    for (auto& [texts, found] : fieldOfTexts) {
-        Placeholders placeholders = found.field.placeholders;
-        for (std::size_t number = 0; number < channels.size(); ++number) {
-            if (isProjected && hasChannels)
-                placeholders[channelPlaceholder] = toQt(channels[number].name);
-            found.field.job.inputs.push_back(inputOf(
-                found.files[number], isProjected ? pattern.narrowed(placeholders) : QString()));
-        }
-        findProblem(found.field, channels, pattern);
-        fields.push_back(std::move(found.field));
-    }
-    return fields;
-}
-
-/// The channels of the first file that matches, each with a name of its own: the one that the file
-/// has for it, or its number.
+/// The channels of a file, each with a name of its own: the one that the file has for it, or its
+/// number.
 /// @throws Error if it does not tell the dye or colour of each.
-std::vector<Channel> channelsOfFirst(const QStringList& files, const Pattern& pattern,
-                                     const DyeList& dyes) {
-    Placeholders placeholders;
-    const auto isOther = [&](const QString& file) { return !pattern.match(file, placeholders); };
-    QStringList matching = files;
-    matching.erase(std::remove_if(matching.begin(), matching.end(), isOther), matching.end());
-    if (matching.isEmpty())
-        return {};
-    const ImageFile file(*std::min_element(matching.begin(), matching.end(), NaturalOrder()));
+std::vector<Channel> channelsOfFile(const QString& name, const DyeList& dyes) {
+    const ImageFile file(name);
     std::vector<Channel> channels;
     std::set<std::string> names;
     for (int number = 1; number <= file.axes().channels; ++number) {
@@ -174,105 +78,132 @@ std::vector<Channel> channelsOfFirst(const QStringList& files, const Pattern& pa
     return channels;
 }
 
-/// Where each file holds its channels, those of the first one tell which are meant.
-void selectChannelsOf(std::vector<Field>& fields, const std::vector<Channel>& channels) {
-    if (fields.empty() || !fields.front().isOneFile || !fields.front().problem.isEmpty())
+/// Where each file holds its channels, those of the first field tell which are meant.
+void selectChannelsOf(FoundFields& fields, const std::vector<Channel>& channels) {
+    if (fields.size() == 0 || !fields.areOneFile())
         return;
+    std::vector<InputFile> inputs = fields.field(0).job.inputs;
     std::vector<std::string> names;
     names.reserve(channels.size());
     for (const Channel& channel : channels)
         names.push_back(channel.name);
     try {
-        selectChannels(fields.front().job.inputs, names);
+        selectChannels(inputs, names);
     } catch (const FileError&) { // which is told when the field is rendered
         return;
     }
-    for (Field& field : fields)
-        for (std::size_t i = 0; i < field.job.inputs.size(); ++i)
-            field.job.inputs[i].channels = fields.front().job.inputs[i].channels;
+    for (InputFile& input : inputs)
+        input = {{}, 0, input.channels};
+    fields.selectChannels(inputs);
+}
+
+FieldSet foundFields(const DataSetOptions& options, const QString& outputs, bool isProjected,
+                     const DyeList& dyes, std::vector<Channel>& channels) {
+    constexpr int mostOthers = 10000; // which are enough for an example
+    const Pattern pattern = patternOf(options, channels);
+    if (channels.empty() && pattern.names().contains(channelPlaceholder))
+        throw UsageError(QStringLiteral("there are no channels: give --channel NAME=DYE for each"));
+    const auto found = std::make_shared<FoundFields>(pattern, isProjected);
+    found->nameChannels(channels);
+    QStringList others;
+    const auto add = [&](const QString& file) {
+        if (!found->add(file) && static_cast<int>(others.size()) < mostOthers)
+            others << file;
+    };
+    const bool isListed = !options.filesFrom.isEmpty();
+    const std::size_t notText =
+        isListed ? forEachListedFile(options.filesFrom, add) : pattern.forEachFile(add);
+    if (notText > 0)
+        printError(QStringLiteral("%1 left out, since the name is not UTF-8")
+                       .arg(plural(notText, QStringLiteral("file"))));
+    if (channels.empty() && !found->firstFile().isEmpty()) {
+        channels = channelsOfFile(found->firstFile(), dyes);
+        found->nameChannels(channels);
+    }
+    found->sort();
+    if (!outputs.isEmpty())
+        found->setOutputs(Pattern(outputs));
+    selectChannelsOf(*found, channels);
+    if (found->size() == 0) {
+        const QString reason = isListed ? pattern.whyNot(others) : pattern.whyNot();
+        printError(QStringLiteral("no file matches %1").arg(options.pattern) +
+                   (reason.isEmpty() ? QString() : QStringLiteral(": ") + reason));
+    }
+    return FieldSet(found);
+}
+
+FieldSet listedFields(const QString& file, bool isProjected, std::vector<Channel>& channels) {
+    const auto list = std::make_shared<FieldList>(file);
+    if (list->header().isProjected != isProjected)
+        throw UsageError(
+            isProjected
+                ? QStringLiteral("%1 was made without --project: give it to "
+                                 "'lumetra list', too")
+                      .arg(file)
+                : QStringLiteral("%1 was made with --project: give it here, too").arg(file));
+    if (channels.empty())
+        channels = list->header().channels;
+    list->useChannels(channels);
+    if (list->size() == 0)
+        printError(QStringLiteral("%1: there is no field in it").arg(file));
+    return FieldSet(list);
 }
 
 } // namespace
 
-std::vector<Field> requestedFields(const DataSetOptions& options, bool isProjected,
-                                   const DyeList& dyes, std::vector<Channel>& channels) {
-    const Pattern pattern = patternOf(options, channels);
-    if (channels.empty() && pattern.names().contains(channelPlaceholder))
-        throw UsageError(QStringLiteral("there are no channels: give --channel NAME=DYE for each"));
-    const bool isListed = !options.filesFrom.isEmpty();
-    const FileNames files = isListed ? listedFiles(options.filesFrom) : pattern.files();
-    if (files.notText > 0)
-        printError(QStringLiteral("%1 left out, since the name is not UTF-8")
-                       .arg(plural(files.notText, QStringLiteral("file"))));
-    if (channels.empty())
-        channels = channelsOfFirst(files.names, pattern, dyes);
-    std::vector<Field> fields = sortedIntoFields(files.names, pattern, isProjected, channels);
-    selectChannelsOf(fields, channels);
-    if (fields.empty()) {
-        const QString reason = isListed ? pattern.whyNot(files.names) : pattern.whyNot();
-        printError(QStringLiteral("no file matches %1").arg(options.pattern) +
-                   (reason.isEmpty() ? QString() : QStringLiteral(": ") + reason));
-    }
-    return fields;
+void requirePattern(const DataSetOptions& options) {
+    if (options.pattern.isEmpty() == options.fields.isEmpty())
+        throw UsageError(options.fields.isEmpty()
+                             ? QStringLiteral("there is no PATTERN and no list of --fields")
+                             : QStringLiteral("--fields stands in the place of PATTERN"));
+    if (!options.fields.isEmpty() && !options.filesFrom.isEmpty())
+        throw UsageError(QStringLiteral("--fields cannot be combined with --files-from"));
 }
 
-QStringList inputNames(const std::vector<Field>& fields) {
-    QStringList names;
-    for (const Field& field : fields)
-        names << inputNames(field.job);
-    return names;
+FieldSet requestedFields(const DataSetOptions& options, const QString& outputs, bool isProjected,
+                         const DyeList& dyes, std::vector<Channel>& channels) {
+    return options.fields.isEmpty() ? foundFields(options, outputs, isProjected, dyes, channels)
+                                    : listedFields(options.fields, isProjected, channels);
 }
 
-bool hasProblems(const std::vector<Field>& fields) {
-    return std::any_of(fields.begin(), fields.end(),
-                       [](const Field& field) { return !field.problem.isEmpty(); });
-}
-
-void printProblems(const std::vector<Field>& fields) {
-    std::size_t problems = 0;
-    for (const Field& field : fields) {
-        if (field.problem.isEmpty())
-            continue;
-        ++problems;
-        printError(QStringLiteral("field %1: %2").arg(field.name, field.problem));
-    }
-    if (problems > 0)
-        printError(QStringLiteral("%1 of %2 fields failed").arg(problems).arg(fields.size()));
-}
-
-void nameOutputs(std::vector<Field>& fields, const QString& outputPattern) {
-    const Pattern pattern(outputPattern);
-    QMap<QString, QString> fieldOfOutput;
-    for (Field& field : fields) {
-        field.job.output = pattern.filled(field.placeholders);
-        QString& other = fieldOfOutput[fileId(field.job.output)];
-        if (!other.isNull())
+void checkFiles(const FieldSet& fields, const QString& compression, const QStringList& written,
+                const QStringList& read, bool inputsToo) {
+    OutputFiles outputs;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const Field field = fields[i];
+        if (field.job.output.isEmpty())
+            break;
+        checkImageOutput(field.job.output, compression);
+        if (const auto other = outputs.add(field.job.output, i))
             throw UsageError(QStringLiteral("fields %1 and %2 have the same output %3")
-                                 .arg(other, field.name, field.job.output));
-        other = field.name;
+                                 .arg(fields[*other].name, field.name, field.job.output));
     }
-    for (const Field& field : fields)
-        for (const QString& input : inputNames(field.job)) {
-            const QString identity = fileId(input);
-            if (!input.isEmpty() && fieldOfOutput.contains(identity))
-                throw UsageError(QStringLiteral("%1 is an input and also the output of field %2")
-                                     .arg(input, fieldOfOutput[identity]));
-        }
-}
-
-std::vector<Field> shardOf(const std::vector<Field>& fields, const QString& shard) {
-    if (shard.isEmpty())
-        return fields;
-    static const QRegularExpression form(QStringLiteral("^([0-9]{1,6})/([0-9]{1,6})$"));
-    const auto match = form.match(shard);
-    const std::size_t part = match.captured(1).toUInt();
-    const std::size_t parts = match.captured(2).toUInt();
-    if (part < 1 || part > parts)
-        throw UsageError(QStringLiteral("--shard %1 is not K/N with K from 1 to N").arg(shard));
-    const auto start = [&](std::size_t k) {
-        return fields.begin() + static_cast<std::ptrdiff_t>(fields.size() * k / parts);
+    const auto nameOf = [&](std::size_t number) {
+        return number < fields.size() ? fields[number].job.output
+                                      : written[static_cast<int>(number - fields.size())];
     };
-    return {start(part - 1), start(part)};
+    const auto isFile = [](const QString& name) {
+        return !name.isEmpty() && name != QLatin1String("-");
+    };
+    for (int i = 0; i < static_cast<int>(written.size()); ++i) {
+        const QFileInfo info(written[i]);
+        if (isFile(written[i]) && (info.isFile() || !info.exists()) &&
+            outputs.add(written[i], fields.size() + static_cast<std::size_t>(i)))
+            throw FileError(written[i], QStringLiteral("would be written twice; give the outputs "
+                                                       "different names"));
+    }
+    for (const QString& name : read)
+        if (const auto number = isFile(name) ? outputs.find(name) : std::nullopt)
+            throw FileError(nameOf(*number), QStringLiteral("is also an input"));
+    for (std::size_t i = 0; inputsToo && i < fields.size(); ++i)
+        for (const QString& input : fields.inputs(i)) {
+            const auto number = isFile(input) ? outputs.find(input) : std::nullopt;
+            if (number && *number < fields.size())
+                throw UsageError(QStringLiteral("%1 is an input and also the output of field %2")
+                                     .arg(input, fields[*number].name));
+            if (number)
+                throw FileError(nameOf(*number), QStringLiteral("is also an input"));
+        }
 }
 
 Channel parseNamedChannel(const QString& text, const DyeList& dyes) {
@@ -317,16 +248,6 @@ std::vector<Channel> namedChannels(const QStringList& texts,
                 QStringLiteral("channel \"%1\" is given twice").arg(toQt(channel.name)));
     }
     return channels;
-}
-
-QString fieldList(const std::vector<Field>& fields) {
-    QString line = plural(fields.size(), QStringLiteral("field"));
-    // A pattern without placeholders has one field without a name.
-    if (!fields.empty() && !fields.front().name.isEmpty())
-        line += QStringLiteral(", ") + fields.front().name;
-    if (fields.size() > 1)
-        line += QStringLiteral(" to ") + fields.back().name;
-    return line;
 }
 
 } // namespace lumetra

@@ -72,12 +72,13 @@ void addTo(ChannelValues& sum, const ChannelValues& values, const QString& file)
 /// Calls `measure` for the files of each field that has no problem, `jobs` fields at once, and
 /// `add` with what it gives, one at a time. A field that cannot be read gets a problem.
 template<class Measure, class Add>
-void forEachField(std::vector<Field>& fields, const PageSelection& pages, int jobs,
-                  Progress& progress, const Measure& measure, const Add& add) {
+void forEachField(const FieldSet& fields, FieldProblems& problems, const PageSelection& pages,
+                  int jobs, Progress& progress, const Measure& measure, const Add& add) {
     std::mutex mutex;
     const auto makeWorker = [&] {
         return [&, planes = std::vector<cv::Mat>()](std::size_t i) mutable {
-            Field& field = fields[i];
+            Field field = fields[i];
+            field.problem = problems.of(field);
             AllValues values;
             try {
                 if (!field.problem.isEmpty())
@@ -88,6 +89,7 @@ void forEachField(std::vector<Field>& fields, const PageSelection& pages, int jo
                 throw;
             } catch (...) {
                 field.problem = currentExceptionText();
+                problems.add(field);
                 return progress.fieldFailed();
             }
             {
@@ -104,8 +106,8 @@ void forEachField(std::vector<Field>& fields, const PageSelection& pages, int jo
 
 } // namespace
 
-DataSetLevels measureLevels(std::vector<Field>& fields, const PageSelection& pages, int jobs,
-                            Progress& progress) {
+DataSetLevels measureLevels(const FieldSet& fields, FieldProblems& problems,
+                            const PageSelection& pages, int jobs, Progress& progress) {
     DataSetLevels sum;
     const auto add = [&](const Field& field, const AllValues& values) {
         sum.channels.resize(values.size());
@@ -114,7 +116,7 @@ DataSetLevels measureLevels(std::vector<Field>& fields, const PageSelection& pag
         sum.files += static_cast<int>(values.size());
     };
     forEachField(
-        fields, pages, jobs, progress,
+        fields, problems, pages, jobs, progress,
         [jobsOfField = jobsOfEach(jobs, fields.size())](ChannelFiles& files,
                                                         std::vector<cv::Mat>& planes) {
             return measureField(files, planes, jobsOfField);
@@ -132,7 +134,7 @@ DataSetLevels measureLevels(std::vector<Field>& fields, const PageSelection& pag
                 sum.channels[k].histogram.add(values[k].histogram);
     };
     forEachField(
-        fields, pages, jobs, progress,
+        fields, problems, pages, jobs, progress,
         [&](ChannelFiles& files, const std::vector<cv::Mat>&) {
             return countWithinRanges(files, ranges);
         },

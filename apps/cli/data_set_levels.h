@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/cli/channel_levels.h"
-#include "apps/cli/data_set.h"
+#include "apps/cli/field.h"
 #include "apps/cli/progress.h"
 
 #include <vector>
@@ -19,7 +19,7 @@ struct DataSetLevels {
 /// are neither 8- nor 16-bit unsigned, in a second pass within the range that the first one found.
 /// A field that cannot be read gets a problem, and does not count.
 /// @throws Error if the files of a channel have values of unlike types; Interrupted.
-DataSetLevels measureLevels(std::vector<Field>& fields, const PageSelection& pages, int jobs,
-                            Progress& progress);
+DataSetLevels measureLevels(const FieldSet& fields, FieldProblems& problems,
+                            const PageSelection& pages, int jobs, Progress& progress);
 
 } // namespace lumetra

@@ -7,8 +7,8 @@ namespace lumetra {
 namespace fs = std::filesystem;
 
 // Qt's own listings leave out names that are no text, and say nothing of them.
-FolderListing listFolder(const QString& folder) {
-    FolderListing listing;
+std::size_t listFolder(const QString& folder, const std::function<void(const FolderEntry&)>& add) {
+    std::size_t notText = 0;
     std::error_code error;
     fs::directory_iterator entry(fs::u8path(folder.isEmpty() ? "." : folder.toStdString()), error);
     for (const fs::directory_iterator end; !error && entry != end; entry.increment(error)) {
@@ -16,11 +16,11 @@ FolderListing listFolder(const QString& folder) {
         std::error_code unknown; // a link that leads nowhere is neither
         const bool isFolder = entry->is_directory(unknown);
         if (!name)
-            ++listing.notText;
+            ++notText;
         else if (isFolder || entry->is_regular_file(unknown))
-            listing.entries.push_back({*name, isFolder, entry->is_symlink(unknown)});
+            add({*name, isFolder, entry->is_symlink(unknown)});
     }
-    return listing;
+    return notText;
 }
 
 std::optional<QString> nameOf(const QByteArray& bytes) {

@@ -5,8 +5,8 @@
 #include <QString>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
-#include <vector>
 
 namespace lumetra {
 
@@ -17,14 +17,11 @@ struct FolderEntry {
     bool isLink = false;
 };
 
-struct FolderListing {
-    std::vector<FolderEntry> entries; ///< In no order.
-    std::size_t notText = 0;          ///< Names that are not UTF-8, which are left out.
-};
-
-/// Everything in a folder but itself and the one above; nothing if it cannot be read.
+/// Gives everything in a folder but itself and the one above, in no order; nothing if it cannot be
+/// read.
 /// @param folder  Empty for the current one.
-FolderListing listFolder(const QString& folder);
+/// @return How many names are not UTF-8, which are left out.
+std::size_t listFolder(const QString& folder, const std::function<void(const FolderEntry&)>& add);
 
 /// A file's name, if it is UTF-8.
 std::optional<QString> nameOf(const QByteArray& bytes);

@@ -73,10 +73,10 @@ QString limitsText(const Channel& channel, const QString& method) {
 }
 
 /// The channels of an image without the limits that are its own.
-std::vector<Channel> withoutMeasuredLevels(const LoggedImage& image) {
-    std::vector<Channel> channels = image.channels;
+std::vector<Channel> withoutMeasuredLevels(const LoggedChannels& logged) {
+    std::vector<Channel> channels = logged.channels;
     for (std::size_t i = 0; i < channels.size(); ++i)
-        if (isMeasuredMethod(image.methods.value(static_cast<int>(i))))
+        if (isMeasuredMethod(logged.methods.value(static_cast<int>(i))))
             channels[i].levels.reset(), channels[i].valueLimits.reset();
     return channels;
 }
@@ -112,15 +112,16 @@ QString folderTitle(const QString& folder) {
     return QDir(folder).absolutePath().section(QLatin1Char('/'), -1);
 }
 
-LatestEntries latestEntries(const std::vector<LoggedImage>& log, const QString& folder) {
+bool addLatestEntries(LatestEntries& latest, const QString& log, const QString& folder) {
     const QString above = QDir(placeOfFolder(folder)).filePath(QString());
-    LatestEntries latest;
-    for (const LoggedImage& image : log) {
+    bool hasLines = false;
+    readLog(log, [&](LoggedImage image) {
+        hasLines = true;
         const QString place = resolvedPath(image.output);
         if (place.startsWith(above))
-            latest[place] = image;
-    }
-    return latest;
+            latest[place] = std::move(image);
+    });
+    return hasLines;
 }
 
 void addLogged(std::vector<Tile>& tiles, const QString& folder, const LatestEntries& log) {
@@ -158,12 +159,15 @@ std::vector<LegendEntry> legendOf(const std::vector<Channel>& channels,
 
 std::vector<LegendEntry> commonLegend(const LatestEntries& log) {
     std::vector<LegendEntry> common, commonMethods; // with the limits, and with how they were found
+    const LoggedChannels* last = nullptr;
     for (const auto& [place, image] : log) {
-        if (!image.reason.isEmpty() || image.channels.empty())
+        const LoggedChannels& logged = *image.channels;
+        if (!image.reason.isEmpty() || logged.channels.empty() || &logged == last)
             continue;
-        const std::vector<LegendEntry> legend = legendOf(image.channels, image.methods);
+        last = &logged;
+        const std::vector<LegendEntry> legend = legendOf(logged.channels, logged.methods);
         const std::vector<LegendEntry> methods =
-            legendOf(withoutMeasuredLevels(image), image.methods);
+            legendOf(withoutMeasuredLevels(logged), logged.methods);
         if (common.empty()) {
             common = legend;
             commonMethods = methods;

@@ -51,7 +51,10 @@ QString folderTitle(const QString& folder);
 
 /// The latest entry of logs for each image below a folder, by its place (`resolvedPath`).
 using LatestEntries = std::map<QString, LoggedImage>;
-LatestEntries latestEntries(const std::vector<LoggedImage>& log, const QString& folder);
+
+/// Adds the lines of a log to them.
+/// @return Whether there were any, though of images elsewhere.
+bool addLatestEntries(LatestEntries& latest, const QString& log, const QString& folder);
 
 /// Adds what logs say: reasons of failures, and images that are missing.
 void addLogged(std::vector<Tile>& tiles, const QString& folder, const LatestEntries& log);

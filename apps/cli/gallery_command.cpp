@@ -16,16 +16,15 @@ namespace {
 
 Gallery galleryOf(const GalleryOptions& options) {
     const QString& folder = options.folder;
-    std::vector<LoggedImage> log;
-    for (const QString& file : options.logs)
-        for (LoggedImage& image : readLog(file))
-            log.push_back(std::move(image));
+    LatestEntries entries;
+    bool hasLines = false;
+    for (const QString& log : options.logs)
+        hasLines |= addLatestEntries(entries, log, folder);
     Gallery gallery;
     gallery.title = options.title.isEmpty() ? folderTitle(folder) : options.title;
     gallery.isList = options.list;
     gallery.tiles = findImages(folder);
-    const LatestEntries entries = latestEntries(log, folder);
-    if (entries.empty() && !log.empty())
+    if (entries.empty() && hasLines)
         printError(QStringLiteral("no image in %1 is in the logs, whose paths are relative to the "
                                   "folder of their run")
                        .arg(folder));

@@ -40,6 +40,11 @@ private:
         return text + "--" + option.get_lnames().front();
     }
 
+    static std::string shortest(const CLI::Option& option) {
+        return option.get_snames().empty() ? "--" + option.get_lnames().front()
+                                           : '-' + option.get_snames().front();
+    }
+
     static Options positionals(const CLI::App& app) {
         return app.get_options([](const CLI::Option* option) { return option->get_positional(); });
     }
@@ -52,7 +57,7 @@ private:
                                                : " [" + form(*positional) + ']';
         for (const CLI::Option* option : app.get_options())
             if (option->get_required() && !option->get_positional())
-                rest += " -" + option->get_snames().front() + ' ' + option->get_type_name();
+                rest += ' ' + shortest(*option) + ' ' + option->get_type_name();
         return start + wrapped(rest, start.size(), start.size()) + '\n';
     }
 

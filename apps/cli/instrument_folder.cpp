@@ -34,7 +34,7 @@ struct Naming {
     int slashes;
 };
 
-bool isImage(const QString& name) {
+bool isFullImage(const QString& name) {
     static const QSet<QString> extensions{"tif", "tiff", "png", "jpg", "jpeg", "bmp", "pgm", "ppm"};
     return extensions.contains(QFileInfo(name).suffix().toLower()) &&
            !name.contains(QLatin1String("_thumb"), Qt::CaseInsensitive);
@@ -42,12 +42,15 @@ bool isImage(const QString& name) {
 
 /// @param folder  Empty or with a slash at its end.
 void collectImages(const QString& root, const QString& folder, QStringList& images) {
-    for (const FolderEntry& entry : listFolder(root + folder).entries) {
+    QStringList below;
+    listFolder(root + folder, [&](const FolderEntry& entry) {
         if (entry.isFolder && !entry.isLink) // a link could lead back up
-            collectImages(root, folder + entry.name + QLatin1Char('/'), images);
-        else if (!entry.isFolder && isImage(entry.name))
+            below << folder + entry.name + QLatin1Char('/');
+        else if (!entry.isFolder && isFullImage(entry.name))
             images << folder + entry.name;
-    }
+    });
+    for (const QString& name : below)
+        collectImages(root, name, images);
 }
 
 /// The extension that most of the images have.

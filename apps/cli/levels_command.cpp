@@ -1,6 +1,7 @@
 // lumetra levels: the contrast limits of a whole data set.
 
 #include "apps/cli/commands.h"
+#include "apps/cli/data_set.h"
 #include "apps/cli/data_set_levels.h"
 #include "apps/cli/instrument_folder.h"
 #include "apps/cli/print.h"
@@ -36,6 +37,7 @@ Settings settingsWith(const std::vector<ChannelSpec>& channels, const DataSetLev
 } // namespace
 
 int runLevels(const LevelsOptions& options) {
+    requirePattern(options.dataSet);
     DataSetOptions dataSet = options.dataSet;
     usePatternOfFolder(dataSet, options.output.quiet);
     const DyeList dyes = dyesWith(options.customDyes);
@@ -44,26 +46,28 @@ int runLevels(const LevelsOptions& options) {
     const QString& output = options.output.file;
     checkOutput(output, {}, existingOf(options.output));
     const bool isProjected = options.pages.project.has_value();
-    std::vector<Field> fields = requestedFields(dataSet, isProjected, dyes, channels);
+    const FieldSet fields =
+        requestedFields(dataSet, {}, isProjected, dyes, channels).part(QString());
     if (fields.empty())
         return nothingMatched;
     const std::vector<ChannelSpec> shown = channelSpecs(channels, options.contrast, {}, false);
-    checkOutputConflicts({output, options.dataSet.progress},
-                         inputNames(fields) << options.customDyes << options.dataSet.filesFrom);
+    checkFiles(fields, {}, {output, options.dataSet.progress},
+               {options.customDyes, options.dataSet.filesFrom, options.dataSet.fields}, true);
 
+    FieldProblems problems;
     DataSetLevels measured;
     {
         Progress progress(QStringLiteral("measuring"), static_cast<int>(fields.size()),
                           options.output.quiet, options.dataSet.progress);
-        measured = measureLevels(fields, options.pages, options.dataSet.jobs, progress);
+        measured = measureLevels(fields, problems, options.pages, options.dataSet.jobs, progress);
     }
-    printProblems(fields);
+    problems.print(fields);
     if (measured.files == 0)
         throw Error(QStringLiteral("no field could be measured"));
     const Settings settings = settingsWith(shown, measured);
     writeBytes(output, settingsJson(settings), existingOf(options.output));
     reportLevels(options.output, settings.channels);
-    return hasProblems(fields) ? failed : done;
+    return problems.count(fields) > 0 ? failed : done;
 }
 
 } // namespace lumetra

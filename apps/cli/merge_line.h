@@ -1,7 +1,7 @@
 // A field of a batch as a command line of its own.
 #pragma once
 
-#include "apps/cli/data_set.h"
+#include "apps/cli/field.h"
 
 namespace lumetra {
 

@@ -1,6 +1,8 @@
 #include "apps/cli/natural_order.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 
 namespace lumetra {
 namespace {
@@ -48,6 +50,34 @@ int compareNaturally(const QString& a, const QString& b) {
     if (x != endOfA || y != endOfB)
         return x == endOfA ? -1 : 1;
     return a.compare(b); // 1 and 01
+}
+
+// A number is a digit, as other characters compare with it, its length and its digits, zeros in
+// front left out; the text itself follows, which tells 1 from 01. Both end with NUL.
+void appendNaturalKey(std::string& key, const QString& text) {
+    constexpr std::ptrdiff_t longest = 254;
+    const QByteArray bytes = text.toUtf8();
+    const auto isByteOfNumber = [](char byte) { return byte >= '0' && byte <= '9'; };
+    for (const char* at = bytes.begin(); at != bytes.end();) {
+        if (!isByteOfNumber(*at)) {
+            key += *at++;
+            continue;
+        }
+        const char* const end = std::find_if_not(at, bytes.end(), isByteOfNumber);
+        at = std::find_if_not(at, end, [](char byte) { return byte == '0'; });
+        key += '0';
+        key += static_cast<char>(1 + std::min(end - at, longest));
+        key.append(at, end);
+        at = end;
+    }
+    key += '\0';
+    key.append(bytes.constData(), static_cast<std::size_t>(bytes.size()) + 1);
+}
+
+QString textOfNaturalKey(const char*& at) {
+    const char* const text = at + std::strlen(at) + 1;
+    at = text + std::strlen(text) + 1;
+    return QString::fromUtf8(text);
 }
 
 bool NaturalOrder::operator()(const QStringList& a, const QStringList& b) const {

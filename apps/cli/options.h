@@ -63,6 +63,7 @@ struct DataSetOptions {
     QString pattern;
     QStringList channels; ///< `NAME=DYE+X+Y`.
     QString filesFrom;    ///< A list of files; `-` is the standard input.
+    QString fields;       ///< A list of fields in the place of a pattern.
     QString progress;     ///< A file that programs read.
     int jobs = 1;
 };
@@ -107,6 +108,14 @@ struct LevelsOptions {
     PageSelection pages;
     QString customDyes;
     OutputOptions output{QStringLiteral("-"), true, false, {}};
+};
+
+struct ListOptions {
+    DataSetOptions dataSet;
+    QString images; ///< A pattern for the outputs.
+    ChannelOptions channel;
+    PageSelection pages; ///< Only whether z-slices are projected.
+    OutputOptions output;
 };
 
 struct BatchOptions {

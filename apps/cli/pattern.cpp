@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <map>
 
 namespace lumetra {
 namespace {
@@ -63,10 +64,11 @@ QStringList filesBelow(const QString& folder) {
     QStringList files, folders{folder};
     for (int i = 0; i < std::min(static_cast<int>(folders.size()), mostFolders); ++i) {
         const QString above = folders[i];
-        FolderListing listing = listFolder(above);
-        std::sort(listing.entries.begin(), listing.entries.end(),
+        std::vector<FolderEntry> entries;
+        listFolder(above, [&](const FolderEntry& entry) { entries.push_back(entry); });
+        std::sort(entries.begin(), entries.end(),
                   [](const FolderEntry& a, const FolderEntry& b) { return a.name < b.name; });
-        for (const FolderEntry& entry : listing.entries) {
+        for (const FolderEntry& entry : entries) {
             if (entry.isFolder && !entry.isLink)
                 folders << above + entry.name + QLatin1Char('/');
             else if (!entry.isFolder && static_cast<int>(files.size()) < mostFiles)
@@ -117,6 +119,9 @@ Pattern::Pattern(const QString& text, const QMap<QString, QStringList>& choices)
     whole_ = exactly(expressionOf(pieces_.size()));
     if (!whole_.isValid())
         refuse(QStringLiteral("is not valid"));
+    const QStringList groups = whole_.namedCaptureGroups();
+    for (const QString& name : names_)
+        groups_.push_back(static_cast<int>(groups.indexOf(name)));
 }
 
 void Pattern::addPlaceholder(const QString& text, const QMap<QString, QStringList>& choices) {
@@ -192,13 +197,23 @@ QString Pattern::expressionOf(std::size_t pieces) const {
     return expression;
 }
 
-bool Pattern::match(const QString& name, Placeholders& placeholders) const {
+bool Pattern::match(const QString& name, QStringList& texts) const {
     const auto found = whole_.match(name);
     if (!found.hasMatch())
         return false;
+    texts.clear();
+    for (const int group : groups_)
+        texts << found.captured(group);
+    return true;
+}
+
+bool Pattern::match(const QString& name, Placeholders& placeholders) const {
+    QStringList texts;
+    if (!match(name, texts))
+        return false;
     placeholders.clear();
-    for (const QString& placeholder : names_)
-        placeholders[placeholder] = found.captured(placeholder);
+    for (int i = 0; i < static_cast<int>(texts.size()); ++i)
+        placeholders[names_[i]] = texts[i];
     return true;
 }
 
@@ -217,6 +232,7 @@ QString Pattern::filled(const Placeholders& placeholders) const {
 
 QString Pattern::partlyFilled(const Placeholders& placeholders) const {
     QString name;
+    name.reserve(2 * static_cast<int>(text_.size()));
     for (const Piece& piece : pieces_)
         name += piece.isPlaceholder ? placeholders.value(piece.text, piece.source) : piece.text;
     return name;
@@ -236,15 +252,10 @@ QString Pattern::narrowed(const Placeholders& placeholders) const {
     return pattern;
 }
 
-void Pattern::addFile(const QString& path, FileNames& found) const {
-    Placeholders placeholders;
-    if (match(path, placeholders))
-        found.names << path;
-}
-
 /// Follows the steps from folder to folder; names are compared with the whole pattern at the end.
 /// @param steps  Those that this folder's entries may be.
-void Pattern::walk(const QString& folder, std::set<std::size_t> steps, FileNames& found) const {
+std::size_t Pattern::walk(const QString& folder, std::set<std::size_t> steps,
+                          const std::function<void(const QString&)>& add) const {
     const std::size_t last = steps_.size() - 1;
     for (const std::size_t step : std::set<std::size_t>(steps))
         for (std::size_t next = step; steps_[next].isAnyFolders; ++next)
@@ -255,36 +266,42 @@ void Pattern::walk(const QString& folder, std::set<std::size_t> steps, FileNames
         const std::size_t step = *steps.begin();
         const QString path = folder + steps_[step].plain;
         if (step != last)
-            return walk(path + QLatin1Char('/'), {step + 1}, found);
-        if (QFileInfo(path).isFile())
-            return addFile(path, found);
-    }
-    const FolderListing listing = listFolder(folder);
-    found.notText += listing.notText;
-    for (const FolderEntry& entry : listing.entries) {
-        const QString path = folder + entry.name;
-        std::set<std::size_t> below;
-        for (const std::size_t step : steps) {
-            if (steps_[step].isAnyFolders) {
-                if (entry.isFolder && !entry.isLink) // a link could lead back up
-                    below.insert(step);
-            } else if (entry.isFolder == (step != last) &&
-                       steps_[step].expression.match(entry.name).hasMatch()) {
-                if (step == last)
-                    addFile(path, found);
-                else
-                    below.insert(step + 1);
-            }
+            return walk(path + QLatin1Char('/'), {step + 1}, add);
+        if (QFileInfo(path).isFile()) {
+            add(path);
+            return 0;
         }
-        if (!below.empty())
-            walk(path + QLatin1Char('/'), below, found);
     }
+    const bool mayHoldFiles = steps.count(last) > 0;
+    std::map<QString, std::set<std::size_t>> below;
+    std::size_t notText = listFolder(folder, [&](const FolderEntry& entry) {
+        if (!entry.isFolder && mayHoldFiles)
+            add(folder + entry.name);
+        for (const std::size_t step : steps) {
+            if (!entry.isFolder || (!steps_[step].isAnyFolders && step == last))
+                continue;
+            if (!steps_[step].isAnyFolders && steps_[step].expression.match(entry.name).hasMatch())
+                below[entry.name].insert(step + 1);
+            else if (steps_[step].isAnyFolders && !entry.isLink) // a link could lead back up
+                below[entry.name].insert(step);
+        }
+    });
+    for (const auto& [name, stepsBelow] : below)
+        notText += walk(folder + name + QLatin1Char('/'), stepsBelow, add);
+    return notText;
 }
 
-FileNames Pattern::files() const {
-    FileNames found;
-    walk(QString(), {0}, found);
-    return found;
+std::size_t Pattern::forEachFile(const std::function<void(const QString&)>& add) const {
+    return walk(QString(), {0}, add);
+}
+
+QStringList Pattern::files() const {
+    QStringList files, texts;
+    forEachFile([&](const QString& file) {
+        if (match(file, texts))
+            files << file;
+    });
+    return files;
 }
 
 /// Of a name that the first pieces match, but no more of them.

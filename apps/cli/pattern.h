@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <cstddef>
+#include <functional>
 #include <set>
 #include <vector>
 
@@ -14,12 +15,6 @@ namespace lumetra {
 
 /// What stands in the place of each placeholder: its name to the text.
 using Placeholders = QMap<QString, QString>;
-
-/// Names of files.
-struct FileNames {
-    QStringList names;
-    std::size_t notText = 0; ///< How many were left out, since they are not UTF-8.
-};
 
 /// A pattern such as `plate/{field}_{channel}.tif`.
 ///
@@ -43,6 +38,9 @@ public:
     /// Whether the whole name matches, and then its placeholders.
     bool match(const QString& name, Placeholders& placeholders) const;
 
+    /// The same, with the texts of the placeholders in the order of `names`.
+    bool match(const QString& name, QStringList& texts) const;
+
     /// The name with these texts in place of the placeholders.
     /// @throws UsageError for a placeholder that is not among them.
     QString filled(const Placeholders& placeholders) const;
@@ -53,8 +51,13 @@ public:
     /// The pattern of the names that have these texts.
     QString narrowed(const Placeholders& placeholders) const;
 
-    /// All files that are there and match, each once, in no order. Each folder is listed once.
-    FileNames files() const;
+    /// Gives all files that are there and may match, each once, in no order. Each folder is listed
+    /// once.
+    /// @return How many were left out, since their names are not UTF-8.
+    std::size_t forEachFile(const std::function<void(const QString&)>& add) const;
+
+    /// All files that are there and match, each once, in no order.
+    QStringList files() const;
 
     /// Why none of these names matches: the one that comes nearest, and where it differs.
     QString whyNot(const QStringList& names) const;
@@ -83,8 +86,8 @@ private:
     void ignoreCaseOfExtension();
     void endStep(std::size_t begin, std::size_t end);
     QString expressionOf(std::size_t pieces) const;
-    void walk(const QString& folder, std::set<std::size_t> steps, FileNames& found) const;
-    void addFile(const QString& path, FileNames& found) const;
+    std::size_t walk(const QString& folder, std::set<std::size_t> steps,
+                     const std::function<void(const QString&)>& add) const;
     QString difference(const QString& name, std::size_t pieces) const;
 
     QString text_;
@@ -92,6 +95,7 @@ private:
     QStringList names_;
     std::vector<Piece> pieces_;
     QRegularExpression whole_;
+    std::vector<int> groups_; ///< Of `whole_`, for each name.
     std::vector<Step> steps_;
 };
 

@@ -21,7 +21,9 @@ void checkImageOutput(const QString& output, const QString& compression) {
                                         "file or a pipe, or name a file"));
 }
 
-void print(const QString& text) { writeBytes(QStringLiteral("-"), text.toUtf8(), Existing::keep); }
+void print(const QString& text) { print(text.toUtf8()); }
+
+void print(const QByteArray& text) { writeBytes(QStringLiteral("-"), text, Existing::keep); }
 
 QString currentErrorText() {
     try {

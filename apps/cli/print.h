@@ -20,6 +20,7 @@ void checkImageOutput(const QString& output, const QString& compression);
 /// Writes text to the standard output.
 /// @throws Error if nobody takes it.
 void print(const QString& text);
+void print(const QByteArray& text);
 
 /// Prints the name and the size of an image to the standard error output, unless the user wants
 /// quiet or the image itself went to the standard output.

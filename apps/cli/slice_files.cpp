@@ -23,7 +23,7 @@ void findSliceFiles(InputFile& input) {
                            "'lumetra batch' has others")
                 .arg(input.file));
     std::map<QString, QString, NaturalOrder> fileOfSlice;
-    for (const QString& file : pattern.files().names) {
+    for (const QString& file : pattern.files()) {
         Placeholders placeholders;
         static_cast<void>(pattern.match(file, placeholders));
         QString& known = fileOfSlice[placeholders[slicePlaceholder()]];

@@ -111,6 +111,8 @@ assert abs(limits[0] - (low / 4 - 100)) < step and abs(limits[1] - (high / 4 - 1
   channels="--channel c1=DAPI --channel c2=FITC+3-2 --levels-over field --quiet --project mean"
   lumetra batch 'slice_{t}_{channel}_z{z:#}.tif' $channels -o 'out/{t}.png' --log log.jsonl
   diff -r pages out
+  listed 'slice_{t}_{channel}_z{z:#}.tif' $channels -o 'by-list/{t}.png'
+  diff -r pages by-list
   [ "$(grep -o slice_t1_c1_z log.jsonl | wc -l)" = 3 ]
   lumetra batch 'slice_{t}_{channel}_z{z:#}.tif' $channels -o 'lines/{t}.png' --dry-run >lines.sh
   bash lines.sh
@@ -141,6 +143,8 @@ assert abs(limits[0] - (low / 4 - 100)) < step and abs(limits[1] - (high / 4 - 1
   lumetra batch 'files/{field}_{channel}.tif' $channels -o 'out1/{field}.png'
   lumetra batch 'stacks/{field}.ome.tif' $channels -o 'out2/{field}.png'
   diff -r out1 out2
+  listed 'stacks/{field}.ome.tif' $channels -o 'listed2/{field}.png'
+  diff -r out2 listed2
   lumetra batch 'stacks/{field}.ome.tif' --channel DAPI=DAPI --channel FITC=FITC+3-2 --pixel-size 1 --quiet -o 'out3/{field}.png'
   diff -r out1 out3
   for t in 1 2; do cp both-ij_t$t.tif stacks/f$t.ij.tif; done
@@ -150,5 +154,7 @@ assert abs(limits[0] - (low / 4 - 100)) < step and abs(limits[1] - (high / 4 - 1
   lumetra batch 'stacks/{field}.ome.tif' --pixel-size 1 --quiet -o 'out5/{field}.png'
   lumetra batch 'files/{field}_{channel}.tif' --channel 1=DAPI --channel 2=FITC --pixel-size 1 --quiet -o 'out6/{field}.png'
   diff -r out5 out6
+  listed 'stacks/{field}.ome.tif' --pixel-size 1 --quiet -o 'listed5/{field}.png'
+  diff -r out5 listed5
   fails 1 'none of them "Cy5"' lumetra batch 'stacks/{field}.ome.tif' --channel Cy5=Cy5 -o 'out7/{field}.png'
 }

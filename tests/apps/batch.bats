@@ -262,3 +262,90 @@ load setup.bash
   grep -q '^work=measuring$' progress
   [ "$(tail -n 7 progress | grep -vE 'per_second|seconds_left')" = $'work=rendering\ntotal=10\ndone=10\nfailed=0\nprogress=end' ]
 }
+
+@test "a list of fields gives what their pattern gives, part by part" {
+  rm plate/f03_actin.tif
+  head -c 9000 plate/f05_dapi.tif >cut
+  mv cut plate/f05_dapi.tif
+  plain() { lumetra batch "$@"; }
+  by() { "$@" 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC+3-2 -o 'out/{field}.png' --quiet; }
+  of() {
+    local k road=$1
+    rm -rf out
+    shift
+    for k in 1 2 3; do by "$road" --shard $k/3 --log log "$@" 2>&1 || echo "status $?"; done
+    by "$road" --levels-over field --dry-run --overwrite || echo "status $?"
+    sum out
+    sed 's/"milliseconds":[0-9]*//' log
+    rm log
+  }
+  lumetra levels 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC+3-2 -o set.json --quiet || true
+  for options in "--levels 9:60000 --jobs 1" "--levels-over field --jobs 1 --legend" "--settings set.json --jobs 1"; do
+    of plain $options >plain.txt
+    of listed $options >listed.txt
+    diff plain.txt listed.txt
+    grep -q '"outcome":"done"' plain.txt
+  done
+  [ "$(grep -c . fields.jsonl)" = 11 ]
+  # Channels in another order than the list has them.
+  swapped() { "$@" --channel actin=FITC --channel dapi=DAPI --levels 1:9 --levels none --dry-run --quiet || true; }
+  diff <(swapped lumetra batch --fields fields.jsonl) \
+    <(swapped lumetra batch 'plate/{field}_{channel}.tif' -o 'out/{field}.png')
+  # Limits that all fields share are measured over the list.
+  plate -o 'all/{field}.png' --quiet || [ $? = 1 ]
+  listed 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC+3-2 -o 'listed/{field}.png' --quiet || [ $? = 1 ]
+  [ "$(sum all)" = "$(sum listed)" ]
+  lumetra levels --fields fields.jsonl --quiet -o listed.json || [ $? = 1 ]
+  cmp set.json listed.json
+}
+
+@test "a part of a list looks once at each of its files, and at no others" {
+  lumetra list 'plate/{field}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC \
+    --images 'out/{field}.png' -o fields.jsonl --quiet
+  cp -r plate whole
+  rm plate/f0[0-37-9]_*
+  part() { lumetra batch --fields fields.jsonl --shard 2/2 --levels 1:60000 --log log "$@"; }
+  lumetra batch --fields fields.jsonl --shard 5/10 --levels 1:60000 --quiet
+  [ "$(ls out)" = f04.png ]
+  rm -r plate out && mv whole plate
+  strace -o /dev/null true 2>/dev/null || skip "strace is missing, or may not trace"
+  calls() { grep -cE "^[0-9]+ +$1\(.*\"plate/$2" trace || true; }
+  strace -f -e trace=file -o trace lumetra batch --fields fields.jsonl --shard 2/2 --levels 1:60000 --log log --quiet
+  [ "$(calls '[a-z]*stat[a-z0-9]*' 'f0[5-9]')" = 10 ]
+  [ "$(calls 'open[a-z]*' 'f0[5-9]')" = 10 ]
+  [ "$(calls '.*' 'f0[0-4]')" = 0 ]
+  strace -f -e trace=file -o trace lumetra batch --fields fields.jsonl --shard 2/2 --levels 1:60000 --log log --quiet --resume
+  [ "$(calls '.*' '')" = 10 ] # stat alone
+}
+
+@test "a list of fields is refused where it, or what is beside it, makes no sense" {
+  channels='--channel dapi=DAPI --channel actin=FITC'
+  fails 2 "fields f00 and f01 have the same output x.png" lumetra list 'plate/{field}_{channel}.tif' $channels --images x.png -o x.jsonl
+  fails 2 "is an input and also the output" lumetra list 'plate/{field}_{channel}.tif' --channel dapi=DAPI --images 'plate/{field}_dapi.tif' -o x.jsonl
+  fails 1 "is also an input" lumetra list 'plate/{field}_{channel}.tif' $channels --images '{field}.png' -o plate/f03_dapi.tif --overwrite
+  fails 1 ".png, .tif" lumetra list 'plate/{field}_{channel}.tif' $channels --images '{field}.bmp' -o x.jsonl
+  fails 3 "no file matches" lumetra list 'nowhere/{field}.tif' $channels --images '{field}.png' -o x.jsonl
+  [ ! -e x.jsonl ]
+  lumetra list 'plate/{field}_{channel}.tif' $channels --images 'out/{field}.png' -o fields.jsonl --quiet
+  fails 1 "fields.jsonl: already exists; --overwrite" lumetra list 'plate/{field}_{channel}.tif' $channels --images 'out/{field}.png' -o fields.jsonl
+  fails 2 "leave out -o" lumetra batch --fields fields.jsonl -o '{field}.png'
+  fails 2 "in the place of PATTERN" lumetra batch 'plate/{field}_{channel}.tif' --fields fields.jsonl
+  fails 2 "no PATTERN" lumetra batch -o '{field}.png'
+  fails 2 "measure them once with 'lumetra levels'" lumetra batch --fields fields.jsonl --shard 1/2 --quiet
+  fails 2 "has the channels dapi, actin" lumetra batch --fields fields.jsonl --channel dapi=DAPI --levels 1:9
+  fails 2 "was made without --project" lumetra batch --fields fields.jsonl --project max --levels 1:9
+  fails 1 "written twice" lumetra batch --fields fields.jsonl --levels 1:9 --log out/f03.png --quiet
+  fails 1 "plate/f03_dapi.tif: is no log" lumetra batch --fields fields.jsonl --levels 1:9 --log plate/f03_dapi.tif --quiet
+  bad() { fails 1 "bad.jsonl: $1" lumetra batch --fields bad.jsonl --levels 1:9 --quiet; }
+  bad "No such file" # nothing yet
+  cp plate/f00_dapi.tif bad.jsonl && bad "is no list of fields"
+  : >bad.jsonl && bad "is no list of fields"
+  sed 's/#[0-9a-f]*/?/' fields.jsonl >bad.jsonl && bad ''
+  sed 4d fields.jsonl >bad.jsonl && bad "does not have a line for each of the fields 1 to 10"
+  head -c -9 fields.jsonl >bad.jsonl && bad "does not have a line for each"
+  sed '4s/"number"/"numbered"/' fields.jsonl >bad.jsonl && bad "has a"
+  sed '4s/,"output".*/}/' fields.jsonl >bad.jsonl && bad "has no line for field 3 that can be understood"
+  (head -n 1 fields.jsonl; tac fields.jsonl | head -n 10) >bad.jsonl && bad ''
+  [ ! -e out ]
+  mkfifo pipe && fails 1 "is not a regular file" lumetra batch --fields <(cat fields.jsonl) --levels 1:9
+}

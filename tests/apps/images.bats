@@ -10,7 +10,7 @@ load setup.bash
   [ -z "$stderr" ]
   [ "$(lumetra help)" = "$(lumetra --help)" ]
   commands=$(lumetra help | awk '/^Commands:/ { on = 1; next } /^$/ { on = 0 } on && /^  [a-z]/ { print $1 }')
-  [ "$(wc -w <<<"$commands")" = 9 ]
+  [ "$(wc -w <<<"$commands")" = 10 ]
   for command in $commands; do
     run --separate-stderr lumetra $command --help
     [ "$status" = 0 ]

@@ -114,6 +114,21 @@ lines() { lumetra batch "$@" --dry-run --quiet --levels none | sed -E "s/.*merge
   [ "${#lines[@]}" = 10 ]
 }
 
+@test "a part of a list starts in the time of its part, not of the list" {
+  for n in 2000 200000; do
+    seq -f 'many/%06.0f_d.tif' $n | lumetra list 'many/{f}_{channel}.tif' --channel d=FITC \
+      --images '{f}.png' --files-from - --quiet -o $n.jsonl
+  done
+  of() { lumetra batch --fields $1.jsonl --shard $2/$(($1 / 20)) --quiet --dry-run --levels none; }
+  of 200000 777 | cmp - <(seq -f 'many/%06.0f_d.tif' 200000 | lumetra batch 'many/{f}_{channel}.tif' \
+    --channel d=FITC -o '{f}.png' --files-from - --shard 777/10000 --quiet --dry-run --levels none)
+  for k in $(seq 17); do lumetra batch --fields 2000.jsonl --shard $k/17 --quiet --dry-run --levels none; done |
+    cmp - <(lumetra batch --fields 2000.jsonl --quiet --dry-run --levels none)
+  TIMEFORMAT='%U %S' # seconds of the processor, whatever else runs
+  times() { { time for k in 1 40 100; do of $1 $k; done >/dev/null; } 2>&1; }
+  awk '{ t[NR] = $1 + $2 } END { print t[1], t[2]; exit !(t[2] < 3 * t[1]) }' <(times 2000; times 200000)
+}
+
 # usage: sees TEXT PATTERN NAME...    what info says of a folder with these files. Levels of that
 # pattern are of as many fields as there are, each with a file for each channel, though an empty one
 sees() {
@@ -216,6 +231,11 @@ guid=051DAA7C-7042-435F-99F0-1E847D9B42CB
   lumetra batch "$pattern" --channel 1=DAPI --channel 2=FITC -o 'b/{site}.png' --quiet
   [ "$(sum a)" = "$(sum b)" ]
   [ "$(ls b | wc -l)" = 3 ]
+  find plate -name '*w[12][0-9A-F]*' >list
+  listed "$pattern" --channel 1=DAPI --channel 2=FITC -o 'c/{site}.png' --quiet --files-from list
+  [ "$(sum a)" = "$(sum c)" ]
+  listed plate --channel 1=DAPI --channel 2=FITC -o 'd/{site}.png' --quiet --dry-run |
+    diff - <(lumetra batch "$pattern" --channel 1=DAPI --channel 2=FITC -o 'd/{site}.png' --quiet --dry-run)
   lumetra levels plate --channel 1=DAPI --quiet | grep -q '"files": 3'
   fails 2 'needs a pattern' lumetra batch plate --channel 1=DAPI -o '{site}.png' --files-from list
 }

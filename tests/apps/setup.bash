@@ -25,3 +25,20 @@ plate() { lumetra batch 'plate/{field}_{channel}.tif' --channel dapi=DAPI --chan
 
 # Everything below a folder, hidden files included, as one checksum.
 sum() { (cd "$1" && find . -type f -print0 | sort -z | xargs -0 sha256sum | sha256sum); }
+
+# usage: listed ARGUMENT...    what 'lumetra batch' does with them, by a list of the fields
+listed() {
+  local list=(--quiet --overwrite) batch=()
+  while [ $# -gt 0 ]; do
+    case $1 in
+      -o) list+=(--images "$2") ;;
+      --channel | --files-from) list+=("$1" "$2") ;;
+      --settings | --custom | --project) list+=("$1" "$2") batch+=("$1" "$2") ;;
+      --quiet | --overwrite | --resume | --dry-run | --legend) batch+=("$1") && shift && continue ;;
+      --*) batch+=("$1" "$2") ;;
+      *) list+=("$1") && shift && continue ;;
+    esac
+    shift 2
+  done
+  lumetra list "${list[@]}" -o fields.jsonl && lumetra batch --fields fields.jsonl "${batch[@]}"
+}
