@@ -83,6 +83,8 @@ TEST(Colouring, ReplacesTheDestinationAndOnlyReadsTheSource) {
             // Nobody sees these, but they are no images of that size in storage of their own.
             dst = viewInto(old);
             expectOwnResult(image, dst);
+            dst = cv::Mat(old.rows + 2, old.cols, old.type()).rowRange(1, old.rows + 1);
+            expectOwnResult(image, dst);
             dst = cv::Mat({old.rows, old.cols, 2}, old.type());
             expectOwnResult(image, dst);
         }
@@ -99,17 +101,25 @@ TEST(Colouring, WritesIntoADestinationThatNobodyElseCanSee) {
             colour(image, dst);
             EXPECT_TRUE(sameImage(dst, expected));
             EXPECT_EQ(dst.data, storage);
-            for (const cv::Mat& other : {cv::Mat(expected.t()), cv::Mat(expected.size(), CV_32S)}) {
+            for (const cv::Mat& other :
+                 {cv::Mat(expected.t()), cv::Mat(expected.size(), CV_32S),
+                  cv::Mat(expected.size(), expected.depth()),
+                  cv::Mat(expected.size(), CV_MAKETYPE(expected.depth(), 4))}) {
                 dst = other.clone();
                 colour(image, dst);
                 EXPECT_TRUE(sameImage(dst, expected));
             }
 
-            // A source may lie in the destination's storage without saying so.
-            std::copy_n(image.data, image.total() * image.elemSize(), dst.data);
-            cv::Mat src(image.size(), type, dst.data);
-            colour(src, dst);
-            EXPECT_TRUE(sameImage(dst, expected));
+            // A source may lie anywhere in the destination's storage without saying so.
+            const std::size_t bytes = image.total() * image.elemSize();
+            for (std::size_t first = 0; first + bytes <= dst.total() * dst.elemSize();
+                 first += bytes / 2 / dst.elemSize1() * dst.elemSize1()) {
+                dst = ~expected;
+                std::copy_n(image.data, bytes, dst.data + first);
+                cv::Mat src(image.size(), type, dst.data + first);
+                colour(src, dst);
+                EXPECT_TRUE(sameImage(dst, expected)) << first;
+            }
         }
 }
 

@@ -297,6 +297,18 @@ TEST_F(ImageFiles, FillADestinationThatFitsInItsOwnStorage) {
     EXPECT_TRUE(sameImage(parent, expectedParent));
 }
 
+TEST(ImageFileNames, EndWithANul) {
+    const QTemporaryDir folder;
+    const QString name = folder.filePath("image.bmp");
+    const cv::Mat image = randomImage({9, 8}, CV_8UC3);
+    ASSERT_TRUE(cv::imwrite(name.toStdString(), image));
+    QList<QString> files = {name, name + QChar() + "more"};
+    QList<QPoint> offsets = {{0, 0}, {0, 0}};
+    const std::unique_ptr<cv::Mat> canvas(Lumetra::Composite(&files, &offsets));
+    ASSERT_NE(canvas, nullptr);
+    EXPECT_TRUE(sameImage(*canvas, plainCanvas({image, image}, offsets)));
+}
+
 #if QT_VERSION_MAJOR < 6 // later ones take every file name for UTF-8, as long as it is bytes
 
 TEST(ImageFileNames, AreInTheEncodingOfTheUser) {

@@ -104,6 +104,7 @@ TEST(Composite, ListsThatCannotBeCompositedLeaveADebugLine) {
         {1, {{0, 0}}, "matList:1 offsetPointList:1", false},
         {2, {{0, 0}}, "matList:2 offsetPointList:1", false},
         {3, {{0, 0}, {0, 0}}, "matList:3 offsetPointList:2", false},
+        {2, {{0, 0}, {0, 0}, {0, 0}}, "matList:2 offsetPointList:3", false},
         {2, {{0, 0}, {0, 10}}, "newRows:0 newCols:20", true},
         {2, {{0, 0}, {-20, 3}}, "newRows:7 newCols:0", true},
         {3, {{-15, 0}, {0, 0}, {15, 11}}, "newRows:-1 newCols:-10", true},

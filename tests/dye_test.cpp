@@ -28,7 +28,9 @@ TEST(Dye, EveryTypeSizeAndOptionFollowsTheFormula) {
 }
 
 TEST(Dye, ComponentsOfAnyValueFollowTheFormula) {
-    const int components[] = {0, 1, 127, 128, 254, 255, 256, -1, INT_MIN, INT_MAX};
+    const int components[] = {0,   1,    127,   128,   254, 255,     256,    258,
+                              511, 4097, 65535, 65536, -1,  INT_MIN, INT_MAX};
+    constexpr std::size_t count = std::size(components);
     std::vector<cv::Mat> sources;
     for (int type : {CV_8UC1, CV_8UC3, CV_16UC1, CV_16UC3}) {
         cv::Mat all(256, CV_MAT_DEPTH(type) == CV_8U ? 1 : 256, type);
@@ -36,8 +38,9 @@ TEST(Dye, ComponentsOfAnyValueFollowTheFormula) {
         sources.push_back(all);
     }
     for (const cv::Mat& src : sources)
-        for (std::size_t i = 0; i < 10; ++i) {
-            const Tint tint = {components[i], components[(i + 1) % 10], components[(i + 3) % 10]};
+        for (std::size_t i = 0; i < count; ++i) {
+            const Tint tint = {components[i], components[(i + 1) % count],
+                               components[(i + 3) % count]};
             for (Options options : allOptions)
                 EXPECT_TRUE(sameImage(dyed(src, tint, options), plainDyed(src, tint, options)))
                     << tint << " " << options.autoLevels << options.dominantChannel;

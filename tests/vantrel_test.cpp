@@ -74,6 +74,43 @@ TEST(ConvertColorMode, EveryDepthBecomesEveryOther) {
     }
 }
 
+/// Where halves end, lie half way and become finer, by their bits.
+TEST(ConvertColorMode, HalvesAreTheNearestOnAllProcessors) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const std::pair<float, int> cases[] = {{0.0F, 0},
+                                           {-0.0F, 0x8000},
+                                           {1.0F, 0x3C00},
+                                           {-2.5F, 0xC100},
+                                           {1 + 0x1p-11F, 0x3C00},
+                                           {1 + 3 * 0x1p-11F, 0x3C02},
+                                           {65504, 0x7BFF},
+                                           {65519.996F, 0x7BFF},
+                                           {65520, 0x7C00},
+                                           {3e38F, 0x7C00},
+                                           {-infinity, 0xFC00},
+                                           {0x1p-14F, 0x0400},
+                                           {0x1p-24F, 0x0001},
+                                           {0x1p-25F, 0x0000},
+                                           {3 * 0x1p-25F, 0x0002},
+                                           {1e-40F, 0},
+                                           {0x1.FF8p-15F, 0x03FF},
+                                           {0x1.FFCp-15F, 0x0400},
+                                           {std::nanf(""), 0x7E00}};
+    for (const auto& [value, bits] : cases) {
+        const cv::Mat half = converted(cv::Mat(1, 1, CV_32FC3, cv::Scalar::all(value)), CV_16FC3);
+        EXPECT_EQ(half.ptr<ushort>()[1], bits) << value;
+    }
+    cv::Mat all(256, 256, CV_16UC3);
+    fillSamples(all, [](int y, int x, int) { return y * 256 + x; });
+    const cv::Mat halves(all.size(), CV_16FC3, all.data);
+    const cv::Mat same = converted(converted(halves, CV_32FC3), CV_16FC3);
+    fillSamples(all, [](int y, int x, int) {
+        const int bits = y * 256 + x;
+        return (bits & 0x7FFF) > 0x7C00 ? bits | 0x200 : bits;
+    });
+    EXPECT_TRUE(sameImage(cv::Mat(all.size(), CV_16UC3, same.data), all));
+}
+
 TEST(ConvertColorMode, GrayBecomesThreeChannelsAndAlphaIsDropped) {
     for (int from : allDepths)
         for (int to : allDepths)

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -44,10 +45,65 @@ To nearest(From value) {
     return static_cast<To>(inside + noFraction - noFraction);
 }
 
-/// A value in another depth, by the rules that the header gives.
+/// IEEE 754: a sign, 5 bits of exponent, 10 of fraction. The instructions of processors and their
+/// replacements elsewhere differ in what they make of some values, so halves are converted here.
+struct Half {
+    std::uint16_t bits;
+};
+
+constexpr std::uint32_t infinityOfFloat = 0x7F800000, quietFloat = 0x400000;
+constexpr std::uint32_t infinityOfHalf = 0x7C00, quietHalf = 0x200;
+constexpr std::uint32_t otherBias = (127 - 15)
+                                    << 23; ///< Between the exponents, as bits of a float.
+constexpr int shorterFraction = 23 - 10;
+constexpr float smallestHalf = 0x1p-24F, smallestNormalHalf = 0x1p-14F;
+
+/// Exact; a quiet not-a-number for any.
+float toFloat(Half half) {
+    const std::uint32_t sign = std::uint32_t{half.bits} >> 15 << 31;
+    const std::uint32_t magnitude = half.bits & 0x7FFF;
+    std::uint32_t bits = (magnitude << shorterFraction) + otherBias;
+    if (magnitude > infinityOfHalf)
+        bits = infinityOfFloat | magnitude << shorterFraction | quietFloat;
+    else if (magnitude == infinityOfHalf)
+        bits = infinityOfFloat;
+    else if (const float subnormal = static_cast<float>(magnitude) * smallestHalf;
+             subnormal < smallestNormalHalf)
+        std::memcpy(&bits, &subnormal, sizeof bits);
+    bits |= sign;
+    float value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+/// The nearest one, halves to even; infinite from 65520 on, a quiet not-a-number for any.
+Half toHalf(float value) {
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    const std::uint32_t sign = bits >> 31 << 15, magnitude = bits & 0x7FFFFFFF;
+    std::uint32_t half = 0;
+    if (magnitude > infinityOfFloat)
+        half = infinityOfHalf | quietHalf | (magnitude >> shorterFraction & 0x3FF);
+    else if (std::fabs(value) >= 65520)
+        half = infinityOfHalf;
+    else if (std::fabs(value) < smallestNormalHalf) // in steps of the smallest half
+        half =
+            static_cast<std::uint32_t>(std::fabs(double{value}) / smallestHalf + 0x1p52 - 0x1p52);
+    else
+        half =
+            (magnitude - otherBias + 0xFFF + (magnitude >> shorterFraction & 1)) >> shorterFraction;
+    return {static_cast<std::uint16_t>(sign | half)};
+}
+
+/// A value in another depth, by the rules that the header gives. Halves go through `float`, which
+/// holds each of them.
 template<class To, class From>
 To convertedValue(From value) {
-    if constexpr (std::is_floating_point_v<To>)
+    if constexpr (std::is_same_v<From, Half>)
+        return convertedValue<To>(toFloat(value));
+    else if constexpr (std::is_same_v<To, Half>)
+        return toHalf(static_cast<float>(value));
+    else if constexpr (std::is_floating_point_v<To>)
         return static_cast<To>(value);
     else if constexpr (std::is_integral_v<From>)
         return sameShare<To>(value);
@@ -65,7 +121,7 @@ void convertValues(const cv::Mat& image, cv::Mat& converted) {
     }
 }
 
-/// Calls `work` with a value of the type that a depth stands for; halves are no type of C++.
+/// Calls `work` with a value of the type that a depth stands for.
 template<class Work>
 void withValueOf(int depth, Work work) {
     switch (depth) {
@@ -83,25 +139,18 @@ void withValueOf(int depth, Work work) {
         return work(float{});
     case CV_64F:
         return work(double{});
+    case CV_16F:
+        return work(Half{});
     default:
         CV_Error(cv::Error::StsUnsupportedFormat, "pixel values of an unknown bit depth");
     }
 }
 
-/// The image in another depth, its channels as they are. Halves go through `float`, which holds
-/// each of them.
+/// The image in another depth, its channels as they are.
 cv::Mat inDepth(const cv::Mat& image, int depth) {
     cv::Mat converted;
     if (image.depth() == depth)
         return image;
-    if (image.depth() == CV_16F) {
-        image.convertTo(converted, CV_32F);
-        return inDepth(converted, depth);
-    }
-    if (depth == CV_16F) {
-        inDepth(image, CV_32F).convertTo(converted, CV_16F);
-        return converted;
-    }
     converted.create(image.rows, image.cols, CV_MAKETYPE(depth, image.channels()));
     withValueOf(image.depth(), [&](auto from) {
         withValueOf(

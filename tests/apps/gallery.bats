@@ -77,7 +77,7 @@ images() { # usage: images NAME...    an image file under each of the names
   lumetra gallery out -o list.html --quiet --list
   run ! grep -q 'class="well"' list.html
   images names/Well1.png names/T100.png names/B03x.png names/2B03.png \
-    names/r33c01.png names/r01c490.png names/xr01c02.png # nothing of it is a well
+    names/r33c01.png names/r01c490.png names/A49.png names/AG01.png names/AH02.png names/xr01c02.png # nothing of it is a well
   lumetra gallery names -o names.html --quiet
   run ! grep -q 'class="well"' names.html
 }
