@@ -2,15 +2,11 @@
 
 #include "imageio/file_error.h"
 #include "imageio/output_format.h"
+#include "platform/platform.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QSet>
-
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#endif
 
 namespace lumetra {
 namespace {
@@ -28,13 +24,9 @@ QString resolvedPath(const QString& file) {
 }
 
 QString fileId(const QString& file) {
-#ifdef Q_OS_UNIX // where hard links are told, too
-    struct stat status = {};
-    if (stat(QFile::encodeName(file).constData(), &status) == 0)
-        return QStringLiteral("%1:%2").arg(status.st_dev).arg(status.st_ino);
-#endif
-    const QString real = QFileInfo(file).canonicalFilePath();
-    return real.isEmpty() ? resolvedPath(file) : real;
+    if (const auto identity = identityOf(file))
+        return *identity;
+    return comparableName(resolvedPath(file));
 }
 
 void checkOutputConflicts(const QStringList& written, const QStringList& read) {

@@ -10,6 +10,7 @@
 #include "imageio/file_error.h"
 #include "imageio/output_conflicts.h"
 
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -35,11 +36,11 @@ FileNames listedFiles(const QString& list) {
     for (QByteArray bytesOfName : bytes.split(hasNul ? '\0' : '\n')) {
         if (!hasNul && bytesOfName.endsWith('\r'))
             bytesOfName.chop(1);
-        const auto name = nameOf(bytesOfName);
+        const auto name = textOf(bytesOfName);
         if (!name)
             ++files.notText;
         else if (!name->isEmpty())
-            files.names << *name;
+            files.names << QDir::fromNativeSeparators(*name);
     }
     return files;
 }

@@ -26,7 +26,7 @@ struct FolderListing {
 /// @param folder  Empty for the current one.
 FolderListing listFolder(const QString& folder);
 
-/// A file's name, if it is UTF-8.
-std::optional<QString> nameOf(const QByteArray& bytes);
+/// Bytes as text, if they are UTF-8.
+std::optional<QString> textOf(const QByteArray& bytes);
 
 } // namespace lumetra
