@@ -2,21 +2,16 @@
 
 #include "imageio/output_format.h"
 #include "imageio/reason.h"
+#include "platform/platform.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QUuid>
 
-#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
-
-#ifdef Q_OS_WIN
-#include <fcntl.h>
-#include <io.h>
-#endif
 
 namespace lumetra {
 namespace {
@@ -37,14 +32,6 @@ QString uniqueNameBeside(const QString& file) {
     return QFileInfo(file).dir().filePath(QStringLiteral(".lumetra-%1.part").arg(unique));
 }
 
-fs::path toPath(const QString& file) {
-#ifdef Q_OS_WIN
-    return file.toStdWString();
-#else
-    return QFile::encodeName(file).toStdString();
-#endif
-}
-
 /// Gives a file a name that nobody has, in one step: renaming would replace.
 std::error_code moveToFreeName(const fs::path& part, const QString& target) {
     std::error_code error;
@@ -59,7 +46,7 @@ std::error_code moveToFreeName(const fs::path& part, const QString& target) {
     if (!reserved.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return QFileInfo::exists(target) ? std::make_error_code(std::errc::file_exists) : error;
     reserved.close();
-    fs::rename(part, toPath(target), error);
+    error = replaceFile(part, toPath(target));
     if (error)
         reserved.remove();
     return error;
@@ -70,7 +57,7 @@ std::error_code moveToFreeName(const fs::path& part, const QString& target) {
 QString whyFull(QFileDevice& device) {
     const bool hasRoomNow = device.flush();
     const QString unknown = QFile().errorString();
-    return hasRoomNow && device.errorString() == unknown ? qt_error_string(ENOSPC)
+    return hasRoomNow && device.errorString() == unknown ? fullDiskReasons().front()
                                                          : device.errorString();
 }
 
@@ -92,9 +79,7 @@ void writeTo(QFileDevice& device, const std::function<void(QIODevice&)>& write) 
 }
 
 void writeStandardOutput(const std::function<void(QIODevice&)>& write) {
-#ifdef Q_OS_WIN
-    _setmode(_fileno(stdout), _O_BINARY);
-#endif
+    writeBinary(stdout);
     QFile output;
     if (!output.open(stdout, QIODevice::WriteOnly))
         throw Reason(output.errorString());
@@ -127,7 +112,7 @@ void AtomicFile::commit() {
     const fs::path part = toPath(device_.fileName());
     std::error_code error;
     if (existing_ == Existing::replace)
-        fs::rename(part, toPath(target_), error);
+        error = replaceFile(part, toPath(target_));
     else
         error = moveToFreeName(part, target_);
     if (!error)

@@ -2,37 +2,18 @@
 
 #include "imageio/file_error.h"
 #include "imageio/output_format.h"
+#include "platform/platform.h"
 
 #include <QCryptographicHash>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <cstring>
-
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#endif
 
 namespace lumetra {
 namespace {
 
 bool isOtherThanFile(const QFileInfo& info) { return info.exists() && !info.isFile(); }
-
-/// What all names of a file have in common that is there.
-std::optional<std::pair<std::uint64_t, std::uint64_t>> idOf(const QString& file) {
-#ifdef Q_OS_UNIX // where hard links are told, too
-    struct stat status = {};
-    if (stat(QFile::encodeName(file).constData(), &status) == 0)
-        return std::pair<std::uint64_t, std::uint64_t>(status.st_dev, status.st_ino);
-    return std::nullopt;
-#else
-    const QString real = QFileInfo(file).canonicalFilePath();
-    if (real.isEmpty())
-        return std::nullopt;
-    return std::pair<std::uint64_t, std::uint64_t>(qHash(real, 1), qHash(real, 2));
-#endif
-}
 
 } // namespace
 
@@ -45,7 +26,7 @@ QString resolvedPath(const QString& file) {
 }
 
 std::optional<std::size_t> OutputFiles::add(const QString& file, std::size_t number) {
-    if (const auto id = idOf(file)) {
+    if (const auto id = identityOf(file)) {
         const auto [known, isNew] = byId_.emplace(*id, number);
         if (!isNew)
             return known->second;
@@ -55,7 +36,7 @@ std::optional<std::size_t> OutputFiles::add(const QString& file, std::size_t num
 }
 
 std::optional<std::size_t> OutputFiles::find(const QString& file) {
-    if (const auto id = byId_.empty() ? std::nullopt : idOf(file)) {
+    if (const auto id = byId_.empty() ? std::nullopt : identityOf(file)) {
         const auto known = byId_.find(*id);
         return known == byId_.end() ? std::nullopt : std::optional(known->second);
     }
@@ -77,7 +58,8 @@ OutputFiles::Digest OutputFiles::placeOf(const QString& file) {
         }
         place = resolvedFolder_ + name;
     }
-    const QByteArray bytes = QCryptographicHash::hash(place.toUtf8(), QCryptographicHash::Md5);
+    const QByteArray bytes =
+        QCryptographicHash::hash(comparableName(place).toUtf8(), QCryptographicHash::Md5);
     Digest digest;
     std::memcpy(digest.data(), bytes.constData(), sizeof digest);
     return digest;

@@ -12,7 +12,6 @@
 #include <map>
 #include <optional>
 #include <unordered_map>
-#include <utility>
 
 namespace lumetra {
 
@@ -42,8 +41,8 @@ private:
     Digest placeOf(const QString& file);
 
     std::unordered_map<Digest, std::size_t, HashOfDigest> byPlace_;
-    std::map<std::pair<std::uint64_t, std::uint64_t>, std::size_t> byId_; ///< Of those there.
-    QString folder_, resolvedFolder_; ///< Of the last name: many are in one folder.
+    std::map<QString, std::size_t> byId_; ///< Of those there, by what `identityOf` gives.
+    QString folder_, resolvedFolder_;     ///< Of the last name: many are in one folder.
 };
 
 /// @throws FileError if a file that is to be written is also one of those that are read, or is to

@@ -14,11 +14,12 @@
 #include "apps/common/annotation.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
+#include "platform/platform.h"
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <memory>
 
 namespace lumetra {
@@ -159,7 +160,9 @@ struct DiskFull : Error {
 
 /// Whether an error's text ends in the system's words for a disk, or a quota, that is used up.
 bool tellsOfFullDisk(const QString& reason) {
-    return reason.endsWith(qt_error_string(ENOSPC)) || reason.endsWith(qt_error_string(EDQUOT));
+    const QStringList texts = fullDiskReasons();
+    return std::any_of(texts.begin(), texts.end(),
+                       [&](const QString& text) { return reason.endsWith(text); });
 }
 
 /// Renders a field, unless an earlier run has done it; false if so. Notes what is wrong with it.

@@ -9,8 +9,11 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLockFile>
 
+#include <chrono>
 #include <string_view>
+#include <thread>
 
 namespace lumetra {
 namespace {
@@ -28,6 +31,25 @@ const QString fieldKey = QStringLiteral("field"), outputKey = QStringLiteral("ou
 std::size_t hashOf(const QByteArray& output) {
     return std::hash<std::string_view>()(viewOf(output));
 }
+
+/// Keeps others from a file, on systems and network disks that append no line in one piece. Where
+/// no lock can be had beside it, the line is written all the same.
+class OnlyWriter {
+public:
+    explicit OnlyWriter(const QFile& file) : lock_(file.fileName() + QStringLiteral(".lock")) {
+        if (!QFileInfo(file).isFile()) // a pipe or a device
+            return;
+        constexpr int patience = 60000, period = 5; // milliseconds
+        for (int waited = 0; waited < patience && !lock_.tryLock(0); waited += period) {
+            if (lock_.error() != QLockFile::LockFailedError)
+                return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(period));
+        }
+    }
+
+private:
+    QLockFile lock_;
+};
 
 QJsonObject channelEntry(const Channel& channel, const QString& method) {
     QJsonObject entry = parsedLine(channelJson(channel));
@@ -82,6 +104,7 @@ BatchLog::BatchLog(const QString& file, bool resume) {
     if (resume)
         readEarlier();
     // A run may have been killed while it wrote.
+    const OnlyWriter onlyWriter(file_);
     if (file_.size() > 0 && file_.seek(file_.size() - 1) && file_.getChar(&last) && last != '\n')
         file_.write("\n");
 }
@@ -121,6 +144,8 @@ void BatchLog::add(const QJsonObject& line) {
     if (!file_.isOpen())
         return;
     const QByteArray bytes = lineOf(line);
+    const OnlyWriter onlyWriter(file_);
+    file_.seek(file_.size()); // others have written meanwhile
     if (file_.write(bytes) != bytes.size())
         fail(file_);
 }

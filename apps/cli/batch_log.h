@@ -15,7 +15,7 @@
 namespace lumetra {
 
 /// A file of JSON, one line for each field that was done or failed. Safe from any thread, and for
-/// several programs at once: a line is appended in one piece.
+/// several programs at once, which wait for each other at every line.
 class BatchLog {
 public:
     /// @param file    May be empty: then nothing is kept.

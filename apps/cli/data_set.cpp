@@ -11,6 +11,7 @@
 #include "imageio/file_error.h"
 #include "imageio/output_conflicts.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -41,11 +42,11 @@ std::size_t forEachListedFile(const QString& list, const std::function<void(cons
         int size = next - at;
         if (end == '\n' && size > 0 && bytes[next - 1] == '\r')
             --size;
-        const auto name = nameOf(QByteArray::fromRawData(bytes.constData() + at, size));
+        const auto name = textOf(QByteArray::fromRawData(bytes.constData() + at, size));
         if (!name)
             ++notText;
         else if (!name->isEmpty())
-            add(*name);
+            add(QDir::fromNativeSeparators(*name));
     }
     return notText;
 }

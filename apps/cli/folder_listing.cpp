@@ -1,5 +1,7 @@
 #include "apps/cli/folder_listing.h"
 
+#include "platform/platform.h"
+
 #include <filesystem>
 
 namespace lumetra {
@@ -10,9 +12,9 @@ namespace fs = std::filesystem;
 std::size_t listFolder(const QString& folder, const std::function<void(const FolderEntry&)>& add) {
     std::size_t notText = 0;
     std::error_code error;
-    fs::directory_iterator entry(fs::u8path(folder.isEmpty() ? "." : folder.toStdString()), error);
+    fs::directory_iterator entry(toPath(folder.isEmpty() ? QStringLiteral(".") : folder), error);
     for (const fs::directory_iterator end; !error && entry != end; entry.increment(error)) {
-        const auto name = nameOf(QByteArray::fromStdString(entry->path().filename().u8string()));
+        const auto name = nameOf(entry->path());
         std::error_code unknown; // a link that leads nowhere is neither
         const bool isFolder = entry->is_directory(unknown);
         if (!name)
@@ -23,11 +25,11 @@ std::size_t listFolder(const QString& folder, const std::function<void(const Fol
     return notText;
 }
 
-std::optional<QString> nameOf(const QByteArray& bytes) {
-    QString name = QString::fromUtf8(bytes);
-    if (name.toUtf8() != bytes)
+std::optional<QString> textOf(const QByteArray& bytes) {
+    QString text = QString::fromUtf8(bytes);
+    if (text.toUtf8() != bytes)
         return std::nullopt;
-    return name;
+    return text;
 }
 
 } // namespace lumetra

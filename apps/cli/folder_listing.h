@@ -23,7 +23,7 @@ struct FolderEntry {
 /// @return How many names are not UTF-8, which are left out.
 std::size_t listFolder(const QString& folder, const std::function<void(const FolderEntry&)>& add);
 
-/// A file's name, if it is UTF-8.
-std::optional<QString> nameOf(const QByteArray& bytes);
+/// Bytes as text, if they are UTF-8.
+std::optional<QString> textOf(const QByteArray& bytes);
 
 } // namespace lumetra

@@ -8,8 +8,9 @@
 #include "apps/common/text.h"
 #include "imageio/atomic_file.h"
 
-#include <QFile>
+#include <QDir>
 #include <QFileInfo>
+#include <QUrl>
 
 #include <algorithm>
 #include <cmath>
@@ -87,8 +88,10 @@ QString htmlEscaped(const QString& text) { return text.toHtmlEscaped(); }
 
 /// A file as a link from the page has it, whatever letters its name is made of.
 QString link(const QString& beside, const QString& file) {
-    const QByteArray bytes = QFile::encodeName(nameBelow(beside, file));
-    return QString::fromLatin1(bytes.toPercentEncoding(QByteArrayLiteral("/")));
+    const QString name = nameBelow(beside, file);
+    if (QDir::isAbsolutePath(name)) // on another drive
+        return QString::fromLatin1(QUrl::fromLocalFile(name).toEncoded());
+    return QString::fromLatin1(name.toUtf8().toPercentEncoding(QByteArrayLiteral("/")));
 }
 
 /// What a tile's name and, where it failed, the reason come to, for those who do not see the tile.

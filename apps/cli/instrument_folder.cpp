@@ -6,7 +6,7 @@
 #include "apps/cli/pattern.h"
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
-#include "apps/common/shell.h"
+#include "platform/platform.h"
 
 #include <QFileInfo>
 #include <QHash>

@@ -4,6 +4,7 @@
 #include "apps/cli/natural_order.h"
 #include "apps/common/error.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -81,24 +82,24 @@ QStringList filesBelow(const QString& folder) {
 } // namespace
 
 Pattern::Pattern(const QString& text, const QMap<QString, QStringList>& choices)
-    : text_(text), choices_(choices) {
+    : text_(QDir::fromNativeSeparators(text)), choices_(choices) {
     const auto refuse = [&](const QString& reason) {
         throw UsageError(QStringLiteral("the pattern \"%1\" %2").arg(text, reason));
     };
-    for (int i = 0; i < static_cast<int>(text.size()); ++i) {
-        const QChar letter = text[i];
+    for (int i = 0; i < static_cast<int>(text_.size()); ++i) {
+        const QChar letter = text_[i];
         const bool isBrace = letter == QLatin1Char('{') || letter == QLatin1Char('}');
         if (!isBrace) {
             pieces_.push_back({letter, false, letter, escaped(letter), false});
-        } else if (i + 1 < static_cast<int>(text.size()) && text[i + 1] == letter) {
+        } else if (i + 1 < static_cast<int>(text_.size()) && text_[i + 1] == letter) {
             pieces_.push_back({letter, false, QString(2, letter), escaped(letter), false});
             ++i;
         } else {
-            const auto end = static_cast<int>(text.indexOf(QLatin1Char('}'), i));
+            const auto end = static_cast<int>(text_.indexOf(QLatin1Char('}'), i));
             if (letter == QLatin1Char('}') || end < 0)
                 refuse(QStringLiteral("has an unmatched brace"));
             try {
-                addPlaceholder(text.mid(i + 1, end - i - 1), choices);
+                addPlaceholder(text_.mid(i + 1, end - i - 1), choices);
             } catch (const Error& error) {
                 refuse(error.text());
             }

@@ -1,7 +1,8 @@
 #include "apps/cli/signals.h"
 
+#include "platform/platform.h"
+
 #include <atomic>
-#include <csignal>
 
 namespace lumetra {
 namespace {
@@ -12,13 +13,7 @@ static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may touch
 } // namespace
 
 void catchSignals() {
-    struct sigaction action = {};
-    action.sa_handler = [](int number) { caught = number; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    onStopRequest([](int number) { caught = number; });
 }
 
 int caughtSignal() { return caught; }

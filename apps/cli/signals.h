@@ -15,8 +15,8 @@ struct Interrupted : std::exception {
     QString howFar; ///< How far the work has come, for the user; may be empty.
 };
 
-/// From now on the first SIGINT or SIGTERM is remembered and a second one ends the program; a
-/// reader that goes away is an error of writing.
+/// From now on the first SIGINT or SIGTERM is remembered (Windows: Ctrl+C, or the console that is
+/// closed) and a second one ends the program; a reader that goes away is an error of writing.
 void catchSignals();
 
 /// The signal that came; 0 if there was none.

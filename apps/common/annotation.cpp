@@ -5,12 +5,16 @@
 
 #include <opencv2/core.hpp>
 
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <type_traits>
 
 namespace lumetra {
@@ -27,7 +31,17 @@ int letterHeight(const cv::Mat& image) {
     return std::clamp(std::min(image.rows, image.cols) / 32, smallestLetter, largestLetter);
 }
 
+/// Where the system brings no fonts, they lie beside the programs.
+void findFonts() {
+    const QString file =
+        QCoreApplication::applicationDirPath() + QStringLiteral("/../share/lumetra/DejaVuSans.ttf");
+    if (QFileInfo::exists(file))
+        QFontDatabase::addApplicationFont(file);
+}
+
 QFont letters(int height) {
+    static std::once_flag once;
+    std::call_once(once, findFonts);
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPixelSize(height);
     return font;

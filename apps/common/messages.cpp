@@ -1,6 +1,7 @@
 #include "apps/common/messages.h"
 
 #include "apps/common/error.h"
+#include "platform/platform.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
@@ -9,22 +10,9 @@
 #include <QtGlobal>
 
 #include <cstdio>
-#ifdef Q_OS_WIN
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
 
 namespace lumetra {
 namespace {
-
-bool isTerminal(std::FILE* stream) {
-#ifdef Q_OS_WIN
-    return _isatty(_fileno(stream)) != 0;
-#else
-    return isatty(fileno(stream)) == 1;
-#endif
-}
 
 /// What Qt says before it ends the program, and nothing else.
 void printFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {

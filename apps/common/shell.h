@@ -6,10 +6,7 @@
 
 namespace lumetra {
 
-/// A word as a POSIX shell takes it for exactly this text, whatever is in it.
-QString quotedForShell(const QString& word);
-
-/// A line of words.
+/// A line of words, each as `quotedForShell` has it.
 QString shellLine(const QStringList& words);
 
 } // namespace lumetra

@@ -4,6 +4,7 @@
 #include "apps/common/error.h"
 #include "apps/common/messages.h"
 #include "apps/viewer/window.h"
+#include "platform/platform.h"
 
 #include <opencv2/core.hpp>
 
@@ -115,6 +116,7 @@ int run(QApplication& application) {
 } // namespace
 
 int main(int argc, char** argv) {
+    lumetra::prepareWindows();
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

@@ -7,8 +7,10 @@ import os
 from functools import lru_cache
 from typing import Any, Callable, Optional, Type, Union
 
-_NAME = "liblumetra-render.so.0"
+_WINDOWS = os.name == "nt"
+_NAME = "liblumetra-render.dll" if _WINDOWS else "liblumetra-render.so.0"
 _VARIABLE = "LUMETRA_RENDER_LIBRARY"
+_HINT = "install the wheel for Windows" if _WINDOWS else "install the package liblumetra-render0"
 _REASON_BYTES = 1024
 
 RGB, GRAY = 1, 3
@@ -150,8 +152,8 @@ def _load() -> ctypes.CDLL:
         loaded = ctypes.CDLL(path)
     except OSError as error:
         raise ImportError(
-            f"lumetra needs {_NAME}, which cannot be loaded ({error}): install the package "
-            f"liblumetra-render0, or name the file in {_VARIABLE}"
+            f"lumetra needs {_NAME}, which cannot be loaded ({error}): {_HINT}, or name the file "
+            f"in {_VARIABLE}"
         ) from error
     try:
         for name, arguments in _ARGUMENTS.items():

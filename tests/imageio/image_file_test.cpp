@@ -235,6 +235,9 @@ TEST_F(ImageFiles, OfOtherKindsAreRefusedByName) {
     const cv::Mat image = testImage({44, 33}, CV_8UC3);
     const std::string name = file_.toStdString();
     for (const char* extension : {".webp", ".jp2", ".ras", ".hdr"}) {
+        if (!cv::haveImageWriter(std::string("a") +
+                                 extension)) // OpenCV is built with fewer of them
+            continue;
         cv::Mat written = image;
         if (QLatin1String(extension) == QLatin1String(".hdr"))
             image.convertTo(written, CV_32F);

@@ -3,6 +3,7 @@
 #include "imageio/image_writer.h"
 #include "imageio/output_conflicts.h"
 #include "imageio/tiff_writer.h"
+#include "platform/platform.h"
 
 #include <gtest/gtest.h>
 
@@ -14,11 +15,14 @@
 
 #include <atomic>
 #include <csignal>
+#include <filesystem>
 #include <thread>
 
+#include <tiffio.h>
+#ifdef Q_OS_UNIX
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <tiffio.h>
+#endif
 
 namespace lumetra {
 namespace {
@@ -85,7 +89,11 @@ TEST_F(Writing, CompressesTiffFilesAsAsked) {
 }
 
 TEST_F(Writing, TakesNamesOfAllLettersAndLengths) {
-    const QString odd = QString::fromUtf8("ä 'q\" \n%1.png");
+#ifdef Q_OS_WIN
+    const QString odd = QString::fromUtf8("ä 'q' 細胞 клетки%1.png");
+#else
+    const QString odd = QString::fromUtf8("ä 'q\" \n細胞%1.png");
+#endif
     for (const QString& name : {odd, QString(251, 'x') + ".png", QString(251, 'y') + ".tif"}) {
         writeImage(path(name), testImage({5, 4}, CV_8UC1), Existing::keep);
         EXPECT_EQ(ImageFile(path(name)).page(1).cols, 5);
@@ -97,6 +105,22 @@ TEST_F(Writing, TakesNamesOfAllLettersAndLengths) {
                  FileError);
     EXPECT_EQ(filesThere(), 3);
 }
+
+TEST_F(Writing, ReplacesOnlyWhatItMay) {
+    const QString file = path("a.png");
+    writeImage(file, testImage({4, 4}, CV_8UC1), Existing::keep);
+    EXPECT_THROW(checkOutput(file, {}, Existing::keep), FileExistsError);
+    EXPECT_THROW(writeImage(file, testImage({5, 5}, CV_8UC1), Existing::keep), FileExistsError);
+    EXPECT_NO_THROW(checkOutput(file, {path("b.png")}, Existing::replace));
+    EXPECT_THROW(checkOutput(file, {file}, Existing::replace), FileError); // also an input
+    EXPECT_THROW(writeBytes(folder_.path(), "x", Existing::replace), FileError);
+    EXPECT_EQ(ImageFile(file).page(1).cols, 4);
+    writeImage(file, testImage({5, 5}, CV_8UC1), Existing::replace);
+    EXPECT_EQ(ImageFile(file).page(1).cols, 5);
+    EXPECT_EQ(filesThere(), 1);
+}
+
+#ifdef Q_OS_UNIX
 
 TEST_F(Writing, GivesFilesThePermissionsOfAnyOther) {
     const mode_t before = umask(027);
@@ -111,7 +135,7 @@ TEST_F(Writing, GivesFilesThePermissionsOfAnyOther) {
     umask(before);
 }
 
-TEST_F(Writing, ReplacesOnlyWhatItMay) {
+TEST_F(Writing, FollowsLinksAndLeavesDevices) {
     const QString file = path("a.png"), link = path("link.png"), pipe = path("pipe.png");
     writeImage(file, testImage({4, 4}, CV_8UC1), Existing::keep);
     ASSERT_TRUE(QFile::link(file, link));
@@ -138,30 +162,35 @@ TEST_F(Writing, ReplacesOnlyWhatItMay) {
     EXPECT_EQ(filesThere(), 5);
 }
 
+#endif
+
 TEST_F(Writing, TellsFilesApartByWhatTheyAre) {
     writeBytes(path("a.tif"), "x", Existing::keep);
     ASSERT_TRUE(QDir(folder_.path()).mkdir("sub"));
+#ifdef Q_OS_WIN
+    const QString way = path("SUB/"); // links need rights there
+#else
+    const QString way = path("way/");
     ASSERT_TRUE(QFile::link(path("sub"), path("way")));
-    ASSERT_EQ(link(QFile::encodeName(path("a.tif")).constData(),
-                   QFile::encodeName(path("sub/hard.tif")).constData()),
-              0);
-    const auto isFound = [&](const char* output, const char* name) {
+    EXPECT_EQ(resolvedPath(path("way/b/c.tif")), resolvedPath(path("sub/b/c.tif")));
+#endif
+    std::filesystem::create_hard_link(toPath(path("a.tif")), toPath(path("sub/hard.tif")));
+    const auto isFound = [&](const QString& output, const QString& file) {
         OutputFiles outputs;
         outputs.add(path("else.tif"), 3);
-        outputs.add(path(output), 7);
-        return outputs.find(path(name)) == std::optional<std::size_t>(7);
+        outputs.add(output, 7);
+        return outputs.find(file) == std::optional<std::size_t>(7);
     };
-    EXPECT_TRUE(isFound("a.tif", "way/../a.tif"));
-    EXPECT_TRUE(isFound("a.tif", "way/hard.tif"));
-    EXPECT_TRUE(isFound("way/new.tif", "sub/./new.tif"));
-    EXPECT_TRUE(isFound("new.tif", "sub/../new.tif"));
-    EXPECT_FALSE(isFound("way/new.tif", "new.tif"));
-    EXPECT_FALSE(isFound("way/new.tif", "a.tif"));
-    EXPECT_FALSE(isFound("a.tif", "new.tif"));
-    EXPECT_EQ(resolvedPath(path("way/b/c.tif")), resolvedPath(path("sub/b/c.tif")));
+    EXPECT_TRUE(isFound(path("a.tif"), way + "../a.tif"));
+    EXPECT_TRUE(isFound(path("a.tif"), way + "hard.tif"));
+    EXPECT_TRUE(isFound(way + "new.tif", path("sub/./new.tif")));
+    EXPECT_TRUE(isFound(path("new.tif"), path("sub/../new.tif")));
+    EXPECT_FALSE(isFound(way + "new.tif", path("new.tif")));
+    EXPECT_FALSE(isFound(way + "new.tif", path("a.tif")));
+    EXPECT_FALSE(isFound(path("a.tif"), path("new.tif")));
 
-    EXPECT_THROW(checkOutputConflicts({path("way/hard.tif")}, {path("a.tif")}), FileError);
-    EXPECT_THROW(checkOutputConflicts({path("way/o.png"), path("sub/o.png")}, {}), FileError);
+    EXPECT_THROW(checkOutputConflicts({way + "hard.tif"}, {path("a.tif")}), FileError);
+    EXPECT_THROW(checkOutputConflicts({way + "o.png", path("sub/o.png")}, {}), FileError);
     EXPECT_NO_THROW(checkOutputConflicts({path("o.png"), path("sub/o.png"), "-", "-", "", ""},
                                          {path("a.tif"), "-", ""}));
 }
@@ -175,6 +204,8 @@ TEST_F(Writing, LeavesNothingOfWhatIsGivenUp) {
     }
     EXPECT_EQ(filesThere(), 0);
 }
+
+#ifdef Q_OS_UNIX
 
 TEST_F(Writing, OnAFullDiskFailsAndLeavesNothing) {
     // As a full disk, a limit makes a write fall short and the next one fail.
@@ -198,6 +229,8 @@ TEST_F(Writing, OnAFullDiskFailsAndLeavesNothing) {
     }
     std::signal(SIGXFSZ, ignored);
 }
+
+#endif
 
 TEST_F(Writing, OfOneFileByManyAtOnceGivesOneOfThem) {
     constexpr int writers = 8, rounds = 30;

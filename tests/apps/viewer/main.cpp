@@ -5,6 +5,7 @@
 #include "apps/common/messages.h"
 
 #include <QApplication>
+#include <QSettings>
 
 /// Qt's platforms do not release all they hold when the application ends.
 extern "C" __attribute__((visibility("default"))) const char*
@@ -27,6 +28,8 @@ __tsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier): the san
 int main(int argc, char** argv) {
     const QTemporaryDir settings;
     qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+    QSettings::setDefaultFormat(QSettings::IniFormat); // and not the registry of Windows
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("lumetra"));
     QApplication::setApplicationName(QStringLiteral("lumetra-viewer-test"));

@@ -10,7 +10,9 @@
 #include <QStyle>
 #include <QStyleFactory>
 
+#ifdef Q_OS_UNIX
 #include <unistd.h>
+#endif
 
 namespace lumetra {
 
@@ -40,11 +42,15 @@ int coloursIn(const QImage& image) {
     return static_cast<int>(colours.size());
 }
 
+/// 0 where the system does not tell.
 double residentMegabytes() {
+#ifdef Q_OS_UNIX
     QFile file("/proc/self/statm");
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) / 1048576;
+    if (file.open(QIODevice::ReadOnly))
+        return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE)) /
+               1048576;
+#endif
+    return 0;
 }
 
 } // namespace

@@ -53,8 +53,14 @@ QByteArray runInShell(QString line, const QString& folder = {}) {
     shell.setWorkingDirectory(folder);
     if (!line.startsWith("lumetra "))
         return "not a line for the command";
-    line.replace(0, 7, qEnvironmentVariable("LUMETRA"));
+    line.replace(0, 7, QDir::toNativeSeparators(qEnvironmentVariable("LUMETRA")));
+#ifdef Q_OS_WIN
+    shell.setProgram("cmd");
+    shell.setNativeArguments("/d /s /c \"" + line + '"');
+    shell.start();
+#else
     shell.start("/bin/sh", {"-c", line});
+#endif
     shell.waitForFinished();
     return shell.exitCode() == 0 ? QByteArray() : shell.readAllStandardError() + "failed";
 }
