@@ -18,7 +18,7 @@ from ._contrast import Histogram, contrast_limits
 from ._dyes import Dye, colormap, colour, dye, dyes, nearest
 from ._rendering import apply_lut, composite, luts, merge, project, tint
 
-__version__ = "1.0.0"
+__version__ = "1.1.0"
 
 __all__ = [
     "Dye",
