@@ -197,6 +197,14 @@ images() { # usage: images NAME...    an image file under each of the names
   kept=$(stat -c %i parts_thumbnails/*)
   lumetra gallery parts -o parts.html --quiet
   [ "$(stat -c %i parts_thumbnails/*)" = "$kept" ] && [ "$(wc -w <<<"$kept")" = 10 ]
+  # Fields of a list have the folder of its images, also a part in which all are in one below it.
+  lumetra list 'plate/f{row}{site}_{channel}.tif' --channel dapi=DAPI --channel actin=FITC \
+    --images 'listed/{row}/{site}.png' -o fields.jsonl --quiet
+  lumetra batch --fields fields.jsonl --levels 9:60000 --shard 1/2 --gallery listed.html --quiet
+  kept=$(stat -c %i listed_thumbnails/*/*)
+  lumetra batch --fields fields.jsonl --levels 9:60000 --overwrite --gallery listed.html --quiet
+  lumetra gallery listed -o again.html --quiet --overwrite
+  diff -r listed_thumbnails again_thumbnails
 }
 
 @test "a gallery that cannot be made stops a batch before any work" {
