@@ -77,6 +77,7 @@ private:
 /// The type of the image that channels give.
 int imageType(const std::vector<int>& types, const std::vector<Channel>& channels) {
     std::vector<cv::Mat> pixels;
+    pixels.reserve(types.size());
     for (const int type : types)
         pixels.emplace_back(1, 1, type, cv::Scalar(0));
     cv::Mat pixel;
@@ -100,15 +101,15 @@ std::optional<LargeImage> LargeImage::of(const ChannelFiles& files) {
 
 std::vector<Histogram> LargeImage::histograms(int jobs) const {
     constexpr int rowsOfStrip = 64;
-    PlaneStrips strips;
+    PlaneStrips reader;
     for (std::size_t i = 0; i < types_.size(); ++i)
-        strips.add(files_->openRows(i), {{}, size_});
+        reader.add(files_->openRows(i), {{}, size_});
     std::vector<Histogram> sums(types_.size());
     std::mutex mutex;
     const auto makeWorker = [&] {
         return [&, planes = std::vector<cv::Mat>()](std::size_t number) mutable {
             const int top = static_cast<int>(number) * rowsOfStrip;
-            strips.read(number, std::min(rowsOfStrip, size_.height - top), planes);
+            reader.read(number, std::min(rowsOfStrip, size_.height - top), planes);
             for (std::size_t i = 0; i < planes.size(); ++i) {
                 Histogram histogram;
                 histogram.add(planes[i]);
@@ -117,8 +118,8 @@ std::vector<Histogram> LargeImage::histograms(int jobs) const {
             }
         };
     };
-    runWorkers(jobs, static_cast<std::size_t>((size_.height - 1) / rowsOfStrip + 1), makeWorker,
-               [] {});
+    const int strips = (size_.height - 1) / rowsOfStrip + 1;
+    runWorkers(jobs, static_cast<std::size_t>(strips), makeWorker, [] {});
     throwIfInterrupted();
     return sums;
 }

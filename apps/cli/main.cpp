@@ -8,6 +8,7 @@
 #include "apps/common/messages.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <opencv2/core.hpp>
 
 namespace lumetra {
@@ -21,9 +22,9 @@ int refuse(const QString& reason, int status) {
 int run(int argc, char** argv) {
     try {
         const std::vector<std::string> words = commandLine(argc, argv);
-        std::vector<const char*> pointers;
-        for (const std::string& word : words)
-            pointers.push_back(word.c_str());
+        std::vector<const char*> pointers(words.size());
+        std::transform(words.begin(), words.end(), pointers.begin(),
+                       [](const std::string& word) { return word.c_str(); });
         return parseCommandLine(static_cast<int>(pointers.size()), pointers.data())();
     } catch (const Interrupted& interrupted) {
         if (!interrupted.howFar.isEmpty())
