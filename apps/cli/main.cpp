@@ -8,8 +8,9 @@
 #include "apps/common/messages.h"
 #include "platform/platform.h"
 
-#include <algorithm>
 #include <opencv2/core.hpp>
+
+#include <algorithm>
 
 namespace lumetra {
 namespace {
