@@ -151,10 +151,12 @@ void Projection::add(const cv::Mat& plane) {
                                   plane.type() == CV_32FC1 || plane.type() == CV_64FC1));
     if (planes_ == 0) {
         type_ = plane.type();
-        if (method_ == ProjectionMethod::max)
+        if (method_ == ProjectionMethod::max) {
             plane.copyTo(accumulator_);
-        else
-            accumulator_ = cv::Mat::zeros(plane.size(), accumulatorType(method_, type_));
+        } else {
+            accumulator_.create(plane.size(), accumulatorType(method_, type_));
+            accumulator_.setTo(0);
+        }
     }
     if (plane.size() != accumulator_.size())
         throw RenderError("the planes have different sizes");
