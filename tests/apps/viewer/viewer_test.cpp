@@ -459,7 +459,11 @@ void ViewerTest::theSourceBeforeIsNeverShown() {
         QVERIFY(viewer.image().isNull());
         QVERIFY(!QTest::qWaitFor([&] { return !viewer.image().isNull(); }, 100));
         QCOMPARE(viewer.intensitiesAt({{1, 1}}).front(), std::vector<int>());
-        QVERIFY_EXCEPTION_THROWN(static_cast<void>(viewer.snapshot()), Error);
+        try {
+            static_cast<void>(viewer.snapshot());
+            QFAIL("there is no image to save");
+        } catch (const Error&) { // as it should be
+        }
     }
 }
 
