@@ -1,6 +1,7 @@
 """What a person reads off an image, beside formulas written out and pixels counted."""
 
 import ctypes
+import json
 import os
 import pathlib
 import struct
@@ -48,6 +49,68 @@ def test_gamma_bends_as_the_formula_says(gamma):
     assert np.array_equal(merged[..., 0], wanted)
     lut = image("pseudo", "ramp.tif", "--lut", "gray", *options)
     assert np.abs(lut[..., 0] - wanted).max() <= 2  # 255 slots in place of 256 levels
+
+
+def test_each_channel_has_what_is_said_of_it():
+    tifffile.imwrite("a_1.tif", RAMP)
+    tifffile.imwrite("a_2.tif", RAMP[::-1])
+    first, second = np.floor(255 * (RAMP / 255) ** 2 + 0.5), np.clip(RAMP[::-1] * 5.1 - 255, 0, 255)
+    options = ["--levels", "0:255", "--levels", "50:100", "--gamma", "2", "--gamma", "1"]
+    named = image("merge", "a_1.tif=#ff0000", "a_2.tif=#00ff00", *options)
+    assert np.array_equal(named[..., 0], first) and np.abs(named[..., 1] - second).max() <= 1
+    # Settings keep it, and what is said beside them changes nothing else.
+    channels = [*("--channel", "1=#ff0000", "--channel", "2=#00ff00"), "--gamma", "2", "--gamma", "1"]
+    lumetra("levels", "a_{channel}.tif", *channels, *options[:4], "-o", "set.json")
+    kept = ["merge", "a_1.tif", "a_2.tif", "--settings", "set.json"]
+    assert np.array_equal(image(*kept), named)
+    assert np.array_equal(image(*kept, *options[:4]), named)
+    hidden = json.loads(pathlib.Path("set.json").read_text())
+    hidden["channels"][0]["visible"] = False
+    pathlib.Path("set.json").write_text(json.dumps(hidden))
+    lumetra("batch", "{f}_{channel}.tif", "--settings", "set.json", "--channel", "1=#ff0000",
+            "--channel", "2=#00ff00", "-o", "{f}.png")
+    assert not read_png(pathlib.Path("a.png"))[..., 0].any()
+
+
+def test_offsets_go_where_they_say():
+    for name, place in (("a.tif", (20, 30)), ("b.tif", (18, 33))):
+        plane = BLACK.copy()
+        plane[place] = 255
+        tifffile.imwrite(name, plane)
+    merged = image("merge", "a.tif=#ff0000", "b.tif=#00ff00+3-2", "--levels", "0:255")
+    assert (merged == (255, 255, 0)).all(axis=2).sum() == 1 == merged.any(axis=2).sum()
+
+
+def test_colours_of_files_are_as_they_say():
+    colours = np.stack([RAMP.ravel(), RAMP.ravel() // 2, 255 - RAMP.ravel()]).astype(np.uint8)
+    tifffile.imwrite("palette.tif", RAMP, photometric="palette", colormap=colours.astype(np.uint16) * 257)
+    pathlib.Path("own.lut").write_bytes(colours.tobytes())
+    tifffile.imwrite("ramp.tif", RAMP)
+    wanted = colours.T.reshape(*RAMP.shape, 3).astype(int)
+    assert np.array_equal(image("pseudo", "palette.tif", "--lut", "own"), wanted)
+    assert np.abs(image("pseudo", "ramp.tif", "--lut", "own.lut", "--levels", "0:255") - wanted).max() <= 2
+    tifffile.imwrite("emission.ome.tif", RAMP, metadata={
+        "axes": "YX", "Channel": {"Name": "x", "EmissionWavelength": 525, "EmissionWavelengthUnit": "nm"}})
+    red, green, blue = image("merge", "emission.ome.tif", "--levels", "0:255").max(axis=(0, 1))
+    assert green == 255 and max(red, blue) < 128
+
+
+def test_gamma_bends_images_of_three_colours():
+    tifffile.imwrite("rgb.tif", np.dstack([RAMP] * 3), photometric="rgb")
+    plain, bent = [image("dye", "rgb.tif=#ffffff", "--levels", "0:255", "--gamma", gamma).astype(float)
+                   for gamma in ("1", "2")]
+    assert np.abs(255 * (plain / 255) ** 2 - bent).max() <= 1
+
+
+def test_what_is_drawn_on_16_bits_is_white():
+    resolution = {"resolution": (20000, 20000), "resolutionunit": "CENTIMETER"}  # 0.5 µm
+    tifffile.imwrite("black.tif", BLACK.astype(np.uint16), **resolution)
+    for size, pixels in ((None, 40), ("0.25", 80)):  # the user's goes before the file's
+        more = ["--pixel-size", size] if size else []
+        lumetra("dye", "black.tif=DAPI", "--levels", "none", "--scale-bar", "20", *more, "-o", "bar.tif",
+                "--overwrite", "--compression", "none")
+        bar = tifffile.imread("bar.tif")
+        assert bar.dtype == np.uint16 and (bar == 65535).all(axis=2).sum(axis=1).max() == pixels
 
 
 @pytest.mark.parametrize("length, pixel, pixels", [(20, 0.5, 40), (30, 0.5, 60), (7, 0.13, 54), (50, 0.2, 250)])
@@ -106,12 +169,12 @@ def test_gamma_of_settings_stays_beside_named_channels():
     assert pathlib.Path("f.png").read_bytes() == pathlib.Path("gamma.png").read_bytes()
 
 
-def test_another_pixel_size_is_another_image():
+def test_another_pixel_size_or_gamma_is_another_image():
     tifffile.imwrite("f_a.tif", BLACK)
     batch = ["batch", "{f}_{channel}.tif", "--channel", "a=DAPI", "-o", "{f}.png", "--log", "log",
              "--levels", "0:9", "--resume", "--scale-bar", "10", "--pixel-size"]
-    for size, lines in (("0.5", 1), ("0.5", 1), ("0.25", 2)):
-        lumetra(*batch, size)
+    for size, gamma, lines in (("0.5", "1", 1), ("0.5", "1", 1), ("0.25", "1", 2), ("0.25", "2", 3)):
+        lumetra(*batch, size, "--gamma", gamma)
         assert len(pathlib.Path("log").read_text().splitlines()) == lines
 
 
