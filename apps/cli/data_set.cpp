@@ -23,8 +23,6 @@
 namespace lumetra {
 namespace {
 
-const QString channelPlaceholder = QStringLiteral("channel");
-
 /// Gives the names in a list: one in a line, or, if there is a NUL in it, one before each NUL.
 /// @return How many were left out, since they are not UTF-8.
 std::size_t forEachListedFile(const QString& list, const std::function<void(const QString&)>& add) {
@@ -54,7 +52,7 @@ std::size_t forEachListedFile(const QString& list, const std::function<void(cons
 Pattern patternOf(const DataSetOptions& options, const std::vector<Channel>& channels) {
     QMap<QString, QStringList> choices;
     for (const Channel& channel : channels)
-        choices[channelPlaceholder] << toQt(channel.name);
+        choices[channelPlaceholder()] << toQt(channel.name);
     return Pattern(options.pattern, choices);
 }
 
@@ -102,7 +100,7 @@ FieldSet foundFields(const DataSetOptions& options, const QString& outputs, bool
                      const DyeList& dyes, std::vector<Channel>& channels) {
     constexpr int mostOthers = 10000; // which are enough for an example
     const Pattern pattern = patternOf(options, channels);
-    if (channels.empty() && pattern.names().contains(channelPlaceholder))
+    if (channels.empty() && pattern.names().contains(channelPlaceholder()))
         throw UsageError(QStringLiteral("there are no channels: give --channel NAME=DYE for each"));
     const auto found = std::make_shared<FoundFields>(pattern, isProjected);
     found->nameChannels(channels);

@@ -11,16 +11,15 @@
 namespace lumetra {
 namespace {
 
-const QString channelPlaceholder = QStringLiteral("channel");
 constexpr std::size_t bytesOfChannel = 2; // its number, the larger byte first
 
 } // namespace
 
 FoundFields::FoundFields(const Pattern& pattern, bool isProjected)
-    : pattern_(pattern), hasChannels_(pattern.names().contains(channelPlaceholder)),
+    : pattern_(pattern), hasChannels_(pattern.names().contains(channelPlaceholder())),
       hasSlices_(isProjected && pattern.names().contains(slicePlaceholder())) {
     for (const QString& name : pattern.names())
-        if (name != channelPlaceholder && !(hasSlices_ && name == slicePlaceholder()))
+        if (name != channelPlaceholder() && !(hasSlices_ && name == slicePlaceholder()))
             fieldNames_ << name;
 }
 
@@ -45,7 +44,7 @@ bool FoundFields::add(const QString& file) {
     for (const QString& name : fieldNames_)
         appendNaturalKey(bytes_, textOf(name));
     found.field = length();
-    const auto channel = hasChannels_ ? channels_.indexOf(textOf(channelPlaceholder)) : 0;
+    const auto channel = hasChannels_ ? channels_.indexOf(textOf(channelPlaceholder())) : 0;
     bytes_ += static_cast<char>(channel >> 8);
     bytes_ += static_cast<char>(channel & 255);
     if (hasSlices_)
@@ -117,7 +116,7 @@ InputFile FoundFields::inputOf(std::size_t firstFile, std::size_t endFile, std::
     }
     if (hasSlices_ && !input.sliceFiles.isEmpty()) {
         if (hasChannels_)
-            placeholders[channelPlaceholder] = channels_[static_cast<int>(channel)];
+            placeholders[channelPlaceholder()] = channels_[static_cast<int>(channel)];
         input.file = pattern_.narrowed(placeholders);
     }
     return input;
@@ -153,7 +152,7 @@ Field FoundFields::field(std::size_t number) const {
             continue;
         const QString& name = channels_[static_cast<int>(channel)];
         Placeholders placeholders = field.placeholders;
-        placeholders[channelPlaceholder] = name;
+        placeholders[channelPlaceholder()] = name;
         field.problem = QStringLiteral("channel \"%1\" is missing: there is no %2")
                             .arg(name, pattern_.partlyFilled(placeholders));
     }

@@ -15,6 +15,9 @@
 
 namespace lumetra {
 
+/// The placeholder of channels in patterns.
+inline QString channelPlaceholder() { return QStringLiteral("channel"); }
+
 /// Files that match a pattern, sorted into fields, in the natural order of their names: s2 before
 /// s10. Kept as one run of bytes, so that a million names take less than a hundred megabytes.
 class FoundFields : public FieldSource {
