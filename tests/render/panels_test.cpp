@@ -54,7 +54,9 @@ TEST(Panels, ShowEachChannelWhereItLies) {
     channels[1].visible = false;
     channels[2].offset = {4, -3};
     const auto gray = channelAlone(channels, 0, PanelColours::gray);
-    EXPECT_TRUE(gray[0].visible && !gray[1].visible && !gray[2].visible);
+    for (std::size_t shown = 0; shown < 3; ++shown)
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_EQ(channelAlone(channels, shown, PanelColours::gray)[i].visible, i == shown);
     EXPECT_EQ(gray[0].colour, (Colour{255, 255, 255}));
     EXPECT_FALSE(gray[0].colormap);
     EXPECT_EQ(gray[2].offset, channels[2].offset);
