@@ -10,11 +10,9 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <numeric>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -325,89 +323,6 @@ TEST(CInterface, UnderstandsLevelPolicies) {
     EXPECT_NE(answer(lumetra_parse_level_policy, "clip:50", &policy).find("percentage"),
               std::string::npos);
     EXPECT_NE(answer(lumetra_parse_level_policy, nullptr, &policy), "");
-}
-
-/// Numbers that callers get wrong, in structures whose pixels are memory.
-class Nonsense {
-public:
-    explicit Nonsense(unsigned seed) : random_(seed) {}
-
-    template<class Number>
-    Number oneOf(std::initializer_list<Number> numbers) {
-        return numbers.begin()[random_() % numbers.size()];
-    }
-    std::int32_t number() { return oneOf({0, 1, 2, 3, 8, 16, 255, -1, INT32_MIN, INT32_MAX}); }
-    std::size_t size(std::size_t right) {
-        return oneOf({right, right, right, right, std::size_t{0}, std::size_t{8}, std::size_t{20},
-                      std::size_t{12345678}});
-    }
-    lumetra_plane plane() {
-        return {size(sizeof(lumetra_plane)), pixels(), step(), extent(), extent(), bits()};
-    }
-    lumetra_image image() {
-        return {size(sizeof(lumetra_image)), pixels(), step(), extent(), extent(), bits(),
-                oneOf({0, 1, 2, 3, 3, -9})};
-    }
-    lumetra_channel channel() {
-        lumetra_channel channel{};
-        channel.struct_size = size(sizeof channel);
-        channel.red = oneOf({0, 255, 0, 255, -1, 256});
-        channel.offset_x = oneOf({0, 0, 1, -2, INT32_MIN, INT32_MAX});
-        channel.has_limits = oneOf({0, 1, 7});
-        channel.low = oneOf({0, 3, number()});
-        channel.high = oneOf({255, 65535, number()});
-        channel.hidden = oneOf({0, 0, 1});
-        channel.gamma = oneOf({0.0, 1.0, 2.0, 0.5, std::nan(""), HUGE_VAL, -1.0});
-        channel.blend = oneOf({0, 1, 2, number()});
-        return channel;
-    }
-
-private:
-    void* pixels() { return oneOf({true, true, true, true, false}) ? &memory_[2000] : nullptr; }
-    ptrdiff_t step() { return oneOf<ptrdiff_t>({48, 48, 49, 7, 0, -48, -51}); }
-    std::int32_t extent() { return oneOf({3, 3, 3, 3, 3, 7, 0, -1}); }
-    std::int32_t bits() { return oneOf({8, 8, 16, 16, 12}); }
-
-    std::minstd_rand random_;
-    std::array<unsigned char, 4000> memory_{};
-};
-
-TEST(CInterface, AnswersNonsenseWithAReason) {
-    std::vector<std::uint64_t> counts(65536);
-    std::vector<std::uint8_t> colours(768);
-    std::array<int, 2> results{};
-    for (unsigned seed = 0; seed < 20000; ++seed) {
-        Nonsense nonsense(seed);
-        const std::array planes{nonsense.plane(), nonsense.plane()};
-        const std::array channels{nonsense.channel(), nonsense.channel()};
-        const std::array images{nonsense.image(), nonsense.image()};
-        lumetra_image image = nonsense.image();
-        const std::size_t count = nonsense.oneOf<std::size_t>({0, 1, 1, 2, 2});
-        const auto* const some = nonsense.oneOf({true, true, false}) ? planes.data() : nullptr;
-        // The second of an array is where the first says, which has to be in the array.
-        const auto isArray = [](std::size_t size, std::size_t right) {
-            return size <= right || size > 4096;
-        };
-        if (!isArray(planes[0].struct_size, sizeof planes[0]) ||
-            !isArray(images[0].struct_size, sizeof images[0]))
-            continue;
-        std::int32_t low = 0, high = 0;
-        const double percent = channels[0].gamma;
-        for (const std::string& reason : {
-                 answer(lumetra_render, some, channels.data(), count, &image),
-                 answer(lumetra_apply_colormap, some, channels.data(), colours.data(), &image),
-                 answer(lumetra_composite, images.data(), channels.data(), count, &image),
-                 answer(lumetra_project, some, count, nonsense.number(), &image),
-                 answer(lumetra_count_values, some, counts.data()),
-                 answer(lumetra_measure_limits, some, percent, &low, &high),
-                 answer(lumetra_contrast_limits, counts.data(), nonsense.number(), percent, &low,
-                        &high),
-                 answer(lumetra_image_size, some, channels.data(), count, &image),
-             })
-            ++results[reason.empty() ? 1 : 0];
-    }
-    EXPECT_GT(results[0], 1000);
-    EXPECT_GT(results[1], 1000);
 }
 
 } // namespace
