@@ -37,9 +37,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <tuple>
-#include <type_traits>
 
 namespace lumetra {
 namespace {
@@ -48,12 +46,6 @@ constexpr std::pair<ActionId, const char*> keptChoices[] = {
     {ActionId::legend, "legend"},           {ActionId::gray, "graySingle"},
     {ActionId::safeColours, "safeColours"}, {ActionId::keepSettings, "keepSettings"},
     {ActionId::dataRange, "dataRange"},     {ActionId::logarithmic, "logarithmic"}};
-
-/// The choices that change how frames are shown.
-constexpr ActionId viewChoices[] = {
-    ActionId::gray,     ActionId::safeColours,  ActionId::saturated, ActionId::legend,
-    ActionId::panels,   ActionId::colourPanels, ActionId::scaleBar,  ActionId::pseudo,
-    ActionId::inverted, ActionId::dataRange};
 
 /// The file in which the user's custom dyes are kept from run to run. It need not exist; the folder
 /// is made.
@@ -212,7 +204,7 @@ void Window::setIcons() {
 void Window::connectViewer() {
     connect(&viewer_, &Viewer::imageChanged, this, &Window::showImage);
     connect(&viewer_, &Viewer::sourceChanged, this, &Window::showSource);
-    connect(&viewer_, &Viewer::errorOccurred, this, &Window::showError);
+    connect(&viewer_, &Viewer::errorOccurred, messageBar_, &MessageBar::showMessage);
     connect(&viewer_, &Viewer::statusMessage, this, [this](const QString& text) {
         hideError();
         statusLine_->showMessage(text, 4000);
@@ -224,7 +216,7 @@ void Window::connectViewer() {
     connect(&viewer_.model(), &ChannelModel::edited, this, &Window::hideError);
     connect(&monitor_, &FrameMonitor::measured, statusLine_, &StatusLine::showFrameRate);
     connect(&monitor_, &FrameMonitor::stalled, this, [this](double seconds) {
-        showError(tr("No frame from the camera for %1 s").arg(seconds, 0, 'f', 0));
+        messageBar_->showMessage(tr("No frame from the camera for %1 s").arg(seconds, 0, 'f', 0));
     });
     connect(&monitor_, &FrameMonitor::resumed, messageBar_, &QWidget::hide);
     connect(canvas_, &Canvas::hovered, this, &Window::showIntensities);
@@ -236,18 +228,12 @@ void Window::connectViewer() {
 }
 
 /// Lets an action that is triggered do something, or tell why it cannot.
-template<class Do>
-void Window::on(ActionId id, const Do& action) {
-    connect(&(*actions_)[id], &QAction::triggered, this, [this, action](bool isOn) {
+void Window::on(ActionId id, const std::function<void()>& action) {
+    connect(&(*actions_)[id], &QAction::triggered, this, [this, action] {
         try {
-            if constexpr (std::is_invocable_v<Do, Window&>)
-                std::invoke(action, *this);
-            else if constexpr (std::is_invocable_v<Do, bool>)
-                action(isOn);
-            else
-                action();
+            action();
         } catch (const std::runtime_error&) {
-            showError(currentExceptionText());
+            messageBar_->showMessage(currentExceptionText());
         }
     });
 }
@@ -259,16 +245,43 @@ void Window::connectFileActions() {
             [this](const QStringList& files) { viewer_.open(files); });
     on(ActionId::open, [this] { askAndOpen(false); });
     on(ActionId::add, [this] { askAndOpen(true); });
-    on(ActionId::saveImage, &Window::askAndSaveImage);
-    on(ActionId::saveSettings, &Window::askAndSaveSettings);
+    on(ActionId::saveImage, [this] { askAndSaveImage(); });
+    on(ActionId::saveSettings, [this] {
+        const QString file =
+            askForFile(this, tr("Save Channel Settings"),
+                       suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
+        if (!file.isEmpty())
+            viewer_.saveSettings(file, viewer_.model().channels());
+    });
     on(ActionId::copyImage, [this] { QApplication::clipboard()->setImage(viewer_.image()); });
-    on(ActionId::copyCommand, &Window::copyCommand);
-    on(ActionId::copyValues, &Window::copyValues);
-    on(ActionId::batchCommand, &Window::askForBatchCommand);
-    on(ActionId::customDyes, &Window::editCustomDyes);
+    on(ActionId::copyCommand, [this] {
+        QApplication::clipboard()->setText(viewer_.command());
+        statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
+    });
+    on(ActionId::copyValues, [this] { // of the line that was drawn, or the pixel pointed at last
+        const std::vector<QPoint> pixels =
+            line_.isNull() || !(*actions_)[ActionId::profile].isChecked()
+                ? std::vector<QPoint>{pointed_}
+                : pixelsOf(line_);
+        QApplication::clipboard()->setText(
+            intensityTable(pixels, viewer_.intensitiesAt(pixels), viewer_.model().channels()));
+        statusLine_->showMessage(tr("Pixel values copied to the clipboard"), 4000);
+    });
+    on(ActionId::batchCommand, [this] { askForBatchCommand(); });
+    on(ActionId::customDyes, [this] {
+        CustomDyesDialog dialog(customDyes_, this);
+        connect(&dialog, &CustomDyesDialog::changed, this, [&] { setCustomDyes(dialog.dyes()); });
+        dialog.exec();
+    });
     on(ActionId::closeAll, [this] { viewer_.close(); });
-    on(ActionId::quit, &Window::close);
-    on(ActionId::about, &Window::showAbout);
+    on(ActionId::quit, [this] { close(); });
+    on(ActionId::about, [this] {
+        QMessageBox::about(this, tr("About Lumetra Viewer"),
+                           tr("<b>Lumetra Viewer %1</b><p>Viewer for multi-channel fluorescence "
+                              "images, live and from files.<p>Free software under the MIT licence; "
+                              "running with Qt %2.")
+                               .arg(QStringLiteral(LUMETRA_VERSION), QLatin1String(qVersion())));
+    });
     connect(&(*actions_)[ActionId::keepSettings], &QAction::toggled, &viewer_,
             &Viewer::keepSettings);
 }
@@ -278,7 +291,8 @@ void Window::connectFrameActions() {
         on(ActionId::camera1 + (channels - 1),
            [this, channels] { viewer_.simulateCamera(channels); });
     on(ActionId::cameraFromImages, [this] { viewer_.simulateCameraFromImages(); });
-    on(ActionId::live, [this](bool isOn) { isOn ? viewer_.start() : viewer_.stop(); });
+    on(ActionId::live,
+       [this] { (*actions_)[ActionId::live].isChecked() ? viewer_.start() : viewer_.stop(); });
     on(ActionId::snap, [this] {
         viewer_.stop();
         viewer_.snap();
@@ -303,21 +317,21 @@ void Window::connectViewActions() {
     on(ActionId::actualSize, [this] { canvas_->actualSize(); });
     on(ActionId::zoomIn, [this] { canvas_->zoom(step); });
     on(ActionId::zoomOut, [this] { canvas_->zoom(1 / step); });
-    on(ActionId::pixelSize, &Window::askPixelSize);
-    on(ActionId::scaleBar, [this](bool isOn) {
-        if (isOn && viewer_.hasSource() && !viewer_.pixelSize())
+    on(ActionId::pixelSize, [this] { askPixelSize(); });
+    on(ActionId::scaleBar, [this] {
+        if ((*actions_)[ActionId::scaleBar].isChecked() && viewer_.hasSource() &&
+            !viewer_.pixelSize())
             askPixelSize();
     });
-    on(ActionId::fullScreen, [this](bool isOn) { isOn ? showFullScreen() : showNormal(); });
-    for (const ActionId choice : viewChoices)
-        connect(&(*actions_)[choice], &QAction::toggled, this, &Window::updateOptions);
+    on(ActionId::fullScreen,
+       [this] { (*actions_)[ActionId::fullScreen].isChecked() ? showFullScreen() : showNormal(); });
+    for (const QAction* action : QWidget::actions())
+        connect(action, &QAction::toggled, this, &Window::updateOptions);
     connect(&(*actions_)[ActionId::profile], &QAction::toggled, canvas_, &Canvas::drawLines);
-    connect(&(*actions_)[ActionId::logarithmic], &QAction::toggled, this, [this](bool isOn) {
-        panel_->levelEditor().setLogarithmic(isOn);
-        saving_.start();
-    });
+    connect(&(*actions_)[ActionId::logarithmic], &QAction::toggled, &panel_->levelEditor(),
+            &LevelEditor::setLogarithmic);
     connect(panel_, &ChannelPanel::saturatedPercentChanged, this, &Window::updateOptions);
-    connect(lutBox_, &LutBox::errorOccurred, this, &Window::showError);
+    connect(lutBox_, &LutBox::errorOccurred, messageBar_, &MessageBar::showMessage);
     connect(lutBox_, &LutBox::lutChosen, this, [this] {
         (*actions_)[ActionId::pseudo].setChecked(true);
         updateOptions();
@@ -359,7 +373,7 @@ void Window::restoreCustomDyes() {
         customDyes_ = readCustomDyes(customDyesFile());
         viewer_.model().setCustomDyes(asDyes(customDyes_));
     } catch (const std::runtime_error&) {
-        showError(currentExceptionText());
+        messageBar_->showMessage(currentExceptionText());
     }
 }
 
@@ -372,14 +386,8 @@ void Window::setCustomDyes(const CustomDyes& dyes) {
         else
             writeCustomDyes(dyes, customDyesFile());
     } catch (const std::runtime_error&) {
-        showError(currentExceptionText());
+        messageBar_->showMessage(currentExceptionText());
     }
-}
-
-void Window::editCustomDyes() {
-    CustomDyesDialog dialog(customDyes_, this);
-    connect(&dialog, &CustomDyesDialog::changed, this, [&] { setCustomDyes(dialog.dyes()); });
-    dialog.exec();
 }
 
 void Window::askAndOpen(bool adds) {
@@ -408,14 +416,6 @@ void Window::askAndSaveImage() {
         viewer_.saveImage(file, snapshot);
 }
 
-void Window::askAndSaveSettings() {
-    const QString file =
-        askForFile(this, tr("Save Channel Settings"),
-                   suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
-    if (!file.isEmpty())
-        viewer_.saveSettings(file, viewer_.model().channels());
-}
-
 void Window::askPixelSize() {
     const auto known = viewer_.pixelSize();
     const QLocale locale;
@@ -431,7 +431,7 @@ void Window::askPixelSize() {
     if (isGiven && isNumber && size >= smallest && size <= largest)
         viewer_.setPixelSize(size);
     else if (isGiven)
-        showError(tr("\"%1\" is not a pixel size").arg(text));
+        messageBar_->showMessage(tr("\"%1\" is not a pixel size").arg(text));
     if (!viewer_.pixelSize())
         (*actions_)[ActionId::scaleBar].setChecked(false);
 }
@@ -453,29 +453,6 @@ void Window::askForBatchCommand() {
         line);
 }
 
-void Window::copyCommand() {
-    QApplication::clipboard()->setText(viewer_.command());
-    statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
-}
-
-/// The pixel that was pointed at last, or the line that was drawn, as a table.
-void Window::copyValues() {
-    const std::vector<QPoint> pixels = line_.isNull() || !(*actions_)[ActionId::profile].isChecked()
-                                           ? std::vector<QPoint>{pointed_}
-                                           : pixelsOf(line_);
-    QApplication::clipboard()->setText(
-        intensityTable(pixels, viewer_.intensitiesAt(pixels), viewer_.model().channels()));
-    statusLine_->showMessage(tr("Pixel values copied to the clipboard"), 4000);
-}
-
-void Window::showAbout() {
-    QMessageBox::about(this, tr("About Lumetra Viewer"),
-                       tr("<b>Lumetra Viewer %1</b><p>Viewer for multi-channel fluorescence "
-                          "images, live and from files.<p>Free software under the MIT licence; "
-                          "running with Qt %2.")
-                           .arg(QStringLiteral(LUMETRA_VERSION), QLatin1String(qVersion())));
-}
-
 void Window::showImage() {
     const RenderedFrame& rendered = viewer_.rendered();
     const int width = rendered.screens.empty() ? 0 : rendered.screens.back().cols;
@@ -486,7 +463,7 @@ void Window::showImage() {
     canvas_->setImages(rendered.screens, !viewer_.isRunning());
     if (rendered.problem != renderProblem_) {
         renderProblem_ = rendered.problem;
-        renderProblem_.isEmpty() ? hideError() : showError(renderProblem_);
+        renderProblem_.isEmpty() ? hideError() : messageBar_->showMessage(renderProblem_);
     }
     stackBar_->showPosition(rendered.position);
     if (viewer_.isRunning() && pointed_.x() >= 0)
@@ -498,22 +475,23 @@ void Window::showImage() {
 void Window::showSource() {
     const QString title = viewer_.title();
     setWindowTitle(title.isEmpty() ? tr("Lumetra Viewer") : tr("%1 — Lumetra Viewer").arg(title));
-    const bool isCamera = viewer_.isCamera();
     const Axes axes = viewer_.axes();
     const bool hasSlices = axes.slices > 1, hasFrames = axes.frames > 1;
     Actions& act = *actions_;
-    for (const ActionId id : {ActionId::saveImage, ActionId::saveSettings, ActionId::copyImage,
-                              ActionId::copyCommand, ActionId::copyValues, ActionId::batchCommand,
-                              ActionId::closeAll, ActionId::cameraFromImages, ActionId::pixelSize})
-        act[id].setEnabled(viewer_.hasSource());
+    const std::pair<bool, std::vector<ActionId>> enabled[] = {
+        {viewer_.hasSource(),
+         {ActionId::saveImage, ActionId::saveSettings, ActionId::copyImage, ActionId::copyCommand,
+          ActionId::copyValues, ActionId::batchCommand, ActionId::closeAll,
+          ActionId::cameraFromImages, ActionId::pixelSize}},
+        {viewer_.isCamera(), {ActionId::snap}},
+        {viewer_.isCamera() || hasSlices || hasFrames, {ActionId::live}},
+        {hasSlices, {ActionId::previousSlice, ActionId::nextSlice}},
+        {hasFrames, {ActionId::previousFrame, ActionId::nextFrame}}};
+    for (const auto& [isEnabled, ids] : enabled)
+        for (const ActionId id : ids)
+            act[id].setEnabled(isEnabled);
     act[ActionId::live].setText(hasSlices || hasFrames ? tr("P&lay") : tr("&Live"));
-    act[ActionId::live].setEnabled(isCamera || hasSlices || hasFrames);
     act[ActionId::live].setChecked(viewer_.isRunning());
-    act[ActionId::snap].setEnabled(isCamera);
-    for (const ActionId id : {ActionId::previousSlice, ActionId::nextSlice})
-        act[id].setEnabled(hasSlices);
-    for (const ActionId id : {ActionId::previousFrame, ActionId::nextFrame})
-        act[id].setEnabled(hasFrames);
     stackBar_->setAxes(axes, viewer_.hasPages());
     statusLine_->showPixelSize(viewer_.hasSource() ? viewer_.pixelSize() : std::nullopt);
     if (viewer_.hasSource() && !viewer_.pixelSize() && act[ActionId::scaleBar].isChecked()) {
@@ -522,8 +500,6 @@ void Window::showSource() {
     }
     updateOptions();
 }
-
-void Window::showError(const QString& reason) { messageBar_->showMessage(reason); }
 
 /// What is mended need not be told any longer.
 void Window::hideError() {

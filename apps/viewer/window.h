@@ -10,6 +10,8 @@
 #include <QMainWindow>
 #include <QTimer>
 
+#include <functional>
+
 class QDoubleSpinBox;
 
 namespace lumetra {
@@ -49,8 +51,7 @@ private:
                  Qt::DockWidgetArea area, ActionId id);
     void makeToolBar();
     void setIcons();
-    template<class Do>
-    void on(ActionId id, const Do& action);
+    void on(ActionId id, const std::function<void()>& action);
     void connectViewer();
     void connectFileActions();
     void connectFrameActions();
@@ -61,21 +62,15 @@ private:
 
     void askAndOpen(bool adds);
     void askAndSaveImage();
-    void askAndSaveSettings();
     void askPixelSize();
     void askForBatchCommand();
     QString suggestedFile(const QString& ending) const;
-    void copyCommand();
-    void copyValues();
-    void editCustomDyes();
-    void showAbout();
 
     void showImage();
     void showSource();
     void showIntensities(QPoint pixel);
     void showProfile(QLine line);
     void showChannels();
-    void showError(const QString& reason);
     void hideError();
     void updateOptions();
     std::optional<ScaleBar> scaleBar() const;
