@@ -84,12 +84,10 @@ double roundLength(double micrometres) {
     return power;
 }
 
-Window::Window() {
+Window::Window() : canvas_(new Canvas(this)), actions_(*this, *canvas_) {
     setAcceptDrops(true);
-    const QSize room = screen()->availableSize();
-    resize(QSize(1360, 900).boundedTo(room * 0.95));
+    resize(QSize(1360, 900).boundedTo(screen()->availableSize() * 0.95));
     makeCentre();
-    actions_ = std::make_unique<Actions>(*this, *canvas_);
     makeDocks();
     makeToolBar();
     setIcons();
@@ -116,7 +114,6 @@ void Window::makeCentre() {
     auto* centre = new QWidget(this);
     messageBar_ = new MessageBar(centre);
     stackBar_ = new StackBar(centre);
-    canvas_ = new Canvas(centre);
     lutBar_ = new LutBar(centre);
     lutBar_->hide();
     auto* row = new QHBoxLayout;
@@ -133,7 +130,7 @@ void Window::makeCentre() {
 }
 
 void Window::makeDocks() {
-    panel_ = new ChannelPanel(viewer_.model(), *actions_, this);
+    panel_ = new ChannelPanel(viewer_.model(), actions_, this);
     auto* scroll = new QScrollArea(this); // for small screens
     scroll->setWidget(panel_);
     scroll->setWidgetResizable(true);
@@ -145,7 +142,7 @@ void Window::makeDocks() {
     profile_ = new ProfileView(this);
     addDock(tr("Line Profile"), QStringLiteral("profile"), profile_, Qt::BottomDockWidgetArea,
             ActionId::profile);
-    (*actions_)[ActionId::channelPanel].setChecked(true);
+    actions_[ActionId::channelPanel].setChecked(true);
 }
 
 /// Adds a dock that an action shows and hides.
@@ -155,7 +152,7 @@ void Window::addDock(const QString& title, const QString& name, QWidget* content
     dock->setObjectName(name);
     dock->setWidget(content);
     addDockWidget(area, dock);
-    QAction& action = (*actions_)[id];
+    QAction& action = actions_[id];
     dock->setVisible(false);
     connect(&action, &QAction::toggled, dock, &QDockWidget::setVisible);
     connect(dock->toggleViewAction(), &QAction::toggled, &action, &QAction::setChecked);
@@ -166,11 +163,10 @@ void Window::makeToolBar() {
     bar->setObjectName(QStringLiteral("tools"));
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    Actions& act = *actions_;
-    act[ActionId::open].setIconText(tr("Open"));
-    act[ActionId::saveImage].setIconText(tr("Save"));
-    act[ActionId::fit].setIconText(tr("Fit"));
-    act[ActionId::panels].setIconText(tr("Panels"));
+    actions_[ActionId::open].setIconText(tr("Open"));
+    actions_[ActionId::saveImage].setIconText(tr("Save"));
+    actions_[ActionId::fit].setIconText(tr("Fit"));
+    actions_[ActionId::panels].setIconText(tr("Panels"));
     rate_ = new QDoubleSpinBox(bar);
     rate_->setRange(0.1, 100);
     rate_->setDecimals(1);
@@ -178,13 +174,14 @@ void Window::makeToolBar() {
     rate_->setKeyboardTracking(false);
     rate_->setAccessibleName(tr("Frames per second"));
     lutBox_ = new LutBox(bar);
-    bar->addActions({&act[ActionId::open], &act[ActionId::saveImage]});
+    bar->addActions({&actions_[ActionId::open], &actions_[ActionId::saveImage]});
     bar->addSeparator();
-    bar->addActions({&act[ActionId::live], &act[ActionId::snap]});
+    bar->addActions({&actions_[ActionId::live], &actions_[ActionId::snap]});
     bar->addWidget(rate_);
     bar->addSeparator();
-    bar->addActions({&act[ActionId::fit], &act[ActionId::actualSize], &act[ActionId::legend],
-                     &act[ActionId::scaleBar], &act[ActionId::panels], &act[ActionId::pseudo]});
+    bar->addActions({&actions_[ActionId::fit], &actions_[ActionId::actualSize],
+                     &actions_[ActionId::legend], &actions_[ActionId::scaleBar],
+                     &actions_[ActionId::panels], &actions_[ActionId::pseudo]});
     bar->addWidget(lutBox_);
 }
 
@@ -197,7 +194,7 @@ void Window::setIcons() {
         {ActionId::redo, "edit-redo", QStyle::SP_ArrowForward},
         {ActionId::closeAll, "document-close", QStyle::SP_DialogCloseButton}};
     for (const auto& [id, name, standard] : icons)
-        (*actions_)[id].setIcon(
+        actions_[id].setIcon(
             QIcon::fromTheme(QLatin1String(name), style()->standardIcon(standard)));
 }
 
@@ -229,7 +226,7 @@ void Window::connectViewer() {
 
 /// Lets an action that is triggered do something, or tell why it cannot.
 void Window::on(ActionId id, const std::function<void()>& action) {
-    connect(&(*actions_)[id], &QAction::triggered, this, [this, action] {
+    connect(&actions_[id], &QAction::triggered, this, [this, action] {
         try {
             action();
         } catch (const std::runtime_error&) {
@@ -240,7 +237,7 @@ void Window::on(ActionId id, const std::function<void()>& action) {
 
 void Window::connectFileActions() {
     recent_ = new RecentMenu(this);
-    (*actions_)[ActionId::recent].setMenu(recent_);
+    actions_[ActionId::recent].setMenu(recent_);
     connect(recent_, &RecentMenu::chosen, this,
             [this](const QStringList& files) { viewer_.open(files); });
     on(ActionId::open, [this] { askAndOpen(false); });
@@ -260,7 +257,7 @@ void Window::connectFileActions() {
     });
     on(ActionId::copyValues, [this] { // of the line that was drawn, or the pixel pointed at last
         const std::vector<QPoint> pixels =
-            line_.isNull() || !(*actions_)[ActionId::profile].isChecked()
+            line_.isNull() || !actions_[ActionId::profile].isChecked()
                 ? std::vector<QPoint>{pointed_}
                 : pixelsOf(line_);
         QApplication::clipboard()->setText(
@@ -282,8 +279,7 @@ void Window::connectFileActions() {
                               "running with Qt %2.")
                                .arg(QStringLiteral(LUMETRA_VERSION), QLatin1String(qVersion())));
     });
-    connect(&(*actions_)[ActionId::keepSettings], &QAction::toggled, &viewer_,
-            &Viewer::keepSettings);
+    connect(&actions_[ActionId::keepSettings], &QAction::toggled, &viewer_, &Viewer::keepSettings);
 }
 
 void Window::connectFrameActions() {
@@ -292,7 +288,7 @@ void Window::connectFrameActions() {
            [this, channels] { viewer_.simulateCamera(channels); });
     on(ActionId::cameraFromImages, [this] { viewer_.simulateCameraFromImages(); });
     on(ActionId::live,
-       [this] { (*actions_)[ActionId::live].isChecked() ? viewer_.start() : viewer_.stop(); });
+       [this] { actions_[ActionId::live].isChecked() ? viewer_.start() : viewer_.stop(); });
     on(ActionId::snap, [this] {
         viewer_.stop();
         viewer_.snap();
@@ -319,21 +315,20 @@ void Window::connectViewActions() {
     on(ActionId::zoomOut, [this] { canvas_->zoom(1 / step); });
     on(ActionId::pixelSize, [this] { askPixelSize(); });
     on(ActionId::scaleBar, [this] {
-        if ((*actions_)[ActionId::scaleBar].isChecked() && viewer_.hasSource() &&
-            !viewer_.pixelSize())
+        if (actions_[ActionId::scaleBar].isChecked() && viewer_.hasSource() && !viewer_.pixelSize())
             askPixelSize();
     });
     on(ActionId::fullScreen,
-       [this] { (*actions_)[ActionId::fullScreen].isChecked() ? showFullScreen() : showNormal(); });
+       [this] { actions_[ActionId::fullScreen].isChecked() ? showFullScreen() : showNormal(); });
     for (const QAction* action : QWidget::actions())
         connect(action, &QAction::toggled, this, &Window::updateOptions);
-    connect(&(*actions_)[ActionId::profile], &QAction::toggled, canvas_, &Canvas::drawLines);
-    connect(&(*actions_)[ActionId::logarithmic], &QAction::toggled, &panel_->levelEditor(),
+    connect(&actions_[ActionId::profile], &QAction::toggled, canvas_, &Canvas::drawLines);
+    connect(&actions_[ActionId::logarithmic], &QAction::toggled, &panel_->levelEditor(),
             &LevelEditor::setLogarithmic);
     connect(panel_, &ChannelPanel::saturatedPercentChanged, this, &Window::updateOptions);
     connect(lutBox_, &LutBox::errorOccurred, messageBar_, &MessageBar::showMessage);
     connect(lutBox_, &LutBox::lutChosen, this, [this] {
-        (*actions_)[ActionId::pseudo].setChecked(true);
+        actions_[ActionId::pseudo].setChecked(true);
         updateOptions();
     });
     connect(panel_, &ChannelPanel::currentRowChanged, this, &Window::updateOptions);
@@ -348,9 +343,9 @@ void Window::restoreState() {
     rate_->setValue(kept.value(QStringLiteral("rate"), viewer_.rate()).toDouble());
     lutBox_->setLut(kept.value(QStringLiteral("lut"), lutBox_->lut()).toString());
     for (const ActionId id : {ActionId::keepSettings, ActionId::logarithmic})
-        (*actions_)[id].setChecked(true);
+        actions_[id].setChecked(true);
     for (const auto& [id, key] : keptChoices) {
-        QAction& choice = (*actions_)[id];
+        QAction& choice = actions_[id];
         choice.setChecked(kept.value(QLatin1String(key), choice.isChecked()).toBool());
     }
 }
@@ -363,7 +358,7 @@ void Window::saveState() {
     kept.setValue(QStringLiteral("rate"), rate_->value());
     kept.setValue(QStringLiteral("lut"), lutBox_->lut());
     for (const auto& [id, key] : keptChoices)
-        kept.setValue(QLatin1String(key), (*actions_)[id].isChecked());
+        kept.setValue(QLatin1String(key), actions_[id].isChecked());
 }
 
 void Window::restoreCustomDyes() {
@@ -433,7 +428,7 @@ void Window::askPixelSize() {
     else if (isGiven)
         messageBar_->showMessage(tr("\"%1\" is not a pixel size").arg(text));
     if (!viewer_.pixelSize())
-        (*actions_)[ActionId::scaleBar].setChecked(false);
+        actions_[ActionId::scaleBar].setChecked(false);
 }
 
 void Window::askForBatchCommand() {
@@ -468,7 +463,7 @@ void Window::showImage() {
     stackBar_->showPosition(rendered.position);
     if (viewer_.isRunning() && pointed_.x() >= 0)
         showIntensities(pointed_);
-    if ((*actions_)[ActionId::profile].isChecked())
+    if (actions_[ActionId::profile].isChecked())
         showProfile(line_);
 }
 
@@ -477,7 +472,6 @@ void Window::showSource() {
     setWindowTitle(title.isEmpty() ? tr("Lumetra Viewer") : tr("%1 — Lumetra Viewer").arg(title));
     const Axes axes = viewer_.axes();
     const bool hasSlices = axes.slices > 1, hasFrames = axes.frames > 1;
-    Actions& act = *actions_;
     const std::pair<bool, std::vector<ActionId>> enabled[] = {
         {viewer_.hasSource(),
          {ActionId::saveImage, ActionId::saveSettings, ActionId::copyImage, ActionId::copyCommand,
@@ -489,13 +483,13 @@ void Window::showSource() {
         {hasFrames, {ActionId::previousFrame, ActionId::nextFrame}}};
     for (const auto& [isEnabled, ids] : enabled)
         for (const ActionId id : ids)
-            act[id].setEnabled(isEnabled);
-    act[ActionId::live].setText(hasSlices || hasFrames ? tr("P&lay") : tr("&Live"));
-    act[ActionId::live].setChecked(viewer_.isRunning());
+            actions_[id].setEnabled(isEnabled);
+    actions_[ActionId::live].setText(hasSlices || hasFrames ? tr("P&lay") : tr("&Live"));
+    actions_[ActionId::live].setChecked(viewer_.isRunning());
     stackBar_->setAxes(axes, viewer_.hasPages());
     statusLine_->showPixelSize(viewer_.hasSource() ? viewer_.pixelSize() : std::nullopt);
-    if (viewer_.hasSource() && !viewer_.pixelSize() && act[ActionId::scaleBar].isChecked()) {
-        act[ActionId::scaleBar].setChecked(false);
+    if (viewer_.hasSource() && !viewer_.pixelSize() && actions_[ActionId::scaleBar].isChecked()) {
+        actions_[ActionId::scaleBar].setChecked(false);
         statusLine_->showMessage(tr("No scale bar: the pixel size is not known"), 4000);
     }
     updateOptions();
@@ -528,26 +522,25 @@ void Window::showChannels() {
 
 std::optional<ScaleBar> Window::scaleBar() const {
     const auto size = viewer_.pixelSize();
-    if (!(*actions_)[ActionId::scaleBar].isChecked() || !size || imageWidth_ == 0)
+    if (!actions_[ActionId::scaleBar].isChecked() || !size || imageWidth_ == 0)
         return std::nullopt;
     return ScaleBar{roundLength(imageWidth_ * *size), *size};
 }
 
 void Window::updateOptions() {
-    Actions& act = *actions_;
     ViewOptions options;
-    options.graySingle = act[ActionId::gray].isChecked();
-    options.safeColours = act[ActionId::safeColours].isChecked();
-    options.marksSaturated = act[ActionId::saturated].isChecked();
-    options.annotation = {act[ActionId::legend].isChecked(), scaleBar()};
-    if (act[ActionId::pseudo].isChecked())
-        options.lut = LutChoice{lutBox_->lut(), act[ActionId::inverted].isChecked()};
+    options.graySingle = actions_[ActionId::gray].isChecked();
+    options.safeColours = actions_[ActionId::safeColours].isChecked();
+    options.marksSaturated = actions_[ActionId::saturated].isChecked();
+    options.annotation = {actions_[ActionId::legend].isChecked(), scaleBar()};
+    if (actions_[ActionId::pseudo].isChecked())
+        options.lut = LutChoice{lutBox_->lut(), actions_[ActionId::inverted].isChecked()};
     options.pseudoChannel = std::max(panel_->currentRow(), 0);
-    if (act[ActionId::panels].isChecked())
-        options.panels =
-            act[ActionId::colourPanels].isChecked() ? PanelColours::colour : PanelColours::gray;
+    if (actions_[ActionId::panels].isChecked())
+        options.panels = actions_[ActionId::colourPanels].isChecked() ? PanelColours::colour
+                                                                      : PanelColours::gray;
     options.saturatedPercent = panel_->saturatedPercent();
-    options.showsDataRange = act[ActionId::dataRange].isChecked();
+    options.showsDataRange = actions_[ActionId::dataRange].isChecked();
     viewer_.setOptions(options);
     lutBar_->setVisible(options.lut.has_value() && viewer_.hasSource());
     showChannels();

@@ -33,7 +33,7 @@ public:
     ~Window() override;
 
     Viewer& viewer() { return viewer_; }
-    Actions& actions() { return *actions_; }
+    Actions& actions() { return actions_; }
 
     /// Replaces the user's custom dyes, and keeps them.
     void setCustomDyes(const CustomDyes& dyes);
@@ -77,7 +77,8 @@ private:
 
     Viewer viewer_;
     FrameMonitor monitor_{viewer_};
-    Canvas* canvas_ = nullptr;
+    Canvas* canvas_;
+    Actions actions_;
     ChannelPanel* panel_ = nullptr;
     LutBar* lutBar_ = nullptr;
     LutBox* lutBox_ = nullptr;
@@ -87,7 +88,6 @@ private:
     StackBar* stackBar_ = nullptr;
     StatusLine* statusLine_ = nullptr;
     QDoubleSpinBox* rate_ = nullptr;
-    std::unique_ptr<Actions> actions_;
     QTimer saving_; ///< Of preferences, when they have rested for a moment.
     QPoint pointed_{-1, -1};
     QLine line_;
