@@ -246,8 +246,8 @@ void ChannelPanel::connectActions(const Actions& actions) {
         });
     onSelected(Id::solo, &ChannelModel::solo);
     onAll(Id::showAll, &ChannelModel::showAll);
-    for (const auto& [id, by] : {std::pair(Id::moveUp, -1), std::pair(Id::moveDown, 1)})
-        onSelected(id, [this, by = by](ChannelModel& m, int row) {
+    for (const int by : {-1, 1})
+        onSelected(by < 0 ? Id::moveUp : Id::moveDown, [this, by](ChannelModel& m, int row) {
             m.move(row, by);
             setCurrentRow(std::clamp(row + by, 0, std::max(m.size() - 1, 0)));
         });
