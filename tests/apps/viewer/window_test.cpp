@@ -262,6 +262,11 @@ void WindowTest::fieldsKeepTheirKeys() {
     QTest::keyClick(black, Qt::Key_Up);
     QCOMPARE(model().channel(0).levels->low, 130); // in steps that suit the number
     QVERIFY(model().channel(0).offset == cv::Point());
+    for (const char* next : {"White level", "Gamma"}) { // in the order that is seen
+        QTest::keyClick(window_->focusWidget(), Qt::Key_Tab);
+        const auto* box = qobject_cast<QCheckBox*>(window_->focusWidget());
+        QCOMPARE(box ? box->text() : window_->focusWidget()->accessibleName(), QString(next));
+    }
     part<Canvas>()->setFocus();
     turnWheel(*black, {3, 3}, 1); // scrolls a small window
     QCOMPARE(model().channel(0).levels->low, 130);
@@ -828,6 +833,8 @@ void WindowTest::choicesAreKeptWithoutAClose() {
     QTRY_VERIFY(QSettings().contains("geometry")); // of the start
     act(ActionId::safeColours).setChecked(true);
     QTRY_VERIFY(QSettings().value("safeColours").toBool());
+    act(ActionId::keepSettings).setChecked(false); // which changes no image
+    QTRY_VERIFY(!QSettings().value("keepSettings", true).toBool());
     openTwo();
     window_ = std::make_unique<Window>();
     QVERIFY(act(ActionId::safeColours).isChecked());
