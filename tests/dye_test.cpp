@@ -57,16 +57,16 @@ TEST(Dye, ComponentsOfAnyValueFollowTheFormula) {
     }
 }
 
-/// Totals that stand in the last column; those of equal channels go to the lower one.
+/// Totals that stand in one column, the last one at times; of equal channels the lower one counts.
 TEST(Dye, TheLargestTotalIsDominantWhereverItComesFrom) {
     for (const cv::Vec3b& totals :
          {cv::Vec3b(5, 5, 5), {5, 5, 4}, {4, 5, 5}, {5, 4, 5}, {1, 2, 3}, {3, 2, 1}, {1, 3, 2}})
-        for (int width : {4, 2049, 4100})
+        for (auto [width, column] : {std::pair(4, 3), {2049, 2048}, {4100, 4099}, {4100, 7}})
             for (int depth : {CV_8U, CV_32F}) {
                 // The first row tells the channels apart, the other nine make the totals.
                 cv::Mat image = cv::Mat::zeros(10, width, CV_8UC3);
                 fillSamples(image.row(0), [](int, int x, int c) { return x == c ? 200 : 0; });
-                image(cv::Rect(width - 1, 1, 1, 9)).setTo(totals);
+                image(cv::Rect(column, 1, 1, 9)).setTo(totals);
                 image.convertTo(image, depth);
                 expectFormula(image, {255, 255, 255});
             }

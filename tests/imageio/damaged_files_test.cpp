@@ -43,6 +43,8 @@ TEST(DamagedFiles, OfEveryLengthButTheirOwnAreRefused) {
         store(file, files[i].left(whole - 1));
         EXPECT_THROW(ImageFile(file).page(1), FileError) << i;
     }
+    store(file, files[0].left(files[0].size() - 1));
+    EXPECT_THROW(ImageFile(file).metadata(), FileError); // before its pixels are read
 }
 
 TEST(DamagedFiles, TakeNoMemoryForWhatTheyOnlyClaim) {

@@ -112,6 +112,7 @@ TEST(Histogram, CutsOffAShareOfSortedValues) {
         EXPECT_EQ(histogram.clipped(percent), expected) << percent;
     }
     EXPECT_EQ(histogram.percentile(50), sorted[499]);
+    EXPECT_EQ(histogram.percentile(49.96), sorted[499]);
     EXPECT_EQ(histogram.percentile(0), sorted[0]);
     EXPECT_EQ(histogram.percentile(100), sorted[999]);
 }
