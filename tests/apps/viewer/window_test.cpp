@@ -235,6 +235,7 @@ void WindowTest::keysSwitchAndMoveChannels() {
     press(Qt::Key_Z, Qt::ControlModifier);
     QVERIFY(model().channel(0).visible);
     press(Qt::Key_Down, Qt::ControlModifier);
+    QVERIFY((model().planes() == std::vector<size_t>{0, 1})); // it was the last one
     press(Qt::Key_Up, Qt::ControlModifier);
     QCOMPARE(part<ChannelPanel>()->currentRow(), 0);
     QVERIFY((model().planes() == std::vector<size_t>{1, 0}));
