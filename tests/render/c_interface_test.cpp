@@ -190,6 +190,27 @@ TEST(CInterface, RefusesWithAReason) {
         EXPECT_EQ(std::string(cut), std::string(reason).substr(0, 4));
     }
     EXPECT_EQ(lumetra_render(&good, nullptr, 0, nullptr, nullptr, 0), LUMETRA_FAILED);
+
+    // A list whose elements say different sizes, the second one more than there is.
+    const lumetra_channel channel = channelOf(red);
+    lumetra_plane planes[2] = {good, good};
+    planes[1].struct_size += 8;
+    lumetra_image image{sizeof image, nullptr, 0, 0, 0, 0, LUMETRA_BGR};
+    const lumetra_channel channels[2] = {channel, channel};
+    EXPECT_EQ(lumetra_image_size(planes, channels, 2, &image, nullptr, 0), LUMETRA_FAILED);
+
+    // Between the characters, wherever the memory ends.
+    char whole[200] = "";
+    std::vector<std::uint8_t> colours(768);
+    EXPECT_EQ(lumetra_find_colormap("äöü", colours.data(), whole, 200), LUMETRA_FAILED);
+    const std::size_t first = std::strcspn(whole, "\xC3");
+    for (std::size_t bytes = 1; bytes < first + 10; ++bytes) {
+        std::vector<char> cut(bytes);
+        lumetra_find_colormap("äöü", colours.data(), cut.data(), bytes);
+        const std::size_t room = bytes - 1;
+        const std::size_t inside = room > first && room < first + 6 ? (room - first) % 2 : 0;
+        EXPECT_EQ(std::string(cut.data()), std::string(whole).substr(0, room - inside));
+    }
 }
 
 TEST(CInterface, KnowsDyesColormapsAndLimits) {
