@@ -186,6 +186,26 @@ TEST(CInterface, RefusesWithAReason) {
         EXPECT_EQ(std::string(cut), reason.substr(0, 4));
     }
     EXPECT_EQ(lumetra_render(nullptr, nullptr, 0, nullptr, nullptr, 0), LUMETRA_FAILED);
+
+    // A list whose elements say different sizes, the second one more than there is.
+    const lumetra_channel channels[2] = {channelOf(plainRed), channelOf(plainRed)};
+    lumetra_plane planes[2] = {planeOf(plane), planeOf(plane)};
+    planes[1].struct_size += 8;
+    lumetra_image image = imageOf(rows, LUMETRA_BGR);
+    EXPECT_NE(answer(lumetra_image_size, planes, channels, 2U, &image), "");
+
+    // Between the characters, wherever the memory ends.
+    char whole[200] = "";
+    std::vector<std::uint8_t> colours(768);
+    EXPECT_EQ(lumetra_find_colormap("äöü", colours.data(), whole, 200), LUMETRA_FAILED);
+    const std::size_t first = std::strcspn(whole, "\xC3");
+    for (std::size_t bytes = 1; bytes < first + 10; ++bytes) {
+        std::vector<char> cut(bytes);
+        lumetra_find_colormap("äöü", colours.data(), cut.data(), bytes);
+        const std::size_t room = bytes - 1;
+        const std::size_t inside = room > first && room < first + 6 ? (room - first) % 2 : 0;
+        EXPECT_EQ(std::string(cut.data()), std::string(whole).substr(0, room - inside));
+    }
 }
 
 TEST(CInterface, KnowsDyesAndColormaps) {
