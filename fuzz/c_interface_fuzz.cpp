@@ -42,7 +42,8 @@ public:
         : isMissing_(seldom(input)) {
         const bool isOther = seldom(input);
         const auto stride = isOther ? static_cast<std::size_t>(number(input, 1, 4200)) : usual;
-        memory_.resize(whole.size() * std::max(stride, sizeof stride), 0xA5);
+        const std::size_t room = std::max(stride, sizeof stride); // which tells the stride at least
+        memory_.resize(whole.size() * room, 0xA5);
         if (!whole.empty() && (isMissing_ || !isSize(stride)))
             seen_.reset();
         for (std::size_t i = 0; i < whole.size(); ++i) {
@@ -53,8 +54,8 @@ public:
                 if (each.struct_size != stride)
                     seen_.reset();
             }
-            unsigned char* place = memory_.data() + i * stride;
-            std::memcpy(place, &each, std::min(std::max(stride, sizeof stride), usual));
+            unsigned char* place = memory_.data() + i * room;
+            std::memcpy(place, &each, std::min(room, usual));
             if (seen_)
                 std::memcpy(&seen_->emplace_back(), place, std::min(stride, usual));
         }
