@@ -27,7 +27,6 @@ load setup
     lumetra batch "$pattern" --channel dapi=DAPI -o 'out\{field}.png' --overwrite --quiet
     [ "$(ls out | wc -l)" = 10 ]
   done
-  fails 2 'both' lumetra merge "${here}/a.tif=DAPI" 'b.tif=FITC' -o 'both\x.png' --levels 1 || true
 }
 
 @test "the standard output takes images and lines byte for byte" {
