@@ -24,7 +24,12 @@ using namespace lumetra;
 void writeReason(const char* text, char* reason, std::size_t bytes) {
     if (!reason || bytes == 0)
         return;
-    const std::size_t length = std::min(std::strlen(text), bytes - 1);
+    const auto isWithinCharacter = [](char next) {
+        return (static_cast<unsigned char>(next) & 0xC0) == 0x80;
+    };
+    std::size_t length = std::min(std::strlen(text), bytes - 1);
+    while (length > 0 && isWithinCharacter(text[length]))
+        --length;
     std::memcpy(reason, text, length);
     reason[length] = '\0';
 }
@@ -76,7 +81,11 @@ Struct current(const void* given) {
 template<class Struct>
 Struct elementOf(const Struct* array, std::size_t i) {
     require(array, "a structure is missing");
-    return current<Struct>(reinterpret_cast<const unsigned char*>(array) + i * array->struct_size);
+    const auto* const place =
+        reinterpret_cast<const unsigned char*>(array) + i * array->struct_size;
+    require(std::memcmp(place, array, sizeof array->struct_size) == 0,
+            "the structures of a list have different sizes");
+    return current<Struct>(place);
 }
 
 /// Gives a structure back as far as the caller has it.

@@ -56,11 +56,19 @@ public:
         return most_ - before;
     }
 
+    /// How many images a call takes memory for.
+    int takenDuring(const std::function<void()>& call) {
+        const int before = taken_;
+        call();
+        return taken_ - before;
+    }
+
 private:
     uchar* take(std::size_t size) const override {
         if (refusal.isNow())
             CV_Error(cv::Error::StsNoMem, "refused");
         most_ = std::max(most_, ++images_);
+        ++taken_;
         ++liveBlocks;
         return std::fill_n(static_cast<uchar*>(std::malloc(size)), size, uchar{0xA5}) - size;
     }
@@ -71,6 +79,7 @@ private:
 
     mutable int images_ = 0;
     mutable int most_ = 0;
+    mutable int taken_ = 0;
 };
 
 } // namespace
@@ -195,6 +204,24 @@ TEST_F(AllocationFailure, CompositingLeavesImagesWhole) {
             EXPECT_TRUE(sameImage(images[k], before[k]) || sameImage(images[k], unified[k])) << k;
     };
     EXPECT_GT(refuseEach(tryOnce), 0);
+}
+
+TEST_F(AllocationFailure, FilesAreReadOnceAndNotInVain) {
+    const QTemporaryDir folder;
+    QList<QString> files;
+    for (const int width : {30, 31, 30}) {
+        files.append(folder.filePath(QString::number(files.size()) + ".bmp"));
+        cv::imwrite(files.back().toStdString(), randomImage({width, 4}, CV_8UC3));
+    }
+    const int once = imageMemory.takenDuring([&] { cv::imread(files[0].toStdString()); });
+    QList<QPoint> offsets = {{0, 0}, {3, 1}, {0, 0}};
+    cv::Mat dst;
+    const auto synthesise = [&] { Lumetra::FluorescenceSynthesis(&files, &offsets, dst); };
+    EXPECT_EQ(imageMemory.takenDuring(synthesise), 3 * once + 1); // with the canvas
+    const auto composite = [&] { EXPECT_EQ(Lumetra::Composite(&files, &offsets), nullptr); };
+    EXPECT_EQ(imageMemory.takenDuring(composite), 2 * once + 1); // up to the one that does not fit
+    offsets.removeLast();
+    EXPECT_EQ(imageMemory.takenDuring(composite) + imageMemory.takenDuring(synthesise), 0);
 }
 
 /// A decoder without memory cannot read its file, which then counts as unreadable.

@@ -43,7 +43,7 @@ protected:
     QVector<QString> names = Lumetra::m_vecSldFluo.mid(1);
 };
 
-TEST_F(Catalogue, IsEmptyUntilItIsFilledAndThenKeepsTheHostsEntries) {
+TEST_F(Catalogue, IsFilledOnceAndKeepsTheHostsEntries) {
     EXPECT_FALSE(wasInit);
     EXPECT_EQ(namesBefore, 0);
     EXPECT_TRUE(Lumetra::bFluoDyeTypeInit);
@@ -52,9 +52,6 @@ TEST_F(Catalogue, IsEmptyUntilItIsFilledAndThenKeepsTheHostsEntries) {
     EXPECT_EQ(values(Lumetra::g_mapFluo["DAPI"]), (Record{358, 461, 0, 107, 255}));
     EXPECT_EQ(Lumetra::m_vecSldFluo.size(), 149);
     EXPECT_EQ(Lumetra::m_vecSldFluo.first(), "My own dye");
-}
-
-TEST_F(Catalogue, IsFilledOnlyOnce) {
     Lumetra::g_mapFluo.remove("Cy5");
     Lumetra::InitFluoDyeType();
     EXPECT_EQ(Lumetra::g_mapFluo.size(), 329);

@@ -10,14 +10,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <cstdio>
 #include <memory>
 
 #if QT_VERSION_MAJOR < 6
 #include <QTextCodec>
-#endif
-#if __has_include(<sys/inotify.h>)
-#include <sys/inotify.h>
-#include <unistd.h>
 #endif
 
 namespace {
@@ -71,7 +68,8 @@ protected:
     QString path(const QString& name) const { return folder.filePath(name); }
 
     cv::Mat imageOf(const QString& name) const {
-        return plainUnified(cv::imread(path(name).toStdString(), cv::IMREAD_COLOR), CV_8U);
+        const std::string file = path(name).toLocal8Bit().constData(); // ends with a NUL
+        return plainUnified(cv::imread(file, cv::IMREAD_COLOR), CV_8U);
     }
 
     std::unique_ptr<cv::Mat> composite(const QStringList& names, QList<QPoint> offsets) const {
@@ -121,6 +119,7 @@ TEST_F(ImageFiles, AreAddedOverTheirCommonAreaInBothWays) {
         {"gray.bmp", "zellkern grün – 細胞 ядро.png"},
         {"gray.pfm", "lying.jpg", "gray.pfm"},
         {"lying.jpg", "gray.pfm", "colour.png"},
+        {"gray.png", QString("colour.png") + QChar() + "more"},
         {"../" + QDir(folder.path()).dirName() + "/colour.png", "gray.bmp"}};
     const QPoint shapes[][4] = {{{0, 0}, {0, 0}, {0, 0}, {0, 0}},
                                 {{0, 0}, {10, 5}, {4, 2}, {0, 9}},
@@ -161,59 +160,6 @@ TEST_F(ImageFiles, InListsThatCannotBeCompositedChangeNothing) {
         EXPECT_TRUE(sameImage(dst, old));
     }
 }
-
-#if __has_include(<sys/inotify.h>)
-
-/// Counts how often the files of a folder are opened. It watches them being closed as well, because
-/// the system joins equal events that follow each other.
-class Opened {
-public:
-    explicit Opened(const QString& folder) {
-        inotify_add_watch(queue, folder.toLocal8Bit().constData(), IN_OPEN | IN_CLOSE);
-    }
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
-    ~Opened() { close(queue); }
-
-    qsizetype times(const char* file) {
-        alignas(inotify_event) char events[4096];
-        for (ssize_t size; (size = read(queue, events, sizeof events)) > 0;)
-            for (ssize_t at = 0; at < size;) {
-                const auto* event = reinterpret_cast<const inotify_event*>(events + at);
-                if ((event->mask & IN_OPEN) != 0 && event->len > 0)
-                    names.append(event->name);
-                at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
-            }
-        return names.count(file);
-    }
-
-private:
-    int queue = inotify_init1(IN_NONBLOCK);
-    QStringList names;
-};
-
-TEST_F(ImageFiles, AreReadOnceEachAndNotInVain) {
-    Opened single(folder.path());
-    cv::Mat dst = imageOf("colour.png");
-    const auto once = single.times("colour.png");
-    ASSERT_GE(once, 1);
-    const QStringList all = {"colour.png", "gray.png", "photo.jpg"};
-    Opened opened(folder.path());
-    EXPECT_NE(composite(all, {{0, 0}, {3, 3}, {1, 1}}), nullptr);
-    synthesise(all, {{0, 0}, {3, 3}, {1, 1}}, dst);
-    EXPECT_EQ(opened.times("colour.png"), 2 * once);
-    EXPECT_EQ(opened.times("gray.png"), 2 * once);
-
-    Opened inVain(folder.path());
-    EXPECT_EQ(composite({"alpha.png", "shorter.png", "photo.jpg"}, {{0, 0}, {0, 0}, {0, 0}}),
-              nullptr);
-    EXPECT_EQ(composite({"colour.png", "gray.png"}, {{0, 0}}), nullptr);
-    synthesise({"colour.png"}, {{0, 0}}, dst);
-    EXPECT_EQ(inVain.times("shorter.png"), once);
-    EXPECT_EQ(inVain.times("photo.jpg") + inVain.times("colour.png"), 0);
-}
-
-#endif
 
 TEST_F(ImageFiles, ThatDoNotFitEndACompositeAndAreLeftOutOfASynthesis) {
     const QList<QPoint> offsets = {{0, 0}, {10, 5}, {4, 2}};
@@ -274,9 +220,6 @@ TEST_F(ImageFiles, WithAnUnreadableFirstOne) {
         cv::Mat dst(10, 20, CV_8UC3);
         synthesise({first, "gray.png", "missing.png"}, {{5, 5}, {5, 5}, {5, 5}}, dst);
         EXPECT_TRUE(sameImage(dst, nothing));
-        dst.create(10, 20, CV_8UC3);
-        EXPECT_THROW(synthesise({first, "gray.png"}, {{6, 5}, {5, 5}}, dst), cv::Exception);
-        EXPECT_TRUE(dst.empty());
     }
 }
 
@@ -297,32 +240,20 @@ TEST_F(ImageFiles, FillADestinationThatFitsInItsOwnStorage) {
     EXPECT_TRUE(sameImage(parent, expectedParent));
 }
 
-TEST(ImageFileNames, EndWithANul) {
-    const QTemporaryDir folder;
-    const QString name = folder.filePath("image.bmp");
-    const cv::Mat image = randomImage({9, 8}, CV_8UC3);
-    ASSERT_TRUE(cv::imwrite(name.toStdString(), image));
-    QList<QString> files = {name, name + QChar() + "more"};
-    QList<QPoint> offsets = {{0, 0}, {0, 0}};
-    const std::unique_ptr<cv::Mat> canvas(Lumetra::Composite(&files, &offsets));
-    ASSERT_NE(canvas, nullptr);
-    EXPECT_TRUE(sameImage(*canvas, plainCanvas({image, image}, offsets)));
-}
-
 #if QT_VERSION_MAJOR < 6 // later ones take every file name for UTF-8, as long as it is bytes
 
-TEST(ImageFileNames, AreInTheEncodingOfTheUser) {
-    const QTemporaryDir folder;
-    const cv::Mat image = randomImage({9, 8}, CV_8UC3);
-    if (!cv::imwrite(folder.path().toStdString() + "/gr\xFCn.bmp", image))
+TEST_F(ImageFiles, HaveNamesInTheEncodingOfTheUser) {
+    const QList<QPoint> offsets = {{0, 0}, {0, 0}};
+    const cv::Mat image = imageOf("colour.png");
+    const std::string file = folder.path().toStdString() + "/gr\xFCn.bmp";
+    if (!cv::imwrite(file, image))
         GTEST_SKIP() << "this file system keeps no names in Latin-1";
-    QList<QString> files = {folder.filePath("grün.bmp"), folder.filePath("grün.bmp")};
-    QList<QPoint> offsets = {{0, 0}, {0, 0}};
     cv::Mat dst;
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
-    const std::unique_ptr<cv::Mat> canvas(Lumetra::Composite(&files, &offsets));
-    Lumetra::FluorescenceSynthesis(&files, &offsets, dst);
+    const std::unique_ptr<cv::Mat> canvas = composite({"grün.bmp", "grün.bmp"}, offsets);
+    synthesise({"grün.bmp", "grün.bmp"}, offsets, dst);
     QTextCodec::setCodecForLocale(nullptr);
+    std::remove(file.c_str()); // which the folder would not find
     ASSERT_NE(canvas, nullptr);
     EXPECT_TRUE(sameImage(*canvas, plainCanvas({image, image}, offsets)));
     EXPECT_TRUE(sameImage(dst, *canvas));

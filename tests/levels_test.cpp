@@ -4,8 +4,6 @@
 
 #include <lumetra>
 
-#include <array>
-
 namespace {
 
 /// A row of bytes, none of which is right before or behind the last ones in memory.
@@ -48,15 +46,7 @@ void stretch(const Channels& levels, const Bytes& bytes, int w, int h) {
             {black(0), black(1), black(2), white(0), white(1), white(2)}, bytes.data, w, h));
 }
 
-Bytes plainStretched(const Bytes& bytes, const Channels& levels) {
-    Bytes stretched = bytes.clone();
-    fillSamples(stretched, [&](int, int x, int) {
-        return plainStretch(bytes(x), levels[static_cast<std::size_t>(x) % levels.size()]);
-    });
-    return stretched;
-}
-
-Bytes noise(int length, int low = 0, int high = 256) {
+Bytes noise(int length, int low, int high) {
     Bytes bytes(1, length);
     cv::RNG(static_cast<uint64_t>(length)).fill(bytes, cv::RNG::UNIFORM, low, high);
     return bytes;
@@ -76,11 +66,11 @@ TEST(Levels, NullBufferIsReportedAndNothingIsWritten) {
 
 TEST(Levels, SizesBelowOneAreEmptyBuffers) {
     for (auto [w, h] : {std::pair{0, 5}, {5, 0}, {-1, 5}, {5, -3}, {-2, -3}, {INT_MIN, INT_MIN}})
-        for (int channels : {1, 3}) {
+        for (std::size_t channels : {1U, 3U}) {
             const Bytes before = noise(60, 50, 90), bytes = before.clone();
-            EXPECT_EQ(measured(bytes, w, h, channels),
-                      Channels(static_cast<std::size_t>(channels), {0, 255}));
-            stretch(Channels(static_cast<std::size_t>(channels), {60, 70}), bytes, w, h);
+            EXPECT_EQ(measured(bytes, w, h, static_cast<int>(channels)),
+                      Channels(channels, {0, 255}));
+            stretch(Channels(channels, {60, 70}), bytes, w, h);
             EXPECT_TRUE(sameImage(bytes, before)) << w << " x " << h;
         }
 }
@@ -92,14 +82,6 @@ TEST(Levels, OneOrTwoValuesFixThem) {
             fillSamples(two, [=](int, int x, int) { return x == 0 ? a : b; });
             ASSERT_EQ(measured(two, 1, 2, 1), plainChannels(two, 1));
         }
-    for (const auto& [bytes, stretched] :
-         {std::pair<Bytes, Bytes>{(Bytes(1, 3) << 10, 200, 105), (Bytes(1, 3) << 0, 255, 128)},
-          {Bytes(1, 1, 100), Bytes(1, 1, 128)},
-          {Bytes(1, 1, 255), Bytes(1, 1, 255)},
-          {(Bytes(1, 2) << 51, 50), (Bytes(1, 2) << 170, 85)}}) {
-        stretch(measured(bytes, bytes.cols, 1, 1), bytes, 1, bytes.cols);
-        EXPECT_TRUE(sameImage(bytes, stretched));
-    }
 }
 
 TEST(Levels, OnePixelFixesALevelWhereverItLies) {
@@ -138,7 +120,11 @@ TEST(Levels, BuffersOfEveryLengthAreMeasuredAndStretchedToTheirEnds) {
                 ASSERT_EQ(measured(bytes, w, h, channels), plainChannels(before, channels));
                 ASSERT_TRUE(sameImage(bytes, before)) << w << " x " << h;
                 stretch(levels, bytes, w, h);
-                ASSERT_TRUE(sameImage(bytes, plainStretched(before, levels))) << w << " x " << h;
+                for (int i = 0; i < bytes.cols; ++i)
+                    ASSERT_EQ(
+                        bytes(i),
+                        plainStretch(before(i), levels[static_cast<std::size_t>(i % channels)]))
+                        << i << " of " << w << " x " << h;
             }
 }
 

@@ -19,13 +19,11 @@ Canvas::Canvas(QWidget* parent) : QWidget(parent) {
 
 void Canvas::setImages(const std::vector<cv::Mat>& screens, bool isSmooth) {
     const cv::Size before = imageSize();
-    const bool isOther = screens.size() != screens_.size();
+    const int countBefore = count();
     screens_ = screens;
     isSmooth_ = isSmooth;
-    if ((isOther || imageSize() != before) && isFitted_)
-        fit();
-    else if (isOther || imageSize() != before)
-        keepInSight();
+    if (count() != countBefore || imageSize() != before)
+        place();
     repaint(); // at once, so that every image that was taken is seen
 }
 
@@ -38,8 +36,7 @@ void Canvas::drawLines(bool on) {
 
 /// The scale at which all images are seen whole in so many columns.
 double Canvas::fittingScale(int columns) const {
-    const int count = std::max(static_cast<int>(screens_.size()), 1);
-    const int rows = (count + columns - 1) / columns;
+    const int rows = (std::max(count(), 1) + columns - 1) / columns;
     const cv::Size size = imageSize();
     return std::min(double(width()) / columns / std::max(size.width, 1),
                     double(height()) / rows / std::max(size.height, 1));
@@ -48,28 +45,30 @@ double Canvas::fittingScale(int columns) const {
 /// The columns of images that show them largest.
 int Canvas::columns() const {
     int best = 1;
-    for (int columns = 2; columns <= static_cast<int>(screens_.size()); ++columns)
+    for (int columns = 2; columns <= count(); ++columns)
         best = fittingScale(columns) > fittingScale(best) ? columns : best;
     return best;
 }
 
 /// The part of the widget that shows an image, in whole units.
 QRectF Canvas::cell(int number) const {
-    const int across = columns(), count = std::max(static_cast<int>(screens_.size()), 1);
-    const int down = (count + across - 1) / across;
+    const int across = columns(), down = (std::max(count(), 1) + across - 1) / across;
     const int x = number % across, y = number / across;
-    const int gap = count > 1 ? 2 : 0;
+    const int gap = count() > 1 ? 2 : 0;
     const QPoint first(width() * x / across, height() * y / down);
     const QPoint next(width() * (x + 1) / across, height() * (y + 1) / down);
     return {QPointF(first), QPointF(next - QPoint(gap, gap))};
 }
 
 int Canvas::cellAt(QPointF point) const {
-    for (int i = 0; i < static_cast<int>(screens_.size()); ++i)
+    for (int i = 0; i < count(); ++i)
         if (cell(i).contains(point))
             return i;
     return 0;
 }
+
+/// After the images or the widget have another size.
+void Canvas::place() { isFitted_ ? fit() : keepInSight(); }
 
 void Canvas::fit() {
     isFitted_ = true;
@@ -122,15 +121,16 @@ QRectF Canvas::imageRect(int number) const {
             QSizeF(imageSize().width, imageSize().height) * scale_};
 }
 
-QPointF Canvas::pixelPosition(QPointF point) const {
-    return (point - imageRect(cellAt(point)).topLeft()) / scale_;
+/// The pixel below a point, if the image went on beyond its sides.
+QPoint Canvas::pixelPosition(QPointF point) const {
+    const QPointF pixel = (point - imageRect(cellAt(point)).topLeft()) / scale_;
+    return {static_cast<int>(std::floor(pixel.x())), static_cast<int>(std::floor(pixel.y()))};
 }
 
 QPoint Canvas::pixelAt(QPointF point) const {
-    const QPointF pixel = pixelPosition(point);
-    const QPoint at(static_cast<int>(std::floor(pixel.x())),
-                    static_cast<int>(std::floor(pixel.y())));
-    return QRect(0, 0, imageSize().width, imageSize().height).contains(at) ? at : QPoint(-1, -1);
+    const QPoint pixel = pixelPosition(point);
+    const bool isInside = cv::Rect({0, 0}, imageSize()).contains({pixel.x(), pixel.y()});
+    return isInside ? pixel : QPoint(-1, -1);
 }
 
 void Canvas::paintCell(QPainter& painter, int number) const {
@@ -155,11 +155,11 @@ void Canvas::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const QColor ground(0x1b, 0x1c, 0x1e); // dark in every palette, since images are
     QRegion bare(rect());
-    for (int i = 0; i < static_cast<int>(screens_.size()); ++i)
+    for (int i = 0; i < count(); ++i)
         bare -= (imageRect(i) & cell(i)).toAlignedRect().adjusted(1, 1, -1, -1);
     for (const QRect& part : bare)
         painter.fillRect(part, ground);
-    for (int i = 0; i < static_cast<int>(screens_.size()); ++i)
+    for (int i = 0; i < count(); ++i)
         paintCell(painter, i);
     if (!screens_.empty())
         return;
@@ -169,12 +169,7 @@ void Canvas::paintEvent(QPaintEvent* /*event*/) {
                         "or start a simulated camera with F3"));
 }
 
-void Canvas::resizeEvent(QResizeEvent* /*event*/) {
-    if (isFitted_)
-        fit();
-    else
-        keepInSight();
-}
+void Canvas::resizeEvent(QResizeEvent* /*event*/) { place(); }
 
 void Canvas::wheelEvent(QWheelEvent* event) {
     constexpr double notch = 120, perNotch = 1.25;
@@ -184,9 +179,9 @@ void Canvas::wheelEvent(QWheelEvent* event) {
 
 /// Draws from where the button was pressed, within the image.
 void Canvas::drawLineTo(QPointF point) {
-    const QPointF pixel = pixelPosition(point);
-    line_.setP2({std::clamp(static_cast<int>(std::floor(pixel.x())), 0, imageSize().width - 1),
-                 std::clamp(static_cast<int>(std::floor(pixel.y())), 0, imageSize().height - 1)});
+    const QPoint pixel = pixelPosition(point);
+    line_.setP2({std::clamp(pixel.x(), 0, imageSize().width - 1),
+                 std::clamp(pixel.y(), 0, imageSize().height - 1)});
     update();
     emit lineDrawn(line_);
 }
@@ -219,12 +214,7 @@ void Canvas::mouseReleaseEvent(QMouseEvent* /*event*/) {
     setCursor(drawsLines_ ? Qt::CrossCursor : Qt::ArrowCursor);
 }
 
-void Canvas::mouseDoubleClickEvent(QMouseEvent* /*event*/) {
-    if (isFitted_)
-        actualSize();
-    else
-        fit();
-}
+void Canvas::mouseDoubleClickEvent(QMouseEvent* /*event*/) { isFitted_ ? actualSize() : fit(); }
 
 void Canvas::leaveEvent(QEvent* /*event*/) { emit hovered({-1, -1}); }
 

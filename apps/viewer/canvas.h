@@ -57,14 +57,16 @@ private:
     enum class Drag { none, image, line };
 
     cv::Size imageSize() const { return screens_.empty() ? cv::Size() : screens_[0].size(); }
+    int count() const { return static_cast<int>(screens_.size()); }
     int columns() const;
     QRectF cell(int number) const;
     int cellAt(QPointF point) const;
     QRectF imageRect(int number) const;
     double fittingScale(int columns) const;
-    QPointF pixelPosition(QPointF point) const;
+    QPoint pixelPosition(QPointF point) const;
     void paintCell(QPainter& painter, int number) const;
     void setScale(double scale, QPointF fixed);
+    void place();
     void keepInSight();
     void drawLineTo(QPointF point);
 

@@ -163,28 +163,22 @@ void ChannelModel::setRows(const std::vector<ChannelRow>& rows) {
 }
 
 /// Lets `edit(rows)` change all there is.
-template<class Edit>
-void ChannelModel::edit(const Edit& edit) {
-    std::vector<ChannelRow> rows = rows_;
+void ChannelModel::edit(const std::function<void(Rows&)>& edit) {
+    Rows rows = rows_;
     edit(rows);
     if (!(rows == rows_))
         undo_.push(new EditCommand(*this, std::move(rows)));
 }
 
 /// Lets `edit(row)` change each channel.
-template<class Edit>
-void ChannelModel::editAll(const Edit& edit) {
-    this->edit([&](std::vector<ChannelRow>& rows) {
-        for (ChannelRow& row : rows)
-            edit(row);
-    });
+void ChannelModel::editAll(const EditRow& edit) {
+    this->edit([&](Rows& rows) { std::for_each(rows.begin(), rows.end(), edit); });
 }
 
 /// Lets `edit(row)` change a channel, if it is there.
-template<class Edit>
-void ChannelModel::editOne(int row, const Edit& edit) {
+void ChannelModel::editOne(int row, const EditRow& edit) {
     if (has(row))
-        this->edit([&](std::vector<ChannelRow>& rows) { edit(rows[static_cast<size_t>(row)]); });
+        this->edit([&](Rows& rows) { edit(rows[static_cast<size_t>(row)]); });
 }
 
 void ChannelModel::setCustomDyes(const std::vector<Dye>& custom) {
@@ -378,7 +372,7 @@ void ChannelModel::solo(int row) {
 void ChannelModel::showAll() { showOnly(std::vector<bool>(rows_.size(), true)); }
 
 void ChannelModel::showOnly(const std::vector<bool>& visible) {
-    edit([&](std::vector<ChannelRow>& rows) {
+    edit([&](Rows& rows) {
         for (std::size_t i = 0; i < std::min(rows.size(), visible.size()); ++i)
             rows[i].channel.visible = visible[i];
     });
@@ -386,14 +380,12 @@ void ChannelModel::showOnly(const std::vector<bool>& visible) {
 
 void ChannelModel::remove(int row) {
     if (has(row) && size() > 1)
-        edit([&](std::vector<ChannelRow>& rows) { rows.erase(rows.begin() + row); });
+        edit([&](Rows& rows) { rows.erase(rows.begin() + row); });
 }
 
 void ChannelModel::move(int row, int by) {
     if (has(row) && has(row + by))
-        edit([&](std::vector<ChannelRow>& rows) {
-            std::iter_swap(rows.begin() + row, rows.begin() + row + by);
-        });
+        edit([&](Rows& rows) { std::iter_swap(rows.begin() + row, rows.begin() + row + by); });
 }
 
 void ChannelModel::resetOffsets() {
@@ -409,7 +401,7 @@ void ChannelModel::setContinuousLevels(bool on) {
 }
 
 void ChannelModel::applySettings(const std::vector<Channel>& settings) {
-    edit([&](std::vector<ChannelRow>& rows) {
+    edit([&](Rows& rows) {
         for (std::size_t i = 0; i < std::min(rows.size(), settings.size()); ++i) {
             rows[i].channel = settings[i];
             rows[i].measuresLevels = isContinuous_ || !settings[i].levels;

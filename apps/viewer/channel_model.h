@@ -8,6 +8,7 @@
 #include <QPoint>
 #include <QUndoStack>
 
+#include <functional>
 #include <vector>
 
 namespace lumetra {
@@ -114,17 +115,16 @@ signals:
 
 private:
     class EditCommand;
+    using Rows = std::vector<ChannelRow>;
+    using EditRow = std::function<void(ChannelRow&)>;
 
     bool has(int row) const { return row >= 0 && row < size(); }
     QString limitsText(int row) const;
-    template<class Edit>
-    void edit(const Edit& edit);
-    template<class Edit>
-    void editAll(const Edit& edit);
-    template<class Edit>
-    void editOne(int row, const Edit& edit);
+    void edit(const std::function<void(Rows&)>& edit);
+    void editAll(const EditRow& edit);
+    void editOne(int row, const EditRow& edit);
     void fixLevels(ChannelRow& row, ContrastLimits levels) const;
-    void setRows(const std::vector<ChannelRow>& rows);
+    void setRows(const Rows& rows);
 
     DyeList dyes_;
     std::vector<ChannelRow> rows_;

@@ -38,15 +38,6 @@ QString noteOn(const ChannelStatistics& statistics) {
     return note;
 }
 
-QSpinBox* numberBox(const QString& name, int least, int most) {
-    auto* field = new QSpinBox;
-    field->setRange(least, most);
-    field->setKeyboardTracking(false);
-    field->setAccessibleName(name);
-    field->setToolTip(name);
-    return field;
-}
-
 /// Leaves alone what the user is about to write.
 void showNumber(QSpinBox* field, int value) {
     if (field->value() != value)
@@ -56,16 +47,22 @@ void showNumber(QSpinBox* field, int value) {
 } // namespace
 
 ChannelPanel::ChannelPanel(ChannelModel& model, const Actions& actions, QWidget* parent)
-    : QWidget(parent), model_(model) {
-    details_ = new QWidget(this);
-    auto* inner = new QVBoxLayout(details_);
-    inner->setContentsMargins(0, 0, 0, 0);
-    inner->addWidget(makeDyeBox());
-    inner->addWidget(makeLevelBox(actions), 1);
+    : QWidget(parent), model_(model), details_(new QWidget(this)), levels_(new LevelEditor),
+      note_(new QLabel) {
+    auto* details = new QVBoxLayout(details_);
+    details->setContentsMargins(0, 0, 0, 0);
+    details->addLayout(makeForm());
+    details->addWidget(levels_, 1);
+    details->addWidget(note_);
+    details->addLayout(makeLimitsRow());
+    details->addLayout(makeContrastRows(actions));
+    note_->setWordWrap(true);
+    connect(levels_, &LevelEditor::levelsMoved, this,
+            [this](ContrastLimits levels) { model_.setLevels(currentRow(), levels); });
+    makeTable(actions);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(makeTable(actions));
+    layout->addWidget(table_);
     layout->addWidget(details_, 1);
-    connectEditors();
     connectTable();
     connectActions(actions);
     showChannels();
@@ -84,7 +81,7 @@ bool ChannelPanel::eventFilter(QObject* field, QEvent* event) {
     return true;
 }
 
-QWidget* ChannelPanel::makeTable(const Actions& actions) {
+void ChannelPanel::makeTable(const Actions& actions) {
     table_ = new QTableView(this);
     table_->setModel(&model_);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -108,67 +105,70 @@ QWidget* ChannelPanel::makeTable(const Actions& actions) {
     for (const ActionId id : {ActionId::solo, ActionId::showAll, ActionId::rename, ActionId::moveUp,
                               ActionId::moveDown, ActionId::remove})
         table_->addAction(&actions[id]);
-    return table_;
 }
 
-QWidget* ChannelPanel::makeDyeBox() {
-    auto* box = new QWidget(this);
-    auto* form = new QFormLayout(box);
-    form->setContentsMargins(0, 0, 0, 0);
-    dyeBox_ = new DyeBox(box);
-    form->addRow(tr("Dye"), dyeBox_);
-    form->addRow(tr("Offset"), makeOffsetRow());
-    return box;
+QSpinBox* ChannelPanel::makeNumberBox(const QString& name, int least, int most,
+                                      const std::function<void(int)>& change) {
+    auto* field = new QSpinBox(details_);
+    field->setRange(least, most);
+    field->setKeyboardTracking(false);
+    field->setAccessibleName(name);
+    field->setToolTip(name);
+    connect(field, QOverload<int>::of(&QSpinBox::valueChanged), this, change);
+    return field;
 }
 
-/// The offset with the signs of the command, as the table shows it.
-QLayout* ChannelPanel::makeOffsetRow() {
+/// Dye and offset, the latter with the signs of the command, as the table shows it.
+QLayout* ChannelPanel::makeForm() {
     constexpr int farthest = 99999;
-    left_ = numberBox(tr("Pixels to the left"), -farthest, farthest);
+    dyeBox_ = new DyeBox(details_);
+    connect(dyeBox_, &DyeBox::dyeChosen, this,
+            [this](const QString& dye) { model_.setDye(currentRow(), dye); });
+    const auto move = [this](int) {
+        model_.setOffset(currentRow(), {left_->value(), up_->value()});
+    };
+    left_ = makeNumberBox(tr("Pixels to the left"), -farthest, farthest, move);
     left_->setPrefix(tr("← "));
-    up_ = numberBox(tr("Pixels up"), -farthest, farthest);
+    up_ = makeNumberBox(tr("Pixels up"), -farthest, farthest, move);
     up_->setPrefix(tr("↑ "));
-    auto* row = new QHBoxLayout;
-    row->addWidget(left_, 1);
-    row->addWidget(up_, 1);
-    return row;
+    auto* offset = new QHBoxLayout;
+    offset->addWidget(left_, 1);
+    offset->addWidget(up_, 1);
+    auto* form = new QFormLayout;
+    form->addRow(tr("Dye"), dyeBox_);
+    form->addRow(tr("Offset"), offset);
+    return form;
 }
 
-QWidget* ChannelPanel::makeLevelBox(const Actions& actions) {
-    auto* box = new QWidget(this);
-    auto* column = new QVBoxLayout(box);
-    column->setContentsMargins(0, 0, 0, 0);
-    levels_ = new LevelEditor(box);
-    note_ = new QLabel(box);
-    note_->setWordWrap(true);
-    column->addWidget(levels_, 1);
-    column->addWidget(note_);
-    column->addLayout(makeLimitsRow(box));
-    column->addLayout(makeContrastRows(actions, box));
-    return box;
-}
-
-QLayout* ChannelPanel::makeLimitsRow(QWidget* box) {
-    black_ = numberBox(tr("Black level"), 0, 65535);
-    white_ = numberBox(tr("White level"), 0, 65535);
+QLayout* ChannelPanel::makeLimitsRow() {
+    black_ = makeNumberBox(tr("Black level"), 0, 65535,
+                           [this](int value) { model_.setBlackLevel(currentRow(), value); });
+    white_ = makeNumberBox(tr("White level"), 0, 65535,
+                           [this](int value) { model_.setWhiteLevel(currentRow(), value); });
     for (QSpinBox* field : {black_, white_})
         field->setStepType(QAbstractSpinBox::AdaptiveDecimalStepType);
-    gammaOn_ = new QCheckBox(tr("Gamma"), box);
-    gamma_ = new QDoubleSpinBox(box);
+    gammaOn_ = new QCheckBox(tr("Gamma"), details_);
+    connect(gammaOn_, &QCheckBox::toggled, this, [this](bool on) {
+        constexpr double brighter = 0.6;
+        model_.setGamma(currentRow(), on ? brighter : 1);
+    });
+    gamma_ = new QDoubleSpinBox(details_);
     gamma_->setRange(0.05, 10);
     gamma_->setSingleStep(0.05);
     gamma_->setAccessibleName(tr("Gamma"));
     gamma_->setEnabled(false);
-    auto* numbers = new QHBoxLayout;
-    numbers->addWidget(black_, 1);
-    numbers->addWidget(white_, 1);
-    numbers->addWidget(gammaOn_);
-    numbers->addWidget(gamma_);
-    return numbers;
+    connect(gamma_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
+            [this](double gamma) { model_.setGamma(currentRow(), gamma); });
+    auto* row = new QHBoxLayout;
+    row->addWidget(black_, 1);
+    row->addWidget(white_, 1);
+    row->addWidget(gammaOn_);
+    row->addWidget(gamma_);
+    return row;
 }
 
-QLayout* ChannelPanel::makeContrastRows(const Actions& actions, QWidget* box) {
-    percent_ = new QDoubleSpinBox(box);
+QLayout* ChannelPanel::makeContrastRows(const Actions& actions) {
+    percent_ = new QDoubleSpinBox(details_);
     percent_->setRange(0, 10);
     percent_->setDecimals(2);
     percent_->setSingleStep(0.05);
@@ -176,9 +176,11 @@ QLayout* ChannelPanel::makeContrastRows(const Actions& actions, QWidget* box) {
     percent_->setToolTip(tr("Pixels that auto-contrast saturates at each end"));
     percent_->setAccessibleName(tr("Saturated pixels"));
     percent_->setKeyboardTracking(false);
+    connect(percent_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
+            &ChannelPanel::saturatedPercentChanged);
     auto* grid = new QGridLayout;
     const auto addButton = [&](ActionId id, const QString& text, int row, int column) {
-        auto* button = new QToolButton(box);
+        auto* button = new QToolButton(details_);
         actions[id].setIconText(text);
         button->setDefaultAction(&actions[id]);
         button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -191,28 +193,6 @@ QLayout* ChannelPanel::makeContrastRows(const Actions& actions, QWidget* box) {
     addButton(ActionId::toAll, tr("Copy to All"), 1, 1);
     addButton(ActionId::dataRange, tr("Data Range"), 1, 2);
     return grid;
-}
-
-void ChannelPanel::connectEditors() {
-    connect(dyeBox_, &DyeBox::dyeChosen, this,
-            [this](const QString& dye) { model_.setDye(currentRow(), dye); });
-    connect(levels_, &LevelEditor::levelsMoved, this,
-            [this](ContrastLimits levels) { model_.setLevels(currentRow(), levels); });
-    connect(black_, QOverload<int>::of(&QSpinBox::valueChanged), this,
-            [this](int value) { model_.setBlackLevel(currentRow(), value); });
-    connect(white_, QOverload<int>::of(&QSpinBox::valueChanged), this,
-            [this](int value) { model_.setWhiteLevel(currentRow(), value); });
-    const auto move = [this] { model_.setOffset(currentRow(), {left_->value(), up_->value()}); };
-    connect(left_, QOverload<int>::of(&QSpinBox::valueChanged), this, move);
-    connect(up_, QOverload<int>::of(&QSpinBox::valueChanged), this, move);
-    connect(gammaOn_, &QCheckBox::toggled, this, [this](bool on) {
-        constexpr double brighter = 0.6;
-        model_.setGamma(currentRow(), on ? brighter : 1);
-    });
-    connect(gamma_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
-            [this](double gamma) { model_.setGamma(currentRow(), gamma); });
-    connect(percent_, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
-            &ChannelPanel::saturatedPercentChanged);
 }
 
 void ChannelPanel::connectTable() {
@@ -232,7 +212,10 @@ void ChannelPanel::connectTable() {
             QTimer::singleShot(0, this, [this, row = cell.row()] {
                 isDoubleClick_ = false;
                 model_.showOnly(visibleBefore_);
-                chooseColour(row);
+                const Channel& channel = model_.channel(row);
+                const QColor colour = QColorDialog::getColor(toQt(channel.colour), this);
+                if (colour.isValid())
+                    model_.setColour(row, toColour(colour));
             });
     });
     connect(&model_, &ChannelModel::modelReset, this, &ChannelPanel::showChannels);
@@ -263,16 +246,16 @@ void ChannelPanel::connectActions(const Actions& actions) {
         });
     onSelected(Id::solo, &ChannelModel::solo);
     onAll(Id::showAll, &ChannelModel::showAll);
-    onSelected(Id::moveUp, [this](ChannelModel& m, int row) {
-        m.move(row, -1);
-        setCurrentRow(std::max(row - 1, 0));
-    });
-    onSelected(Id::moveDown, [this](ChannelModel& m, int row) {
-        m.move(row, 1);
-        setCurrentRow(std::min(row + 1, m.size() - 1));
-    });
+    for (const int by : {-1, 1})
+        onSelected(by < 0 ? Id::moveUp : Id::moveDown, [this, by](ChannelModel& m, int row) {
+            m.move(row, by);
+            setCurrentRow(std::clamp(row + by, 0, std::max(m.size() - 1, 0)));
+        });
     onSelected(Id::remove, &ChannelModel::remove);
-    connect(&actions[Id::rename], &QAction::triggered, this, &ChannelPanel::renameCurrent);
+    onSelected(Id::rename, [this](ChannelModel& m, int row) {
+        if (row >= 0)
+            table_->edit(m.index(row, ChannelModel::nameColumn));
+    });
     constexpr int far = 10;
     const std::pair<Id, QPoint> shifts[] = {{Id::left, {-1, 0}},      {Id::right, {1, 0}},
                                             {Id::up, {0, -1}},        {Id::down, {0, 1}},
@@ -293,24 +276,20 @@ void ChannelPanel::connectActions(const Actions& actions) {
     onSelected(Id::reset, &ChannelModel::resetContrast);
     onSelected(Id::toAll, &ChannelModel::copyLevelsToAll);
 
-    connect(&actions[Id::undo], &QAction::triggered, &model_.undoStack(), &QUndoStack::undo);
-    connect(&actions[Id::redo], &QAction::triggered, &model_.undoStack(), &QUndoStack::redo);
-    connect(&model_.undoStack(), &QUndoStack::canUndoChanged, &actions[Id::undo],
-            &QAction::setEnabled);
-    connect(&model_.undoStack(), &QUndoStack::canRedoChanged, &actions[Id::redo],
-            &QAction::setEnabled);
-    actions[Id::undo].setEnabled(false);
-    actions[Id::redo].setEnabled(false);
+    const auto letStack = [&](Id id, auto change, auto canChange) {
+        connect(&actions[id], &QAction::triggered, &model_.undoStack(), change);
+        connect(&model_.undoStack(), canChange, &actions[id], &QAction::setEnabled);
+        actions[id].setEnabled(false);
+    };
+    letStack(Id::undo, &QUndoStack::undo, &QUndoStack::canUndoChanged);
+    letStack(Id::redo, &QUndoStack::redo, &QUndoStack::canRedoChanged);
 
     connect(&actions[Id::goToChannels], &QAction::triggered, table_,
             [this] { table_->setFocus(Qt::ShortcutFocusReason); });
-    connect(&actions[Id::goToLevels], &QAction::triggered, this, &ChannelPanel::focusLevels);
-}
-
-void ChannelPanel::chooseColour(int row) {
-    const QColor colour = QColorDialog::getColor(toQt(model_.channel(row).colour), this);
-    if (colour.isValid())
-        model_.setColour(row, toColour(colour));
+    connect(&actions[Id::goToLevels], &QAction::triggered, black_, [this] {
+        black_->setFocus(Qt::ShortcutFocusReason);
+        black_->selectAll();
+    });
 }
 
 int ChannelPanel::currentRow() const {
@@ -325,16 +304,6 @@ void ChannelPanel::setCurrentRow(int row) {
 double ChannelPanel::saturatedPercent() const { return percent_->value(); }
 
 void ChannelPanel::setSaturatedPercent(double percent) { percent_->setValue(percent); }
-
-void ChannelPanel::renameCurrent() {
-    if (currentRow() >= 0)
-        table_->edit(model_.index(currentRow(), ChannelModel::nameColumn));
-}
-
-void ChannelPanel::focusLevels() {
-    black_->setFocus(Qt::ShortcutFocusReason);
-    black_->selectAll();
-}
 
 void ChannelPanel::showChannels() {
     dyeBox_->setDyes(model_.dyes());

@@ -5,6 +5,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <vector>
 
 class QCheckBox;
@@ -45,18 +46,14 @@ signals:
     void saturatedPercentChanged(double percent);
 
 private:
-    QWidget* makeTable(const Actions& actions);
-    QWidget* makeDyeBox();
-    QLayout* makeOffsetRow();
-    QWidget* makeLevelBox(const Actions& actions);
-    QLayout* makeLimitsRow(QWidget* box);
-    QLayout* makeContrastRows(const Actions& actions, QWidget* box);
-    void connectEditors();
+    void makeTable(const Actions& actions);
+    QSpinBox* makeNumberBox(const QString& name, int least, int most,
+                            const std::function<void(int)>& change);
+    QLayout* makeForm();
+    QLayout* makeLimitsRow();
+    QLayout* makeContrastRows(const Actions& actions);
     void connectTable();
     void connectActions(const Actions& actions);
-    void focusLevels();
-    void renameCurrent();
-    void chooseColour(int row);
     void showChannels();
     void showCurrent();
 

@@ -37,7 +37,10 @@ CustomDyesDialog::CustomDyesDialog(const CustomDyes& dyes, QWidget* parent)
     layout->addWidget(closing);
     setDyes(dyes);
     connect(table_, &QTableWidget::cellChanged, this, [this] {
-        checkNames();
+        const bool isLost = this->dyes().size() < table_->rowCount();
+        message_->setText(
+            isLost ? tr("Dyes without a name, or with the name of another dye, are not kept.")
+                   : QString());
         emit changed();
     });
     connect(table_, &QTableWidget::cellDoubleClicked, this, [this](int row, int column) {
@@ -75,7 +78,7 @@ CustomDyes CustomDyesDialog::dyes() const {
     for (int row = 0; row < table_->rowCount(); ++row) {
         const QString name = table_->item(row, nameColumn)->text().trimmed();
         if (!name.isEmpty())
-            dyes[name] = table_->item(row, colourColumn)->data(Qt::UserRole).value<QColor>();
+            dyes[name] = colour(row);
     }
     return dyes;
 }
@@ -91,21 +94,28 @@ void CustomDyesDialog::addRow(const QString& name, const QColor& colour) {
     const int row = table_->rowCount();
     table_->insertRow(row);
     table_->setItem(row, nameColumn, new QTableWidgetItem(name));
-    auto* cell = new QTableWidgetItem(colour.name());
-    cell->setData(Qt::UserRole, colour);
-    cell->setData(Qt::DecorationRole, colour);
+    auto* cell = new QTableWidgetItem;
     cell->setFlags(cell->flags() & ~Qt::ItemIsEditable);
     table_->setItem(row, colourColumn, cell);
+    setColour(row, colour);
+}
+
+void CustomDyesDialog::setColour(int row, const QColor& colour) {
+    const QSignalBlocker blocker(table_); // of two changes, which are one
+    table_->item(row, colourColumn)->setData(Qt::DecorationRole, colour);
+    table_->item(row, colourColumn)->setText(colour.name());
+}
+
+QColor CustomDyesDialog::colour(int row) const {
+    return table_->item(row, colourColumn)->data(Qt::DecorationRole).value<QColor>();
 }
 
 void CustomDyesDialog::add(const QString& name, const QColor& colour) {
     QString unused = name;
     for (int n = 2; dyes().contains(unused); ++n)
         unused = QStringLiteral("%1 %2").arg(name).arg(n);
-    {
-        const QSignalBlocker blocker(table_);
-        addRow(unused, colour);
-    }
+    const QSignalBlocker blocker(table_);
+    addRow(unused, colour);
     table_->setCurrentCell(table_->rowCount() - 1, nameColumn);
     emit changed();
 }
@@ -118,44 +128,35 @@ void CustomDyesDialog::removeCurrent() {
 }
 
 void CustomDyesDialog::chooseColour(int row) {
-    if (row < 0)
+    const QColor chosen = row < 0 ? QColor() : QColorDialog::getColor(colour(row), this);
+    if (!chosen.isValid())
         return;
-    QTableWidgetItem* cell = table_->item(row, colourColumn);
-    const QColor colour = QColorDialog::getColor(cell->data(Qt::UserRole).value<QColor>(), this);
-    if (!colour.isValid())
-        return;
-    const QSignalBlocker blocker(table_);
-    cell->setData(Qt::UserRole, colour);
-    cell->setData(Qt::DecorationRole, colour);
-    cell->setText(colour.name());
-    table_->viewport()->update();
+    setColour(row, chosen);
     emit changed();
 }
 
-void CustomDyesDialog::checkNames() {
-    const bool isLost = dyes().size() < table_->rowCount();
-    message_->setText(
-        isLost ? tr("Dyes without a name, or with the name of another dye, are not kept.")
-               : QString());
+/// Shows what came of work with a file, or why it cannot be done.
+void CustomDyesDialog::showOutcome(const std::function<QString()>& work) {
+    try {
+        message_->setText(work());
+    } catch (const std::runtime_error&) {
+        message_->setText(currentExceptionText());
+    }
 }
 
 void CustomDyesDialog::load(const QString& file) {
-    try {
+    showOutcome([&] {
         setDyes(readCustomDyes(file));
-        message_->setText(tr("Loaded dyes: %1").arg(table_->rowCount()));
         emit changed();
-    } catch (const std::runtime_error&) {
-        message_->setText(currentExceptionText());
-    }
+        return tr("Loaded dyes: %1").arg(table_->rowCount());
+    });
 }
 
 void CustomDyesDialog::save(const QString& file) {
-    try {
+    showOutcome([&] {
         writeCustomDyes(dyes(), file);
-        message_->setText(tr("Saved dyes: %1").arg(dyes().size()));
-    } catch (const std::runtime_error&) {
-        message_->setText(currentExceptionText());
-    }
+        return tr("Saved dyes: %1").arg(dyes().size());
+    });
 }
 
 } // namespace lumetra

@@ -5,7 +5,8 @@
 
 #include <QColor>
 #include <QDialog>
-#include <QMap>
+
+#include <functional>
 
 class QHBoxLayout;
 class QLabel;
@@ -36,8 +37,10 @@ private:
     void addButtons(QHBoxLayout& row);
     void setDyes(const CustomDyes& dyes);
     void addRow(const QString& name, const QColor& colour);
+    void setColour(int row, const QColor& colour);
+    QColor colour(int row) const;
     void chooseColour(int row);
-    void checkNames();
+    void showOutcome(const std::function<QString()>& work);
 
     QTableWidget* table_;
     QLabel* message_;

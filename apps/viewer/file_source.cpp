@@ -7,7 +7,6 @@
 #include "imageio/value_conversion.h"
 #include "render/render_error.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -17,15 +16,13 @@
 namespace lumetra {
 namespace {
 
-QString inWords(const char* text) { return QCoreApplication::translate("FileSource", text); }
-
 int length(const AxisRange& range) { return range.last - range.first + 1; }
 
 /// What is named of an axis, or all of it.
 /// @param problem  Names the file, how many there are, and the one that is not there.
-AxisRange rangeOf(const AxisRange& named, int count, const QString& file, const char* problem) {
+AxisRange rangeOf(const AxisRange& named, int count, const QString& file, const QString& problem) {
     if (named.last > count)
-        throw Error(inWords(problem).arg(file).arg(count).arg(named.last));
+        throw Error(problem.arg(file).arg(count).arg(named.last));
     return named.isNamed() ? named : AxisRange{1, count};
 }
 
@@ -82,18 +79,16 @@ void FileSource::addChannels(std::size_t number, const ChannelFile& named, const
     const Channel& channel = named.channel;
     const bool isNamed = !channel.dye.empty() || channel.colour != Channel{}.colour;
     if (isNamed && inputs.size() > 1)
-        throw Error(inWords(QT_TRANSLATE_NOOP("FileSource",
-                                              "%1: has %2 channels; choose one of them, as %1[c1]"))
+        throw Error(tr("%1: has %2 channels; choose one of them, as %1[c1]")
                         .arg(named.file)
                         .arg(inputs.size()));
     for (const InputFile& input : inputs) {
         Planes planes{number, std::max(input.channels.first, 1), {1, 1}, {1, 1}};
         if (input.page == 0) {
             planes.slices = rangeOf(input.slices, file.axes().slices, fileSpec(named),
-                                    QT_TRANSLATE_NOOP("FileSource", "%1: has %2 z-slices, no %3"));
-            planes.frames =
-                rangeOf(input.frames, file.axes().frames, fileSpec(named),
-                        QT_TRANSLATE_NOOP("FileSource", "%1: has %2 time points, no %3"));
+                                    tr("%1: has %2 z-slices, no %3"));
+            planes.frames = rangeOf(input.frames, file.axes().frames, fileSpec(named),
+                                    tr("%1: has %2 time points, no %3"));
         }
         stepTogether(planes.slices, axes_.slices, file.file());
         stepTogether(planes.frames, axes_.frames, file.file());
@@ -112,8 +107,8 @@ void FileSource::addChannels(std::size_t number, const ChannelFile& named, const
 /// @throws Error if others have another number to step through.
 void FileSource::stepTogether(const AxisRange& range, int& count, const QString& file) const {
     if (length(range) > 1 && count > 1 && length(range) != count)
-        throw Error(inWords(QT_TRANSLATE_NOOP("FileSource", "the files have different numbers of "
-                                                            "planes: %1 has %2, %3 has %4"))
+        throw Error(tr("the files have different numbers of "
+                       "planes: %1 has %2, %3 has %4")
                         .arg(files_.front().file())
                         .arg(count)
                         .arg(file)
@@ -167,12 +162,10 @@ cv::Mat FileSource::plane(std::size_t channel, int slice, int frame) const {
     cv::Mat plane = page > 0 ? file.planeOfPage(page, planes.channel)
                              : file.plane(planes.channel, slice, frame);
     if (needsConversion(plane))
-        throw Error(
-            inWords(QT_TRANSLATE_NOOP("FileSource",
-                                      "%1: the viewer displays 8- and 16-bit unsigned integers, "
-                                      "and this file has pixel values of another type; convert it "
-                                      "to 16 bits, or render it with 'lumetra merge'"))
-                .arg(file.file()));
+        throw Error(tr("%1: the viewer displays 8- and 16-bit unsigned integers, "
+                       "and this file has pixel values of another type; convert it "
+                       "to 16 bits, or render it with 'lumetra merge'")
+                        .arg(file.file()));
     return plane;
 }
 

@@ -5,6 +5,8 @@
 #include "apps/viewer/frame_source.h"
 #include "imageio/image_file.h"
 
+#include <QCoreApplication>
+
 #include <mutex>
 
 namespace lumetra {
@@ -14,6 +16,7 @@ namespace lumetra {
 /// Files of several z-slices or time points are stepped through together. Those with one of them,
 /// or for which one was named, stay where they are.
 class FileSource : public FrameSource {
+    Q_DECLARE_TR_FUNCTIONS(FileSource)
 public:
     /// A channel of a file.
     struct FileChannel {

@@ -18,10 +18,6 @@ struct StackPosition {
     std::optional<ProjectionMethod> projection; ///< Of all z-slices, in place of one.
 };
 
-inline bool operator==(const StackPosition& a, const StackPosition& b) {
-    return a.slice == b.slice && a.frame == b.frame && a.projection == b.projection;
-}
-
 /// What all channels saw at one moment.
 struct Frame {
     std::vector<cv::Mat> planes; ///< CV_8UC1 or CV_16UC1, one for each channel.

@@ -1,8 +1,9 @@
 // The files that were opened last.
 #pragma once
 
+#include <QFileInfo>
 #include <QMenu>
-#include <QStringList>
+#include <QSettings>
 
 namespace lumetra {
 
@@ -10,16 +11,40 @@ namespace lumetra {
 class RecentMenu : public QMenu {
     Q_OBJECT
 public:
-    explicit RecentMenu(QWidget* parent = nullptr);
+    explicit RecentMenu(QWidget* parent = nullptr) : QMenu(parent) { showEntries(); }
 
     /// Puts files that were opened together at the top.
-    void add(const QStringList& files);
+    void add(const QStringList& files) {
+        constexpr int most = 10;
+        QStringList entries = keptEntries();
+        const QString entry = files.join(QLatin1Char('\n'));
+        entries.removeAll(entry);
+        entries.prepend(entry);
+        QSettings().setValue(QStringLiteral("recent"), QStringList(entries.mid(0, most)));
+        showEntries();
+    }
 
 signals:
     void chosen(const QStringList& files);
 
 private:
-    void showEntries();
+    /// Of each entry its files, with line ends between them.
+    static QStringList keptEntries() {
+        return QSettings().value(QStringLiteral("recent")).toStringList();
+    }
+
+    void showEntries() {
+        clear();
+        for (const QString& entry : keptEntries()) {
+            const QStringList files = entry.split(QLatin1Char('\n'));
+            QStringList names;
+            for (const QString& file : files)
+                names << QFileInfo(file).fileName().replace(QLatin1Char('&'), QStringLiteral("&&"));
+            addAction(names.join(QStringLiteral(", ")), this,
+                      [this, files] { emit chosen(files); });
+        }
+        setEnabled(!isEmpty());
+    }
 };
 
 } // namespace lumetra

@@ -1,5 +1,7 @@
 #include "apps/viewer/simulated_camera.h"
 
+#include "apps/common/error.h"
+
 #include "culture.h"
 #include "light.h"
 #include "stains.h"
@@ -21,8 +23,18 @@ cv::Mat enlarged(const cv::Mat& plane, int side) {
     return scene;
 }
 
+} // namespace
+
+SimulatedCamera::SimulatedCamera(SimulatedCameraOptions options) : options_(std::move(options)) {}
+
+/// Drawing takes long enough that nobody who closes the window should have to wait for its end.
+void SimulatedCamera::throwIfCancelled() const {
+    if (isCancelled_)
+        throw Error(QStringLiteral("the simulated camera is closed"));
+}
+
 /// Cells as four dyes show them.
-std::vector<cv::Mat> drawnScenes(int channels, int side) {
+std::vector<cv::Mat> SimulatedCamera::drawnScenes(int side) const {
     constexpr int largestDrawn = 512; // cells of more pixels than that are this one, magnified
     constexpr double sharpness = 1, brightest = 30000;
     const int drawn = std::min(side, largestDrawn);
@@ -30,9 +42,12 @@ std::vector<cv::Mat> drawnScenes(int channels, int side) {
     const auto cells = culture(drawn, random);
     std::vector<cv::Mat> scenes;
     for (const auto draw : {drawNuclei, drawFilaments, drawMitochondria, drawCytoplasm}) {
-        if (static_cast<int>(scenes.size()) == channels)
+        if (static_cast<int>(scenes.size()) == options_.channels)
             break;
-        const Light light = throughLens(draw(cells, drawn, random), sharpness);
+        throwIfCancelled();
+        const Light drawing = draw(cells, drawn, random);
+        throwIfCancelled();
+        const Light light = throughLens(drawing, sharpness);
         double most = 0;
         cv::minMaxLoc(light, nullptr, &most);
         cv::Mat plane;
@@ -41,10 +56,6 @@ std::vector<cv::Mat> drawnScenes(int channels, int side) {
     }
     return scenes;
 }
-
-} // namespace
-
-SimulatedCamera::SimulatedCamera(SimulatedCameraOptions options) : options_(std::move(options)) {}
 
 cv::Rect SimulatedCamera::driftingPart() const {
     const double t = exposures_ / 60.0;
@@ -58,7 +69,7 @@ cv::Rect SimulatedCamera::driftingPart() const {
 void SimulatedCamera::prepare() {
     const int side = options_.side + driftMargin;
     if (options_.images.empty())
-        scenes_ = drawnScenes(options_.channels, side);
+        scenes_ = drawnScenes(side);
     for (const cv::Mat& image : options_.images) {
         cv::Mat plane;
         image.convertTo(plane, CV_16U, image.depth() == CV_8U ? 128 : 1);
@@ -74,6 +85,7 @@ void SimulatedCamera::prepare() {
 }
 
 void SimulatedCamera::grab(Frame& frame) {
+    throwIfCancelled();
     if (scenes_.empty())
         prepare();
     ++exposures_;

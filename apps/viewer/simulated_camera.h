@@ -5,6 +5,7 @@
 
 #include <opencv2/core.hpp>
 
+#include <atomic>
 #include <vector>
 
 namespace lumetra {
@@ -23,8 +24,11 @@ public:
     explicit SimulatedCamera(SimulatedCameraOptions options);
     void grab(Frame& frame) override;
     int bitDepth() const override { return 16; }
+    void cancel() override { isCancelled_ = true; }
 
 private:
+    void throwIfCancelled() const;
+    std::vector<cv::Mat> drawnScenes(int side) const;
     void prepare();
     cv::Rect driftingPart() const;
 
@@ -34,6 +38,7 @@ private:
     std::vector<std::vector<cv::Point>> hotPixels_;
     cv::RNG random_{1};
     int exposures_ = 0;
+    std::atomic<bool> isCancelled_{false};
 };
 
 } // namespace lumetra

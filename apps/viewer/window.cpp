@@ -37,9 +37,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <tuple>
-#include <type_traits>
 
 namespace lumetra {
 namespace {
@@ -48,12 +46,6 @@ constexpr std::pair<ActionId, const char*> keptChoices[] = {
     {ActionId::legend, "legend"},           {ActionId::gray, "graySingle"},
     {ActionId::safeColours, "safeColours"}, {ActionId::keepSettings, "keepSettings"},
     {ActionId::dataRange, "dataRange"},     {ActionId::logarithmic, "logarithmic"}};
-
-/// The choices that change how frames are shown.
-constexpr ActionId viewChoices[] = {
-    ActionId::gray,     ActionId::safeColours,  ActionId::saturated, ActionId::legend,
-    ActionId::panels,   ActionId::colourPanels, ActionId::scaleBar,  ActionId::pseudo,
-    ActionId::inverted, ActionId::dataRange};
 
 /// The file in which the user's custom dyes are kept from run to run. It need not exist; the folder
 /// is made.
@@ -92,12 +84,10 @@ double roundLength(double micrometres) {
     return power;
 }
 
-Window::Window() {
+Window::Window() : canvas_(new Canvas(this)), actions_(*this, *canvas_) {
     setAcceptDrops(true);
-    const QSize room = screen()->availableSize();
-    resize(QSize(1360, 900).boundedTo(room * 0.95));
+    resize(QSize(1360, 900).boundedTo(screen()->availableSize() * 0.95));
     makeCentre();
-    actions_ = std::make_unique<Actions>(*this, *canvas_);
     makeDocks();
     makeToolBar();
     setIcons();
@@ -124,7 +114,6 @@ void Window::makeCentre() {
     auto* centre = new QWidget(this);
     messageBar_ = new MessageBar(centre);
     stackBar_ = new StackBar(centre);
-    canvas_ = new Canvas(centre);
     lutBar_ = new LutBar(centre);
     lutBar_->hide();
     auto* row = new QHBoxLayout;
@@ -141,7 +130,7 @@ void Window::makeCentre() {
 }
 
 void Window::makeDocks() {
-    panel_ = new ChannelPanel(viewer_.model(), *actions_, this);
+    panel_ = new ChannelPanel(viewer_.model(), actions_, this);
     auto* scroll = new QScrollArea(this); // for small screens
     scroll->setWidget(panel_);
     scroll->setWidgetResizable(true);
@@ -153,7 +142,7 @@ void Window::makeDocks() {
     profile_ = new ProfileView(this);
     addDock(tr("Line Profile"), QStringLiteral("profile"), profile_, Qt::BottomDockWidgetArea,
             ActionId::profile);
-    (*actions_)[ActionId::channelPanel].setChecked(true);
+    actions_[ActionId::channelPanel].setChecked(true);
 }
 
 /// Adds a dock that an action shows and hides.
@@ -163,7 +152,7 @@ void Window::addDock(const QString& title, const QString& name, QWidget* content
     dock->setObjectName(name);
     dock->setWidget(content);
     addDockWidget(area, dock);
-    QAction& action = (*actions_)[id];
+    QAction& action = actions_[id];
     dock->setVisible(false);
     connect(&action, &QAction::toggled, dock, &QDockWidget::setVisible);
     connect(dock->toggleViewAction(), &QAction::toggled, &action, &QAction::setChecked);
@@ -174,11 +163,10 @@ void Window::makeToolBar() {
     bar->setObjectName(QStringLiteral("tools"));
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    Actions& act = *actions_;
-    act[ActionId::open].setIconText(tr("Open"));
-    act[ActionId::saveImage].setIconText(tr("Save"));
-    act[ActionId::fit].setIconText(tr("Fit"));
-    act[ActionId::panels].setIconText(tr("Panels"));
+    actions_[ActionId::open].setIconText(tr("Open"));
+    actions_[ActionId::saveImage].setIconText(tr("Save"));
+    actions_[ActionId::fit].setIconText(tr("Fit"));
+    actions_[ActionId::panels].setIconText(tr("Panels"));
     rate_ = new QDoubleSpinBox(bar);
     rate_->setRange(0.1, 100);
     rate_->setDecimals(1);
@@ -186,13 +174,14 @@ void Window::makeToolBar() {
     rate_->setKeyboardTracking(false);
     rate_->setAccessibleName(tr("Frames per second"));
     lutBox_ = new LutBox(bar);
-    bar->addActions({&act[ActionId::open], &act[ActionId::saveImage]});
+    bar->addActions({&actions_[ActionId::open], &actions_[ActionId::saveImage]});
     bar->addSeparator();
-    bar->addActions({&act[ActionId::live], &act[ActionId::snap]});
+    bar->addActions({&actions_[ActionId::live], &actions_[ActionId::snap]});
     bar->addWidget(rate_);
     bar->addSeparator();
-    bar->addActions({&act[ActionId::fit], &act[ActionId::actualSize], &act[ActionId::legend],
-                     &act[ActionId::scaleBar], &act[ActionId::panels], &act[ActionId::pseudo]});
+    bar->addActions({&actions_[ActionId::fit], &actions_[ActionId::actualSize],
+                     &actions_[ActionId::legend], &actions_[ActionId::scaleBar],
+                     &actions_[ActionId::panels], &actions_[ActionId::pseudo]});
     bar->addWidget(lutBox_);
 }
 
@@ -205,14 +194,14 @@ void Window::setIcons() {
         {ActionId::redo, "edit-redo", QStyle::SP_ArrowForward},
         {ActionId::closeAll, "document-close", QStyle::SP_DialogCloseButton}};
     for (const auto& [id, name, standard] : icons)
-        (*actions_)[id].setIcon(
+        actions_[id].setIcon(
             QIcon::fromTheme(QLatin1String(name), style()->standardIcon(standard)));
 }
 
 void Window::connectViewer() {
     connect(&viewer_, &Viewer::imageChanged, this, &Window::showImage);
     connect(&viewer_, &Viewer::sourceChanged, this, &Window::showSource);
-    connect(&viewer_, &Viewer::errorOccurred, this, &Window::showError);
+    connect(&viewer_, &Viewer::errorOccurred, messageBar_, &MessageBar::showMessage);
     connect(&viewer_, &Viewer::statusMessage, this, [this](const QString& text) {
         hideError();
         statusLine_->showMessage(text, 4000);
@@ -224,7 +213,7 @@ void Window::connectViewer() {
     connect(&viewer_.model(), &ChannelModel::edited, this, &Window::hideError);
     connect(&monitor_, &FrameMonitor::measured, statusLine_, &StatusLine::showFrameRate);
     connect(&monitor_, &FrameMonitor::stalled, this, [this](double seconds) {
-        showError(tr("No frame from the camera for %1 s").arg(seconds, 0, 'f', 0));
+        messageBar_->showMessage(tr("No frame from the camera for %1 s").arg(seconds, 0, 'f', 0));
     });
     connect(&monitor_, &FrameMonitor::resumed, messageBar_, &QWidget::hide);
     connect(canvas_, &Canvas::hovered, this, &Window::showIntensities);
@@ -236,41 +225,61 @@ void Window::connectViewer() {
 }
 
 /// Lets an action that is triggered do something, or tell why it cannot.
-template<class Do>
-void Window::on(ActionId id, const Do& action) {
-    connect(&(*actions_)[id], &QAction::triggered, this, [this, action](bool isOn) {
+void Window::on(ActionId id, const std::function<void()>& action) {
+    connect(&actions_[id], &QAction::triggered, this, [this, action] {
         try {
-            if constexpr (std::is_invocable_v<Do, Window&>)
-                std::invoke(action, *this);
-            else if constexpr (std::is_invocable_v<Do, bool>)
-                action(isOn);
-            else
-                action();
+            action();
         } catch (const std::runtime_error&) {
-            showError(currentExceptionText());
+            messageBar_->showMessage(currentExceptionText());
         }
     });
 }
 
 void Window::connectFileActions() {
     recent_ = new RecentMenu(this);
-    (*actions_)[ActionId::recent].setMenu(recent_);
+    actions_[ActionId::recent].setMenu(recent_);
     connect(recent_, &RecentMenu::chosen, this,
             [this](const QStringList& files) { viewer_.open(files); });
     on(ActionId::open, [this] { askAndOpen(false); });
     on(ActionId::add, [this] { askAndOpen(true); });
-    on(ActionId::saveImage, &Window::askAndSaveImage);
-    on(ActionId::saveSettings, &Window::askAndSaveSettings);
+    on(ActionId::saveImage, [this] { askAndSaveImage(); });
+    on(ActionId::saveSettings, [this] {
+        const QString file =
+            askForFile(this, tr("Save Channel Settings"),
+                       suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
+        if (!file.isEmpty())
+            viewer_.saveSettings(file, viewer_.model().channels());
+    });
     on(ActionId::copyImage, [this] { QApplication::clipboard()->setImage(viewer_.image()); });
-    on(ActionId::copyCommand, &Window::copyCommand);
-    on(ActionId::copyValues, &Window::copyValues);
-    on(ActionId::batchCommand, &Window::askForBatchCommand);
-    on(ActionId::customDyes, &Window::editCustomDyes);
+    on(ActionId::copyCommand, [this] {
+        QApplication::clipboard()->setText(viewer_.command());
+        statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
+    });
+    on(ActionId::copyValues, [this] { // of the line that was drawn, or the pixel pointed at last
+        const std::vector<QPoint> pixels =
+            line_.isNull() || !actions_[ActionId::profile].isChecked()
+                ? std::vector<QPoint>{pointed_}
+                : pixelsOf(line_);
+        QApplication::clipboard()->setText(
+            intensityTable(pixels, viewer_.intensitiesAt(pixels), viewer_.model().channels()));
+        statusLine_->showMessage(tr("Pixel values copied to the clipboard"), 4000);
+    });
+    on(ActionId::batchCommand, [this] { askForBatchCommand(); });
+    on(ActionId::customDyes, [this] {
+        CustomDyesDialog dialog(customDyes_, this);
+        connect(&dialog, &CustomDyesDialog::changed, this, [&] { setCustomDyes(dialog.dyes()); });
+        dialog.exec();
+    });
     on(ActionId::closeAll, [this] { viewer_.close(); });
-    on(ActionId::quit, &Window::close);
-    on(ActionId::about, &Window::showAbout);
-    connect(&(*actions_)[ActionId::keepSettings], &QAction::toggled, &viewer_,
-            &Viewer::keepSettings);
+    on(ActionId::quit, [this] { close(); });
+    on(ActionId::about, [this] {
+        QMessageBox::about(this, tr("About Lumetra Viewer"),
+                           tr("<b>Lumetra Viewer %1</b><p>Viewer for multi-channel fluorescence "
+                              "images, live and from files.<p>Free software under the MIT licence; "
+                              "running with Qt %2.")
+                               .arg(QStringLiteral(LUMETRA_VERSION), QLatin1String(qVersion())));
+    });
+    connect(&actions_[ActionId::keepSettings], &QAction::toggled, &viewer_, &Viewer::keepSettings);
 }
 
 void Window::connectFrameActions() {
@@ -278,7 +287,8 @@ void Window::connectFrameActions() {
         on(ActionId::camera1 + (channels - 1),
            [this, channels] { viewer_.simulateCamera(channels); });
     on(ActionId::cameraFromImages, [this] { viewer_.simulateCameraFromImages(); });
-    on(ActionId::live, [this](bool isOn) { isOn ? viewer_.start() : viewer_.stop(); });
+    on(ActionId::live,
+       [this] { actions_[ActionId::live].isChecked() ? viewer_.start() : viewer_.stop(); });
     on(ActionId::snap, [this] {
         viewer_.stop();
         viewer_.snap();
@@ -303,23 +313,22 @@ void Window::connectViewActions() {
     on(ActionId::actualSize, [this] { canvas_->actualSize(); });
     on(ActionId::zoomIn, [this] { canvas_->zoom(step); });
     on(ActionId::zoomOut, [this] { canvas_->zoom(1 / step); });
-    on(ActionId::pixelSize, &Window::askPixelSize);
-    on(ActionId::scaleBar, [this](bool isOn) {
-        if (isOn && viewer_.hasSource() && !viewer_.pixelSize())
+    on(ActionId::pixelSize, [this] { askPixelSize(); });
+    on(ActionId::scaleBar, [this] {
+        if (actions_[ActionId::scaleBar].isChecked() && viewer_.hasSource() && !viewer_.pixelSize())
             askPixelSize();
     });
-    on(ActionId::fullScreen, [this](bool isOn) { isOn ? showFullScreen() : showNormal(); });
-    for (const ActionId choice : viewChoices)
-        connect(&(*actions_)[choice], &QAction::toggled, this, &Window::updateOptions);
-    connect(&(*actions_)[ActionId::profile], &QAction::toggled, canvas_, &Canvas::drawLines);
-    connect(&(*actions_)[ActionId::logarithmic], &QAction::toggled, this, [this](bool isOn) {
-        panel_->levelEditor().setLogarithmic(isOn);
-        saving_.start();
-    });
+    on(ActionId::fullScreen,
+       [this] { actions_[ActionId::fullScreen].isChecked() ? showFullScreen() : showNormal(); });
+    for (const QAction* action : QWidget::actions())
+        connect(action, &QAction::toggled, this, &Window::updateOptions);
+    connect(&actions_[ActionId::profile], &QAction::toggled, canvas_, &Canvas::drawLines);
+    connect(&actions_[ActionId::logarithmic], &QAction::toggled, &panel_->levelEditor(),
+            &LevelEditor::setLogarithmic);
     connect(panel_, &ChannelPanel::saturatedPercentChanged, this, &Window::updateOptions);
-    connect(lutBox_, &LutBox::errorOccurred, this, &Window::showError);
+    connect(lutBox_, &LutBox::errorOccurred, messageBar_, &MessageBar::showMessage);
     connect(lutBox_, &LutBox::lutChosen, this, [this] {
-        (*actions_)[ActionId::pseudo].setChecked(true);
+        actions_[ActionId::pseudo].setChecked(true);
         updateOptions();
     });
     connect(panel_, &ChannelPanel::currentRowChanged, this, &Window::updateOptions);
@@ -334,9 +343,9 @@ void Window::restoreState() {
     rate_->setValue(kept.value(QStringLiteral("rate"), viewer_.rate()).toDouble());
     lutBox_->setLut(kept.value(QStringLiteral("lut"), lutBox_->lut()).toString());
     for (const ActionId id : {ActionId::keepSettings, ActionId::logarithmic})
-        (*actions_)[id].setChecked(true);
+        actions_[id].setChecked(true);
     for (const auto& [id, key] : keptChoices) {
-        QAction& choice = (*actions_)[id];
+        QAction& choice = actions_[id];
         choice.setChecked(kept.value(QLatin1String(key), choice.isChecked()).toBool());
     }
 }
@@ -349,7 +358,7 @@ void Window::saveState() {
     kept.setValue(QStringLiteral("rate"), rate_->value());
     kept.setValue(QStringLiteral("lut"), lutBox_->lut());
     for (const auto& [id, key] : keptChoices)
-        kept.setValue(QLatin1String(key), (*actions_)[id].isChecked());
+        kept.setValue(QLatin1String(key), actions_[id].isChecked());
 }
 
 void Window::restoreCustomDyes() {
@@ -359,7 +368,7 @@ void Window::restoreCustomDyes() {
         customDyes_ = readCustomDyes(customDyesFile());
         viewer_.model().setCustomDyes(asDyes(customDyes_));
     } catch (const std::runtime_error&) {
-        showError(currentExceptionText());
+        messageBar_->showMessage(currentExceptionText());
     }
 }
 
@@ -372,14 +381,8 @@ void Window::setCustomDyes(const CustomDyes& dyes) {
         else
             writeCustomDyes(dyes, customDyesFile());
     } catch (const std::runtime_error&) {
-        showError(currentExceptionText());
+        messageBar_->showMessage(currentExceptionText());
     }
-}
-
-void Window::editCustomDyes() {
-    CustomDyesDialog dialog(customDyes_, this);
-    connect(&dialog, &CustomDyesDialog::changed, this, [&] { setCustomDyes(dialog.dyes()); });
-    dialog.exec();
 }
 
 void Window::askAndOpen(bool adds) {
@@ -408,14 +411,6 @@ void Window::askAndSaveImage() {
         viewer_.saveImage(file, snapshot);
 }
 
-void Window::askAndSaveSettings() {
-    const QString file =
-        askForFile(this, tr("Save Channel Settings"),
-                   suggestedFile(QStringLiteral("_channels.json")), {tr("Settings (*.json)")});
-    if (!file.isEmpty())
-        viewer_.saveSettings(file, viewer_.model().channels());
-}
-
 void Window::askPixelSize() {
     const auto known = viewer_.pixelSize();
     const QLocale locale;
@@ -431,9 +426,9 @@ void Window::askPixelSize() {
     if (isGiven && isNumber && size >= smallest && size <= largest)
         viewer_.setPixelSize(size);
     else if (isGiven)
-        showError(tr("\"%1\" is not a pixel size").arg(text));
+        messageBar_->showMessage(tr("\"%1\" is not a pixel size").arg(text));
     if (!viewer_.pixelSize())
-        (*actions_)[ActionId::scaleBar].setChecked(false);
+        actions_[ActionId::scaleBar].setChecked(false);
 }
 
 void Window::askForBatchCommand() {
@@ -453,29 +448,6 @@ void Window::askForBatchCommand() {
         line);
 }
 
-void Window::copyCommand() {
-    QApplication::clipboard()->setText(viewer_.command());
-    statusLine_->showMessage(tr("Command copied to the clipboard"), 4000);
-}
-
-/// The pixel that was pointed at last, or the line that was drawn, as a table.
-void Window::copyValues() {
-    const std::vector<QPoint> pixels = line_.isNull() || !(*actions_)[ActionId::profile].isChecked()
-                                           ? std::vector<QPoint>{pointed_}
-                                           : pixelsOf(line_);
-    QApplication::clipboard()->setText(
-        intensityTable(pixels, viewer_.intensitiesAt(pixels), viewer_.model().channels()));
-    statusLine_->showMessage(tr("Pixel values copied to the clipboard"), 4000);
-}
-
-void Window::showAbout() {
-    QMessageBox::about(this, tr("About Lumetra Viewer"),
-                       tr("<b>Lumetra Viewer %1</b><p>Viewer for multi-channel fluorescence "
-                          "images, live and from files.<p>Free software under the MIT licence; "
-                          "running with Qt %2.")
-                           .arg(QStringLiteral(LUMETRA_VERSION), QLatin1String(qVersion())));
-}
-
 void Window::showImage() {
     const RenderedFrame& rendered = viewer_.rendered();
     const int width = rendered.screens.empty() ? 0 : rendered.screens.back().cols;
@@ -486,44 +458,42 @@ void Window::showImage() {
     canvas_->setImages(rendered.screens, !viewer_.isRunning());
     if (rendered.problem != renderProblem_) {
         renderProblem_ = rendered.problem;
-        renderProblem_.isEmpty() ? hideError() : showError(renderProblem_);
+        renderProblem_.isEmpty() ? hideError() : messageBar_->showMessage(renderProblem_);
     }
     stackBar_->showPosition(rendered.position);
     if (viewer_.isRunning() && pointed_.x() >= 0)
         showIntensities(pointed_);
-    if ((*actions_)[ActionId::profile].isChecked())
+    if (actions_[ActionId::profile].isChecked())
         showProfile(line_);
 }
 
 void Window::showSource() {
     const QString title = viewer_.title();
     setWindowTitle(title.isEmpty() ? tr("Lumetra Viewer") : tr("%1 — Lumetra Viewer").arg(title));
-    const bool isCamera = viewer_.isCamera();
     const Axes axes = viewer_.axes();
     const bool hasSlices = axes.slices > 1, hasFrames = axes.frames > 1;
-    Actions& act = *actions_;
-    for (const ActionId id : {ActionId::saveImage, ActionId::saveSettings, ActionId::copyImage,
-                              ActionId::copyCommand, ActionId::copyValues, ActionId::batchCommand,
-                              ActionId::closeAll, ActionId::cameraFromImages, ActionId::pixelSize})
-        act[id].setEnabled(viewer_.hasSource());
-    act[ActionId::live].setText(hasSlices || hasFrames ? tr("P&lay") : tr("&Live"));
-    act[ActionId::live].setEnabled(isCamera || hasSlices || hasFrames);
-    act[ActionId::live].setChecked(viewer_.isRunning());
-    act[ActionId::snap].setEnabled(isCamera);
-    for (const ActionId id : {ActionId::previousSlice, ActionId::nextSlice})
-        act[id].setEnabled(hasSlices);
-    for (const ActionId id : {ActionId::previousFrame, ActionId::nextFrame})
-        act[id].setEnabled(hasFrames);
+    const std::pair<bool, std::vector<ActionId>> enabled[] = {
+        {viewer_.hasSource(),
+         {ActionId::saveImage, ActionId::saveSettings, ActionId::copyImage, ActionId::copyCommand,
+          ActionId::copyValues, ActionId::batchCommand, ActionId::closeAll,
+          ActionId::cameraFromImages, ActionId::pixelSize}},
+        {viewer_.isCamera(), {ActionId::snap}},
+        {viewer_.isCamera() || hasSlices || hasFrames, {ActionId::live}},
+        {hasSlices, {ActionId::previousSlice, ActionId::nextSlice}},
+        {hasFrames, {ActionId::previousFrame, ActionId::nextFrame}}};
+    for (const auto& [isEnabled, ids] : enabled)
+        for (const ActionId id : ids)
+            actions_[id].setEnabled(isEnabled);
+    actions_[ActionId::live].setText(hasSlices || hasFrames ? tr("P&lay") : tr("&Live"));
+    actions_[ActionId::live].setChecked(viewer_.isRunning());
     stackBar_->setAxes(axes, viewer_.hasPages());
     statusLine_->showPixelSize(viewer_.hasSource() ? viewer_.pixelSize() : std::nullopt);
-    if (viewer_.hasSource() && !viewer_.pixelSize() && act[ActionId::scaleBar].isChecked()) {
-        act[ActionId::scaleBar].setChecked(false);
+    if (viewer_.hasSource() && !viewer_.pixelSize() && actions_[ActionId::scaleBar].isChecked()) {
+        actions_[ActionId::scaleBar].setChecked(false);
         statusLine_->showMessage(tr("No scale bar: the pixel size is not known"), 4000);
     }
     updateOptions();
 }
-
-void Window::showError(const QString& reason) { messageBar_->showMessage(reason); }
 
 /// What is mended need not be told any longer.
 void Window::hideError() {
@@ -552,26 +522,25 @@ void Window::showChannels() {
 
 std::optional<ScaleBar> Window::scaleBar() const {
     const auto size = viewer_.pixelSize();
-    if (!(*actions_)[ActionId::scaleBar].isChecked() || !size || imageWidth_ == 0)
+    if (!actions_[ActionId::scaleBar].isChecked() || !size || imageWidth_ == 0)
         return std::nullopt;
     return ScaleBar{roundLength(imageWidth_ * *size), *size};
 }
 
 void Window::updateOptions() {
-    Actions& act = *actions_;
     ViewOptions options;
-    options.graySingle = act[ActionId::gray].isChecked();
-    options.safeColours = act[ActionId::safeColours].isChecked();
-    options.marksSaturated = act[ActionId::saturated].isChecked();
-    options.annotation = {act[ActionId::legend].isChecked(), scaleBar()};
-    if (act[ActionId::pseudo].isChecked())
-        options.lut = LutChoice{lutBox_->lut(), act[ActionId::inverted].isChecked()};
+    options.graySingle = actions_[ActionId::gray].isChecked();
+    options.safeColours = actions_[ActionId::safeColours].isChecked();
+    options.marksSaturated = actions_[ActionId::saturated].isChecked();
+    options.annotation = {actions_[ActionId::legend].isChecked(), scaleBar()};
+    if (actions_[ActionId::pseudo].isChecked())
+        options.lut = LutChoice{lutBox_->lut(), actions_[ActionId::inverted].isChecked()};
     options.pseudoChannel = std::max(panel_->currentRow(), 0);
-    if (act[ActionId::panels].isChecked())
-        options.panels =
-            act[ActionId::colourPanels].isChecked() ? PanelColours::colour : PanelColours::gray;
+    if (actions_[ActionId::panels].isChecked())
+        options.panels = actions_[ActionId::colourPanels].isChecked() ? PanelColours::colour
+                                                                      : PanelColours::gray;
     options.saturatedPercent = panel_->saturatedPercent();
-    options.showsDataRange = act[ActionId::dataRange].isChecked();
+    options.showsDataRange = actions_[ActionId::dataRange].isChecked();
     viewer_.setOptions(options);
     lutBar_->setVisible(options.lut.has_value() && viewer_.hasSource());
     showChannels();

@@ -10,6 +10,8 @@
 #include <QMainWindow>
 #include <QTimer>
 
+#include <functional>
+
 class QDoubleSpinBox;
 
 namespace lumetra {
@@ -31,7 +33,7 @@ public:
     ~Window() override;
 
     Viewer& viewer() { return viewer_; }
-    Actions& actions() { return *actions_; }
+    Actions& actions() { return actions_; }
 
     /// Replaces the user's custom dyes, and keeps them.
     void setCustomDyes(const CustomDyes& dyes);
@@ -49,8 +51,7 @@ private:
                  Qt::DockWidgetArea area, ActionId id);
     void makeToolBar();
     void setIcons();
-    template<class Do>
-    void on(ActionId id, const Do& action);
+    void on(ActionId id, const std::function<void()>& action);
     void connectViewer();
     void connectFileActions();
     void connectFrameActions();
@@ -61,28 +62,23 @@ private:
 
     void askAndOpen(bool adds);
     void askAndSaveImage();
-    void askAndSaveSettings();
     void askPixelSize();
     void askForBatchCommand();
     QString suggestedFile(const QString& ending) const;
-    void copyCommand();
-    void copyValues();
-    void editCustomDyes();
-    void showAbout();
 
     void showImage();
     void showSource();
     void showIntensities(QPoint pixel);
     void showProfile(QLine line);
     void showChannels();
-    void showError(const QString& reason);
     void hideError();
     void updateOptions();
     std::optional<ScaleBar> scaleBar() const;
 
     Viewer viewer_;
     FrameMonitor monitor_{viewer_};
-    Canvas* canvas_ = nullptr;
+    Canvas* canvas_;
+    Actions actions_;
     ChannelPanel* panel_ = nullptr;
     LutBar* lutBar_ = nullptr;
     LutBox* lutBox_ = nullptr;
@@ -92,7 +88,6 @@ private:
     StackBar* stackBar_ = nullptr;
     StatusLine* statusLine_ = nullptr;
     QDoubleSpinBox* rate_ = nullptr;
-    std::unique_ptr<Actions> actions_;
     QTimer saving_; ///< Of preferences, when they have rested for a moment.
     QPoint pointed_{-1, -1};
     QLine line_;

@@ -89,6 +89,7 @@ QByteArray encodedPng(const PngKind& kind) {
     if (!block.isEmpty())
         png_set_eXIf_1(png, info, static_cast<png_uint_32>(block.size()),
                        reinterpret_cast<png_bytep>(block.data()));
+    png_set_pHYs(png, info, 2000000, 4000000, PNG_RESOLUTION_METER); // 0.5 x 0.25 µm
     png_write_info(png, info);
     const std::size_t rowBytes = png_get_rowbytes(png, info);
     const cv::Mat noise = testImage({static_cast<int>(rowBytes), height}, CV_8UC1);
@@ -122,6 +123,8 @@ TEST_F(ImageFiles, OfPngAreReadAsByOpenCv) {
     for (int orientation = 1; orientation <= 8; ++orientation)
         expectAsOpenCv(encodedPng({PNG_COLOR_TYPE_GRAY, 8, false, false, exif(orientation, true)}),
                        "orientation " + std::to_string(orientation));
+    EXPECT_EQ(ImageFile(file_).metadata().pixelSizeX, 0.5);
+    EXPECT_EQ(ImageFile(file_).metadata().pixelSizeY, 0.25);
     EXPECT_EQ(inRows_, 11); // gray of five bit depths, also transparent, and one that is not turned
 }
 

@@ -49,9 +49,12 @@ TEST_F(Writing, GivesFilesThatOthersReadAsTheyWere) {
                     << type << size;
             }
             for (const char* name : {"a.tif", "a.png"}) {
-                writeImage(path(name), image, Existing::replace);
+                writeImage(path(name), image, Existing::replace, 0.325);
                 EXPECT_TRUE(areEqual(readByOpenCv(path(name)), image)) << name << type << size;
-                EXPECT_TRUE(areEqual(ImageFile(path(name)).page(1), image)) << name << type << size;
+                const ImageFile file(path(name));
+                EXPECT_TRUE(areEqual(file.page(1), image)) << name << type << size;
+                EXPECT_NEAR(file.metadata().pixelSizeX.value_or(0), 0.325, 1e-6) << name;
+                EXPECT_NEAR(file.metadata().pixelSizeY.value_or(0), 0.325, 1e-6) << name;
             }
         }
 }
@@ -108,16 +111,34 @@ TEST_F(Writing, TakesNamesOfAllLettersAndLengths) {
 
 TEST_F(Writing, ReplacesOnlyWhatItMay) {
     const QString file = path("a.png");
+    QStringList names{file}, noFiles{folder_.path()};
+#ifdef Q_OS_UNIX
+    names << path("link.png");
+    ASSERT_TRUE(QFile::link(file, names.last()));
+    noFiles << "/dev/null" << path("pipe.png");
+    ASSERT_EQ(mkfifo(QFile::encodeName(noFiles.last()).constData(), 0600), 0);
+#endif
     writeImage(file, testImage({4, 4}, CV_8UC1), Existing::keep);
-    EXPECT_THROW(checkOutput(file, {}, Existing::keep), FileExistsError);
-    EXPECT_THROW(writeImage(file, testImage({5, 5}, CV_8UC1), Existing::keep), FileExistsError);
-    EXPECT_NO_THROW(checkOutput(file, {path("b.png")}, Existing::replace));
-    EXPECT_THROW(checkOutput(file, {file}, Existing::replace), FileError); // also an input
-    EXPECT_THROW(writeBytes(folder_.path(), "x", Existing::replace), FileError);
-    EXPECT_EQ(ImageFile(file).page(1).cols, 4);
-    writeImage(file, testImage({5, 5}, CV_8UC1), Existing::replace);
-    EXPECT_EQ(ImageFile(file).page(1).cols, 5);
-    EXPECT_EQ(filesThere(), 1);
+    const int files = filesThere();
+    for (const QString& name : names) {
+        EXPECT_THROW(checkOutput(name, {}, Existing::keep), FileExistsError);
+        EXPECT_THROW(writeImage(name, testImage({5, 5}, CV_8UC1), Existing::keep), FileExistsError);
+        EXPECT_NO_THROW(checkOutput(name, {path("b.png")}, Existing::replace));
+        EXPECT_THROW(checkOutput(name, {file}, Existing::replace), FileError); // also an input
+        EXPECT_EQ(ImageFile(file).page(1).cols, 4);
+    }
+    for (const QString& name : noFiles) {
+        EXPECT_THROW(checkOutput(name, {}, Existing::replace), FileError);
+        EXPECT_THROW(writeBytes(name, "x", Existing::replace), FileError);
+        EXPECT_FALSE(QFileInfo(name).isFile());
+    }
+    for (const QString& name : names) { // or what it leads to
+        const int width = 5 + static_cast<int>(names.indexOf(name));
+        writeImage(name, testImage({width, 5}, CV_8UC1), Existing::replace);
+        EXPECT_EQ(ImageFile(file).page(1).cols, width);
+        EXPECT_EQ(QFileInfo(name).isSymLink(), name != file);
+    }
+    EXPECT_EQ(filesThere(), files);
 }
 
 #ifdef Q_OS_UNIX
@@ -135,31 +156,10 @@ TEST_F(Writing, GivesFilesThePermissionsOfAnyOther) {
     umask(before);
 }
 
-TEST_F(Writing, FollowsLinksAndLeavesDevices) {
-    const QString file = path("a.png"), link = path("link.png"), pipe = path("pipe.png");
-    writeImage(file, testImage({4, 4}, CV_8UC1), Existing::keep);
-    ASSERT_TRUE(QFile::link(file, link));
-    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    for (const QString& name : {file, link}) {
-        EXPECT_THROW(checkOutput(name, {}, Existing::keep), FileExistsError);
-        EXPECT_THROW(writeImage(name, testImage({5, 5}, CV_8UC1), Existing::keep), FileExistsError);
-        EXPECT_NO_THROW(checkOutput(name, {path("b.png")}, Existing::replace));
-        EXPECT_THROW(checkOutput(name, {file}, Existing::replace), FileError); // also an input
-    }
-    EXPECT_EQ(ImageFile(file).page(1).cols, 4);
-    for (const QString& name : {folder_.path(), QString("/dev/null"), pipe}) {
-        EXPECT_THROW(checkOutput(name, {}, Existing::replace), FileError);
-        EXPECT_THROW(writeBytes(name, "x", Existing::replace), FileError);
-    }
-    EXPECT_FALSE(QFileInfo(pipe).isFile());
-
-    writeImage(link, testImage({5, 5}, CV_8UC1), Existing::replace); // what it leads to
-    EXPECT_EQ(ImageFile(file).page(1).cols, 5);
-    EXPECT_TRUE(QFileInfo(link).isSymLink());
+TEST_F(Writing, MakesTheFileThatALinkLeadsTo) {
     ASSERT_TRUE(QFile::link(path("later.png"), path("dangling.png")));
     writeImage(path("dangling.png"), testImage({6, 6}, CV_8UC1), Existing::keep);
     EXPECT_EQ(ImageFile(path("later.png")).page(1).cols, 6);
-    EXPECT_EQ(filesThere(), 5);
 }
 
 #endif
@@ -207,25 +207,24 @@ TEST_F(Writing, LeavesNothingOfWhatIsGivenUp) {
 
 #ifdef Q_OS_UNIX
 
-TEST_F(Writing, OnAFullDiskFailsAndLeavesNothing) {
+TEST_F(Writing, OnAFullDiskFailsAndLeavesWhatWasThere) {
     // As a full disk, a limit makes a write fall short and the next one fail.
     const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
     rlimit before{};
     getrlimit(RLIMIT_FSIZE, &before);
     const cv::Mat image = testImage({300, 200}, CV_8UC3);
+    writeBytes(path("a.png"), "old", Existing::keep);
     for (const rlim_t most : {10U, 5000U, 20000U}) {
         const rlimit small{most, before.rlim_max};
-        for (const char* name : {"a.png", "a.jpg", "a.tif"}) {
-            setrlimit(RLIMIT_FSIZE, &small);
-            EXPECT_THROW(writeImage(path(name), image, Existing::replace), FileError) << name;
-            setrlimit(RLIMIT_FSIZE, &before);
-        }
         setrlimit(RLIMIT_FSIZE, &small);
+        for (const char* name : {"a.png", "a.jpg", "a.tif"})
+            EXPECT_THROW(writeImage(path(name), image, Existing::replace), FileError) << name;
         EXPECT_THROW(writeBytes(path("a.txt"), QByteArray(static_cast<int>(most) + 1, 'x'),
                                 Existing::replace),
                      FileError);
         setrlimit(RLIMIT_FSIZE, &before);
-        EXPECT_EQ(filesThere(), 0);
+        EXPECT_EQ(contentOf(path("a.png")), "old");
+        EXPECT_EQ(filesThere(), 1);
     }
     std::signal(SIGXFSZ, ignored);
 }

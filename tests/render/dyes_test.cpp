@@ -131,6 +131,7 @@ TEST(Dyes, NearNamesAreOfTheSameKind) {
 TEST(Dyes, HaveTheColourOfTheirEmission) {
     const DyeList dyes;
     EXPECT_EQ(emissionColour(518.6), dyes.at("Alexa 488").colour);
+    EXPECT_EQ(emissionColour(670), dyes.at("Cy5").colour);
     EXPECT_EQ(emissionColour(-1e300), emissionColour(380));
     EXPECT_EQ(dyes.at("Alexa Fluor 790").colour, emissionColour(799));
     EXPECT_THROW(emissionColour(std::nan("")), RenderError);

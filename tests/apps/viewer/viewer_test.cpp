@@ -11,6 +11,10 @@
 #include <QElapsedTimer>
 #include <QProcess>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 namespace lumetra {
 
 class ViewerTest : public QObject {
@@ -39,6 +43,7 @@ private slots:
     void intensitiesAreThoseBelowTheImage();
     void settingsGoOutAndIn();
     void theSimulatedCameraDriftsAndHasHotPixels();
+    void theSimulatedCameraIsNotWaitedFor();
 };
 
 namespace {
@@ -610,6 +615,24 @@ void ViewerTest::theSimulatedCameraDriftsAndHasHotPixels() {
     SimulatedCamera filming({2, 64, {noisePlane({20, 20}, CV_8UC1, 1)}});
     filming.grab(frame);
     QCOMPARE(frame.planes.size(), size_t(1));
+}
+
+void ViewerTest::theSimulatedCameraIsNotWaitedFor() {
+    SimulatedCamera camera({4, 512, {}});
+    std::atomic<bool> hasFrame{false}, isCancelled{false};
+    std::thread exposing([&] {
+        try {
+            Frame frame;
+            camera.grab(frame);
+            hasFrame = true;
+        } catch (const Error&) {
+            isCancelled = true;
+        }
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20)); // it has begun to draw cells
+    camera.cancel();
+    exposing.join();
+    QVERIFY(isCancelled && !hasFrame);
 }
 
 /// The line renders every field of the folder as this one looks, this one to the same bytes.

@@ -235,6 +235,7 @@ void WindowTest::keysSwitchAndMoveChannels() {
     press(Qt::Key_Z, Qt::ControlModifier);
     QVERIFY(model().channel(0).visible);
     press(Qt::Key_Down, Qt::ControlModifier);
+    QVERIFY((model().planes() == std::vector<size_t>{0, 1})); // it was the last one
     press(Qt::Key_Up, Qt::ControlModifier);
     QCOMPARE(part<ChannelPanel>()->currentRow(), 0);
     QVERIFY((model().planes() == std::vector<size_t>{1, 0}));
@@ -262,6 +263,11 @@ void WindowTest::fieldsKeepTheirKeys() {
     QTest::keyClick(black, Qt::Key_Up);
     QCOMPARE(model().channel(0).levels->low, 130); // in steps that suit the number
     QVERIFY(model().channel(0).offset == cv::Point());
+    QTest::keyClick(black, Qt::Key_Tab); // to the fields in the order that is seen
+    QTest::keyClicks(window_->focusWidget(), "4000");
+    QTest::keyClick(window_->focusWidget(), Qt::Key_Tab);
+    QVERIFY((model().channel(0).levels == ContrastLimits{130, 4000}));
+    QCOMPARE(qobject_cast<QCheckBox*>(window_->focusWidget()), part<QCheckBox>());
     part<Canvas>()->setFocus();
     turnWheel(*black, {3, 3}, 1); // scrolls a small window
     QCOMPARE(model().channel(0).levels->low, 130);
@@ -828,6 +834,8 @@ void WindowTest::choicesAreKeptWithoutAClose() {
     QTRY_VERIFY(QSettings().contains("geometry")); // of the start
     act(ActionId::safeColours).setChecked(true);
     QTRY_VERIFY(QSettings().value("safeColours").toBool());
+    act(ActionId::keepSettings).setChecked(false); // which changes no image
+    QTRY_VERIFY(!QSettings().value("keepSettings", true).toBool());
     openTwo();
     window_ = std::make_unique<Window>();
     QVERIFY(act(ActionId::safeColours).isChecked());
