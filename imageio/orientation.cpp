@@ -32,9 +32,9 @@ cv::Mat oriented(const cv::Mat& stored, int orientation) {
 }
 
 int exifOrientation(const unsigned char* bytes, std::size_t count) {
-    constexpr std::size_t headerBytes = 8, entryBytes = 12;
+    constexpr std::size_t beginBytes = 8, entryBytes = 12;
     constexpr std::uint32_t orientationTag = 0x112;
-    if (count < headerBytes || bytes[0] != bytes[1] || (bytes[0] != 'I' && bytes[0] != 'M'))
+    if (count < beginBytes || bytes[0] != bytes[1] || (bytes[0] != 'I' && bytes[0] != 'M'))
         return 1;
     const bool isBigEndian = bytes[0] == 'M';
     const auto number = [&](std::size_t at, std::size_t length) {

@@ -3,6 +3,7 @@
 #include "imageio/image_file.h"
 
 #include "plane_in_rows.h"
+#include "platform/platform.h"
 
 #include <opencv2/core.hpp>
 
@@ -85,6 +86,7 @@ void dump(const QString& name, QFile& out) {
 
 int main(int count, char** arguments) {
     try {
+        lumetra::writeBinary(stdout);
         QFile out;
         if (count != 2 || !out.open(stdout, QIODevice::WriteOnly))
             return 2;

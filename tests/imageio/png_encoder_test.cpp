@@ -287,7 +287,7 @@ bool isWholeStream(const QByteArray& file, std::size_t bytes) {
         at += length + 12;
     }
     std::vector<std::uint8_t> pixels(bytes);
-    uLongf count = bytes;
+    auto count = static_cast<uLongf>(bytes);
     return uncompress(pixels.data(), &count,
                       reinterpret_cast<const std::uint8_t*>(stream.constData()),
                       static_cast<uLong>(stream.size())) == Z_OK &&

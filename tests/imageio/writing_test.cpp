@@ -115,7 +115,7 @@ TEST_F(Writing, ReplacesOnlyWhatItMay) {
 #ifdef Q_OS_UNIX
     names << path("link.png");
     ASSERT_TRUE(QFile::link(file, names.last()));
-    noFiles << "/dev/null" << path("pipe.png");
+    noFiles << path("pipe.png");
     ASSERT_EQ(mkfifo(QFile::encodeName(noFiles.last()).constData(), 0600), 0);
 #endif
     writeImage(file, testImage({4, 4}, CV_8UC1), Existing::keep);

@@ -58,7 +58,8 @@ QByteArray runInShell(QString line, const QString& folder = {}) {
     shell.setWorkingDirectory(folder);
     if (!line.startsWith("lumetra "))
         return "not a line for the command";
-    line.replace(0, 7, QDir::toNativeSeparators(qEnvironmentVariable("LUMETRA")));
+    const QFileInfo command(qEnvironmentVariable("LUMETRA")); // may lack a drive
+    line.replace(0, 7, QDir::toNativeSeparators(command.absoluteFilePath()));
 #ifdef Q_OS_WIN
     shell.setProgram("cmd");
     shell.setNativeArguments("/d /s /c \"" + line + '"');
