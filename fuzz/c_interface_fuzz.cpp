@@ -452,7 +452,7 @@ void checkTexts(FuzzedDataProvider& input) {
     Structures<lumetra_level_policy> policies(input, {lumetra_level_policy{}});
     Bytes colours(768);
     const std::size_t index = input.ConsumeBool() ? input.ConsumeIntegral<std::size_t>() : bytes;
-    const std::string text = input.ConsumeRemainingBytesAsString();
+    const std::string text = input.ConsumeBytesAsString(200);
     const auto call = [&](char* reason, std::size_t size) {
         switch (kind) {
         case 0:
