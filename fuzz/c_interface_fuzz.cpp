@@ -191,9 +191,9 @@ lumetra_channel anyChannel(FuzzedDataProvider& input) {
 }
 
 std::vector<lumetra_channel> anyChannels(FuzzedDataProvider& input, int count) {
-    std::vector<lumetra_channel> channels;
-    for (int i = 0; i < count; ++i)
-        channels.push_back(anyChannel(input));
+    std::vector<lumetra_channel> channels(static_cast<std::size_t>(count));
+    for (lumetra_channel& channel : channels)
+        channel = anyChannel(input);
     return channels;
 }
 
@@ -446,7 +446,7 @@ bool isCutBetweenCharacters(const std::string& whole, const char* part) {
 
 void checkTexts(FuzzedDataProvider& input) {
     const int kind = number(input, 0, 3);
-    const std::size_t bytes = static_cast<std::size_t>(number(input, 1, 90));
+    const auto bytes = static_cast<std::size_t>(number(input, 1, 90));
     const double emission = anyDouble(input, -10, 2000);
     Structures<lumetra_dye> dyes(input, {lumetra_dye{}});
     Structures<lumetra_level_policy> policies(input, {lumetra_level_policy{}});
