@@ -8,8 +8,7 @@
 #endif
 
 #include <algorithm>
-#include <map>
-#include <utility>
+#include <set>
 
 namespace {
 
@@ -23,15 +22,17 @@ QString nameKey(const QString& section) { return section + QStringLiteral("/Name
 
 QString colourKey(const QString& section) { return section + QStringLiteral("/Color"); }
 
-/// The sections of dyes 1 to `count` that the file holds, by number.
-std::map<int, QString> dyeSections(const QSettings& settings, int count) {
-    std::map<int, QString> sections;
+/// The numbers from 1 to `count` of which the file may hold a section. Qt takes small letters for
+/// large ones on some systems alone.
+std::set<int> numbersOfSections(const QSettings& settings, int count) {
+    std::set<int> numbers;
     for (const QString& group : settings.childGroups()) {
         const int number = group.mid(prefixLength).toInt();
-        if (number >= 1 && number <= count && group == section(number))
-            sections.emplace(number, group);
+        if (number >= 1 && number <= count &&
+            group.compare(section(number), Qt::CaseInsensitive) == 0)
+            numbers.insert(number);
     }
-    return sections;
+    return numbers;
 }
 
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
@@ -76,11 +77,11 @@ void Lumetra::LoadCustomDyeType(QMap<QString, QColor>& map, const QString& path)
     // Every gap reads as the same nameless entry, so one insertion stands for a run of them.
     const auto insertNameless = [&map] { map.insert(QString(), QColor()); };
     int previous = 0;
-    for (const auto& [number, group] : dyeSections(settings, count)) {
+    for (const int number : numbersOfSections(settings, count)) {
         if (number - previous > 1)
             insertNameless();
-        map.insert(settings.value(nameKey(group), QString()).toString(),
-                   settings.value(colourKey(group), QString()).value<QColor>());
+        map.insert(settings.value(nameKey(section(number)), QString()).toString(),
+                   settings.value(colourKey(section(number)), QString()).value<QColor>());
         previous = number;
     }
     if (previous < count)
