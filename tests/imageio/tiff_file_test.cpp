@@ -395,7 +395,11 @@ TEST_F(TiffFile, OfAPaletteGivesItsIndicesAndColours) {
 }
 
 TEST_F(TiffFile, TellsThePixelSizeOfMicroscopesNotOfPrinters) {
-    const std::vector<std::tuple<int, double, double>> cases{
+    struct Case {
+        int unit;
+        double resolution, expected;
+    };
+    const std::vector<Case> cases{
         {RESUNIT_CENTIMETER, 10000 / 0.325, 0.325},
         {RESUNIT_INCH, 50800, 0.5},
         {RESUNIT_INCH, 72, 0},
@@ -403,12 +407,12 @@ TEST_F(TiffFile, TellsThePixelSizeOfMicroscopesNotOfPrinters) {
         {RESUNIT_NONE, 50800, 0},
         {RESUNIT_INCH, 0, 0},
     };
-    for (const auto& [unit, resolution, expected] : cases) {
-        writeRow(file_, [unit = unit, resolution = resolution](TIFF* tiff) {
-            TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, unit);
-            TIFFSetField(tiff, TIFFTAG_XRESOLUTION, resolution);
+    for (const Case& c : cases) {
+        writeRow(file_, [&c](TIFF* tiff) {
+            TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, c.unit);
+            TIFFSetField(tiff, TIFFTAG_XRESOLUTION, c.resolution);
         });
-        EXPECT_NEAR(ImageFile(file_).metadata().pixelSizeX.value_or(0), expected, 1e-6);
+        EXPECT_NEAR(ImageFile(file_).metadata().pixelSizeX.value_or(0), c.expected, 1e-6);
     }
 }
 
