@@ -13,7 +13,6 @@
 
 #include <cstring>
 #include <map>
-#include <tuple>
 
 #include <tiffio.h>
 
